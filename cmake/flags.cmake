@@ -1,0 +1,24 @@
+# Flags of the library, shared by all of its variants.
+set(CMAKE_C_STANDARD 99)
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_EXTENSIONS OFF)
+string(REPLACE "-O2" "-O3" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
+
+set(ZELT_WARNINGS -Wall -Wextra)
+if(ZELT_WERROR)
+  list(APPEND ZELT_WARNINGS -Werror)
+endif()
+# No C++ runtime: no exceptions, no RTTI, no guarded statics, and nothing but libc on the library's link line, so that
+# a stray container or `new` is a link error.
+set(CMAKE_CXX_IMPLICIT_LINK_LIBRARIES "")
+set(ZELT_LIBRARY_FLAGS -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-semantic-interposition
+  -Wmissing-declarations)
+set(ZELT_LINK_FLAGS -Wl,--as-needed -Wl,-z,text -Wl,-z,max-page-size=16384)
+if(ZELT_SANITIZE)
+  add_compile_options(-fsanitize=${ZELT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${ZELT_SANITIZE})
+else()
+  list(APPEND ZELT_LINK_FLAGS -Wl,--no-undefined)  # sanitizers leave symbols to the executable
+endif()

@@ -1,0 +1,106 @@
+/** @file
+ *  What every module shares: export marks, status codes, colour-space identifiers, the names of all records, the
+ *  allocator callbacks, the version text, integer logarithms and atomic counters. */
+#ifndef ZELT_COMMON_H
+#define ZELT_COMMON_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+/** @cond */
+#ifdef __cplusplus
+#define ZELT_BEGIN_DECLS extern "C" {
+#define ZELT_END_DECLS }
+#else
+#define ZELT_BEGIN_DECLS
+#define ZELT_END_DECLS
+#endif
+#define ZELT_API __attribute__((visibility("default")))
+/** @endcond */
+
+ZELT_BEGIN_DECLS
+
+/** Status codes. Success is 0, failures are negative. Functions that return an object return null on failure and
+ *  write the status through their last argument, where that is not null; other functions return it. Small in-band
+ *  codes of single modules (-1 to -4) are described with their functions. */
+enum {
+    ZELT_OK = 0,                   /**< success */
+    ZELT_ERR_OUT_OF_MEMORY = -102, /**< no memory for a record, or an existing block is too small */
+    ZELT_ERR_INVALID_ARG = -105,   /**< a null object, an empty source, an allocator without its free routine */
+    ZELT_ERR_BUFFER_ALLOC = -203,  /**< the allocator gave no image or audio block */
+    ZELT_ERR_BITB_ALLOC = -204,    /**< the allocator gave no bitstream block */
+    ZELT_ERR_UNSUPPORTED = -211    /**< unknown colour space, or no converter for a pair of them */
+};
+
+/** Colour-space identifiers. 10 to 99 are planar, a plane per component; 100 to 599 are packed, one plane whose bytes
+ *  per pixel follow from the hundreds digit (1, 2: two; 3, 5: four; 4: three), every number in the range being valid;
+ *  from 600 up are formats that only the converters know. Multi-byte samples are little-endian. */
+enum {
+    ZELT_CS_YUV400 = 10,       /**< luma only */
+    ZELT_CS_YUV420 = 11,       /**< Y, U, V; chroma halved both ways, rounded up */
+    ZELT_CS_YUV422 = 12,       /**< Y, U, V; chroma halved in width, rounded up */
+    ZELT_CS_YUV444 = 13,       /**< Y, U, V of one size */
+    ZELT_CS_YUV440 = 18,       /**< Y, U, V; chroma halved in height, rounded up */
+    ZELT_CS_YUV_PACKED16 = 20, /**< one interleaved plane of 2 bytes a pixel, component order up to the caller */
+    ZELT_CS_YUV411 = 22,       /**< Y, U, V; chroma quartered in width, (W + 3) >> 2 */
+    ZELT_CS_YUV420A8 = 41,     /**< YUV420 and an alpha plane of full size */
+    ZELT_CS_YUV422A8 = 42,     /**< YUV422 and an alpha plane of full size */
+    ZELT_CS_YUV444A8 = 43,     /**< YUV444 and an alpha plane */
+    ZELT_CS_YUV440A8 = 44,     /**< YUV440 and an alpha plane of full size */
+    ZELT_CS_P010 = 60,         /**< 4:2:0 in 16-bit samples */
+    ZELT_CS_P210 = 61,         /**< 4:2:2 in 16-bit samples */
+    ZELT_CS_P410 = 62,         /**< 4:4:4 in 16-bit samples, 10 bits in the low end */
+    ZELT_CS_P010_2 = 63,       /**< geometry of P010 */
+    ZELT_CS_P210_2 = 64,       /**< geometry of P210 */
+    ZELT_CS_RGB565 = 200,      /**< 16-bit words, R in bits 15..11, G in 10..5, B in 4..0 */
+    ZELT_CS_RGB888 = 400,      /**< bytes R, G, B */
+    ZELT_CS_RGB888_ALT = 401,  /**< a second layout of 3 bytes a pixel, order up to the caller */
+    ZELT_CS_RGBA5658 = 430,    /**< 3 bytes a pixel: the RGB565 word, low byte first, then alpha */
+    ZELT_CS_RGBA8888 = 500,    /**< bytes R, G, B, A */
+    ZELT_CS_BGRA8888 = 501,    /**< bytes B, G, R, A */
+    ZELT_CS_ARGB8888 = 502,    /**< bytes A, R, G, B */
+    ZELT_CS_R8G8B8 = 600,      /**< planes R, G, B (converters only) */
+    ZELT_CS_R10G10B10 = 603,   /**< planes R, G, B of 16-bit words, 10 bits in the low end (converters only) */
+    ZELT_CS_RGB565A8 = 650,    /**< a plane of RGB565 words and one of alpha bytes (converters only) */
+    ZELT_CS_R8G8B8A8 = 700     /**< planes R, G, B, A (converters only) */
+};
+
+/** An image buffer, see imgb.h. */
+typedef struct ZELT_IMGB ZELT_IMGB;
+/** An owned byte block, see vdata.h. */
+typedef struct ZELT_VDATA ZELT_VDATA;
+
+/** Allocator callback: returns a block of `size` bytes or null, and may write to `*aux` an opaque second address of
+ *  the block (in a device's address space, say). `*aux` is 0 on entry. */
+typedef void *(*zelt_alloc_fn)(uint32_t size, uint32_t *aux);
+/** Free callback: takes back a block with the `aux` that its allocator gave. */
+typedef void (*zelt_free_fn)(void *block, uint32_t aux);
+
+/** Version text of the library: build date, a blank, build time, a newline.
+ *  @return  a static buffer that every call writes again with the same text; not thread-safe for that reason */
+ZELT_API const char *zelt_version(void);
+
+/** Smallest n with 2^n >= x. Any thread.
+ *  @param x  any value
+ *  @return   0..32, and -1 for x = 0 */
+ZELT_API int32_t zelt_ceil_log2(uint32_t x);
+
+/** Largest n with 2^n <= x. Any thread.
+ *  @param x  any value
+ *  @return   0..31, and -1 for x = 0 */
+ZELT_API int32_t zelt_floor_log2(uint32_t x);
+
+/** Adds 1 to a counter in one indivisible step that orders no other memory access. Wraps from 2^31 - 1. Any thread.
+ *  @param p  the counter, 4-byte aligned
+ *  @return   the value after the addition */
+ZELT_API int32_t zelt_atomic_inc(int32_t *p);
+
+/** Subtracts 1 from a counter in one indivisible step that orders no other memory access. Wraps from -2^31. Any
+ *  thread.
+ *  @param p  the counter, 4-byte aligned
+ *  @return   the value after the subtraction */
+ZELT_API int32_t zelt_atomic_dec(int32_t *p);
+
+ZELT_END_DECLS
+
+#endif

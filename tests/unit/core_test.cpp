@@ -1,0 +1,7 @@
+#include <gtest/gtest.h>
+
+#include "zelt/common.h"
+
+TEST(core, logarithms) {
+    EXPECT_EQ(zelt_ceil_log2(0), -1);
+}
