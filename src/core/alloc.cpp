@@ -11,8 +11,8 @@ constexpr std::size_t overhead = 36; // 31 bytes of rounding and room for a 32-b
 }
 
 extern "C" void* zelt_malloc_align32(uint32_t size) {
-    if (size > SIZE_MAX - overhead) return nullptr;
-    void* raw = std::malloc(size + overhead);
+    const std::size_t padded = std::size_t{size} + overhead;
+    void* raw = padded < size ? nullptr : std::malloc(padded);  // on 32-bit targets the sum can wrap
     if (!raw) return nullptr;
     // malloc aligns to 8 at least, so the block starts 8 or more past raw: a 64-bit pointer fits as well.
     void** block =
