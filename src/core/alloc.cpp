@@ -7,7 +7,7 @@
 using namespace zelt;
 
 namespace {
-constexpr std::size_t overhead = 36; // 31 bytes of rounding and room for a 32-bit pointer
+constexpr std::size_t overhead = 36;  // 31 bytes of rounding and room for a 32-bit pointer
 }
 
 extern "C" void* zelt_malloc_align32(uint32_t size) {

@@ -1,4 +1,4 @@
-#pragma once // short names of the sample and result types, and what every source file takes for granted
+#pragma once  // short names of the sample and result types, and what every source file takes for granted
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
@@ -12,7 +12,7 @@ using s8 = std::int8_t;
 using s16 = std::int16_t;
 using s32 = std::int32_t;
 using s64 = std::int64_t;
-} // namespace zelt
+}  // namespace zelt
 
 // A second exported name of a function; stands inside extern "C". gcc wants the target's attributes on it, too.
 #if __has_attribute(copy)

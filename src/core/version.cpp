@@ -4,6 +4,6 @@
 
 const char* zelt_version() {
     static char text[64];
-    std::sprintf(text, "%s %s\n", "Mar 16 2019", "18:27:20"); // Kept: fixed, so that builds are reproducible
+    std::sprintf(text, "%s %s\n", "Mar 16 2019", "18:27:20");  // Kept: fixed, so that builds are reproducible
     return text;
 }

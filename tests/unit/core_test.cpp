@@ -1,7 +1,5 @@
-#include <gtest/gtest.h>
-
 #include "zelt/common.h"
 
-TEST(core, logarithms) {
-    EXPECT_EQ(zelt_ceil_log2(0), -1);
-}
+#include <gtest/gtest.h>
+
+TEST(core, logarithms) { EXPECT_EQ(zelt_ceil_log2(0), -1); }

@@ -1,0 +1,53 @@
+#pragma once
+// The vector vocabulary: what kernels are written over, at the target's own register width. This file has the types and
+// the plain arithmetic; a back end adds what is an instruction of its own on its target, the same names on each:
+//
+//   load, load2, load3, load4    `lanes` samples of 1 to 4 interleaved channels; store, store2, store3, store4 alike
+//   widen, narrow                bytes to unsigned words and back with saturation to 0..255
+//   narrow_signed                words to signed bytes with saturation to -128..127
+//   high, round_high             bits 15..8 of unsigned words, and of words + 128 (which must not wrap)
+//   widen_q7                     signed bytes times 128
+//   difference(a, b)             a - b of unsigned bytes, in words
+//   dot<A, B>(a, b)              A a + B b of unsigned bytes; the sum of either sign's terms stays in 16 bits
+//   interleave, dot<A, B, C>     the same of three, modulo 2^16
+//   mul_q15(a, b)                (a b + 2^14) >> 15
+//   sub_sat(a, b)                a - b with saturation to 16 bits
+//   shift_add<N>(a, b)           a + (b >> N)
+//   shift_insert<N>(a, b)        the high N bits of bytes a above b >> N
+#include "core/types.h"
+
+namespace zelt::simd {
+#ifdef __AVX2__
+constexpr int lanes = 32;
+#else
+constexpr int lanes = 16;
+#endif
+
+typedef u8 bytes __attribute__((vector_size(lanes)));   // one register of samples
+typedef s16 half __attribute__((vector_size(lanes)));   // half of the same samples as 16 bits
+typedef u16 uhalf __attribute__((vector_size(lanes)));  // likewise; arithmetic is unsigned, so that it may wrap
+
+/// Samples as 16 bits, in an order that is the target's own: `narrow` undoes `widen`.
+struct words {
+    half lo, hi;
+};
+
+inline words operator+(words a, words b) {
+    return {(half)((uhalf)a.lo + (uhalf)b.lo), (half)((uhalf)a.hi + (uhalf)b.hi)};
+}
+inline words operator-(words a, words b) {
+    return {(half)((uhalf)a.lo - (uhalf)b.lo), (half)((uhalf)a.hi - (uhalf)b.hi)};
+}
+inline words splat(int value) {
+    const half all = half{} + static_cast<s16>(value);
+    return {all, all};
+}
+inline words operator+(words a, int b) { return a + splat(b); }
+inline words operator>>(words a, int n) { return {a.lo >> n, a.hi >> n}; }
+}  // namespace zelt::simd
+
+#ifdef __AVX2__
+#include "core/simd_avx2.h"
+#else
+#include "core/simd_neon.h"
+#endif

@@ -1,0 +1,143 @@
+#pragma once  // the vector vocabulary on AVX2; `words` hold what the unpack instructions give: each 128 bits by itself
+#include <algorithm>
+#include <immintrin.h>
+
+namespace zelt::simd {
+inline __m256i load_register(const u8* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
+inline void store_register(u8* p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+/// 16 bytes from either place
+inline __m256i load_halves(const u8* low, const u8* high) {
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(low))),
+                                   _mm_loadu_si128(reinterpret_cast<const __m128i*>(high)), 1);
+}
+struct alignas(32) byte_table {
+    s8 v[32];
+};
+/// A byte per place of 128 bits, the same in both halves
+template <class F> consteval byte_table per_place(F value) {
+    byte_table table{};
+    for (int i = 0; i < 32; ++i) table.v[i] = static_cast<s8>(value(i % 16));
+    return table;
+}
+inline __m256i load_table(const byte_table& t) { return _mm256_load_si256(reinterpret_cast<const __m256i*>(t.v)); }
+/// Two bytes in turn
+template <int A, int B> __m256i per_pair() {
+    static_assert(A >= -128 && A <= 127 && B >= -128 && B <= 127);
+    return _mm256_set1_epi16(static_cast<s16>((A & 255) | B * 256));
+}
+
+inline void load(const u8* p, bytes& a) { a = (bytes)load_register(p); }
+inline void load2(const u8* p, bytes& a, bytes& b) {
+    const __m256i even = load_halves(p, p + 32), odd = load_halves(p + 16, p + 48), low = _mm256_set1_epi16(255);
+    a = (bytes)_mm256_packus_epi16(_mm256_and_si256(even, low), _mm256_and_si256(odd, low));
+    b = (bytes)_mm256_packus_epi16(_mm256_srli_epi16(even, 8), _mm256_srli_epi16(odd, 8));
+}
+// Three channels: sample i of channel c is byte 3 i + c, so it stands at place (3 i + c) % 16 of whichever of three
+// registers; blends by the place modulo 3 sort registers, shuffles sort places. 11 is the inverse of 3 modulo 16.
+template <int Channel> constexpr byte_table gather3 = per_place([](int i) { return (3 * i + Channel) % 16; });
+template <int Channel> constexpr byte_table spread3 = per_place([](int i) { return 11 * (i + 16 - Channel) % 16; });
+template <int Remainder> constexpr byte_table every3 = per_place([](int i) { return i % 3 == Remainder ? -1 : 0; });
+/// Places 0, 3, 6... of a, 1, 4... of b, 2, 5... of c
+inline __m256i blend3(__m256i a, __m256i b, __m256i c) {
+    return _mm256_blendv_epi8(_mm256_blendv_epi8(a, b, load_table(every3<1>)), c, load_table(every3<2>));
+}
+inline void load3(const u8* p, bytes& a, bytes& b, bytes& c) {
+    const __m256i x = load_halves(p, p + 48), y = load_halves(p + 16, p + 64), z = load_halves(p + 32, p + 80);
+    a = (bytes)_mm256_shuffle_epi8(blend3(x, z, y), load_table(gather3<0>));
+    b = (bytes)_mm256_shuffle_epi8(blend3(y, x, z), load_table(gather3<1>));
+    c = (bytes)_mm256_shuffle_epi8(blend3(z, y, x), load_table(gather3<2>));
+}
+inline void load4(const u8* p, bytes& a, bytes& b, bytes& c, bytes& d) {
+    static constexpr byte_table channels = per_place([](int i) { return i % 4 * 4 + i / 4; });
+    const auto four = [=](int at) {
+        return _mm256_shuffle_epi8(load_halves(p + at, p + at + 64), load_table(channels));
+    };
+    const __m256i v0 = four(0), v1 = four(16), v2 = four(32), v3 = four(48);
+    const __m256i ab0 = _mm256_unpacklo_epi32(v0, v1), cd0 = _mm256_unpackhi_epi32(v0, v1);
+    const __m256i ab1 = _mm256_unpacklo_epi32(v2, v3), cd1 = _mm256_unpackhi_epi32(v2, v3);
+    a = (bytes)_mm256_unpacklo_epi64(ab0, ab1), b = (bytes)_mm256_unpackhi_epi64(ab0, ab1);
+    c = (bytes)_mm256_unpacklo_epi64(cd0, cd1), d = (bytes)_mm256_unpackhi_epi64(cd0, cd1);
+}
+
+inline void store(u8* p, bytes a) { store_register(p, (__m256i)a); }
+inline void store2(u8* p, bytes a, bytes b) {
+    const __m256i even = _mm256_unpacklo_epi8((__m256i)a, (__m256i)b);
+    const __m256i odd = _mm256_unpackhi_epi8((__m256i)a, (__m256i)b);
+    store_register(p, _mm256_permute2x128_si256(even, odd, 0x20));
+    store_register(p + 32, _mm256_permute2x128_si256(even, odd, 0x31));
+}
+inline void store3(u8* p, bytes a, bytes b, bytes c) {
+    const __m256i va = _mm256_shuffle_epi8((__m256i)a, load_table(spread3<0>));
+    const __m256i vb = _mm256_shuffle_epi8((__m256i)b, load_table(spread3<1>));
+    const __m256i vc = _mm256_shuffle_epi8((__m256i)c, load_table(spread3<2>));
+    const __m256i x = blend3(va, vb, vc), y = blend3(vb, vc, va), z = blend3(vc, va, vb);
+    store_register(p, _mm256_permute2x128_si256(x, y, 0x20));
+    store_register(p + 32, _mm256_permute2x128_si256(z, x, 0x30));
+    store_register(p + 64, _mm256_permute2x128_si256(y, z, 0x31));
+}
+inline void store4(u8* p, bytes a, bytes b, bytes c, bytes d) {
+    const __m256i ab0 = _mm256_unpacklo_epi8((__m256i)a, (__m256i)b),
+                  ab1 = _mm256_unpackhi_epi8((__m256i)a, (__m256i)b);
+    const __m256i cd0 = _mm256_unpacklo_epi8((__m256i)c, (__m256i)d),
+                  cd1 = _mm256_unpackhi_epi8((__m256i)c, (__m256i)d);
+    const __m256i v0 = _mm256_unpacklo_epi16(ab0, cd0), v1 = _mm256_unpackhi_epi16(ab0, cd0);
+    const __m256i v2 = _mm256_unpacklo_epi16(ab1, cd1), v3 = _mm256_unpackhi_epi16(ab1, cd1);
+    store_register(p, _mm256_permute2x128_si256(v0, v1, 0x20));
+    store_register(p + 32, _mm256_permute2x128_si256(v2, v3, 0x20));
+    store_register(p + 64, _mm256_permute2x128_si256(v0, v1, 0x31));
+    store_register(p + 96, _mm256_permute2x128_si256(v2, v3, 0x31));
+}
+
+inline words widen(bytes a) {
+    const __m256i zero = _mm256_setzero_si256();
+    return {(half)_mm256_unpacklo_epi8((__m256i)a, zero), (half)_mm256_unpackhi_epi8((__m256i)a, zero)};
+}
+inline bytes narrow(words a) { return (bytes)_mm256_packus_epi16((__m256i)a.lo, (__m256i)a.hi); }
+inline bytes narrow_signed(words a) { return (bytes)_mm256_packs_epi16((__m256i)a.lo, (__m256i)a.hi); }
+inline bytes high(words a) { return narrow({(half)((uhalf)a.lo >> 8), (half)((uhalf)a.hi >> 8)}); }
+inline bytes round_high(words a) { return high(a + 128); }
+inline words widen_q7(bytes a) {
+    const __m256i zero = _mm256_setzero_si256();
+    const words q8 = {(half)_mm256_unpacklo_epi8(zero, (__m256i)a), (half)_mm256_unpackhi_epi8(zero, (__m256i)a)};
+    return q8 >> 1;
+}
+
+inline words operator+(words a, bytes b) { return a + widen(b); }
+inline words difference(bytes a, bytes b) { return widen(a) - widen(b); }
+inline words sub_sat(words a, words b) {
+    return {(half)_mm256_subs_epi16((__m256i)a.lo, (__m256i)b.lo),
+            (half)_mm256_subs_epi16((__m256i)a.hi, (__m256i)b.hi)};
+}
+inline words mul_q15(words a, int b) {
+    const __m256i factor = _mm256_set1_epi16(static_cast<s16>(b));
+    return {(half)_mm256_mulhrs_epi16((__m256i)a.lo, factor), (half)_mm256_mulhrs_epi16((__m256i)a.hi, factor)};
+}
+template <int N> words shift_add(words a, words b) { return a + (b >> N); }
+template <int N> bytes shift_insert(bytes a, bytes b) {
+    const bytes low = bytes{} + static_cast<u8>(255 >> N);
+    const bytes shifted = (bytes)((uhalf)b >> N);
+    return (a & ~low) | (shifted & low);
+}
+
+template <int A, int B> words dot(bytes a, bytes b) {
+    const __m256i factors = per_pair<A, B>();
+    return {(half)_mm256_maddubs_epi16(_mm256_unpacklo_epi8((__m256i)a, (__m256i)b), factors),
+            (half)_mm256_maddubs_epi16(_mm256_unpackhi_epi8((__m256i)a, (__m256i)b), factors)};
+}
+
+struct triples {  // pairs of the first two and of the last two
+    __m256i ab_lo, ab_hi, cb_lo, cb_hi;
+};
+inline triples interleave(bytes a, bytes b, bytes c) {
+    return {_mm256_unpacklo_epi8((__m256i)a, (__m256i)b), _mm256_unpackhi_epi8((__m256i)a, (__m256i)b),
+            _mm256_unpacklo_epi8((__m256i)c, (__m256i)b), _mm256_unpackhi_epi8((__m256i)c, (__m256i)b)};
+}
+/// B is shared out between the two pairs so that neither product sum leaves 16 bits, where 128 * 255 just fits.
+template <int A, int B, int C> words dot(triples v) {
+    constexpr int b0 = std::min({B, 128 - std::max(A, 0), 127});
+    static_assert(B >= 0 && B - b0 + std::max(C, 0) <= 128);
+    const __m256i ab = per_pair<A, b0>(), cb = per_pair<C, B - b0>();
+    return words{(half)_mm256_maddubs_epi16(v.ab_lo, ab), (half)_mm256_maddubs_epi16(v.ab_hi, ab)} +
+           words{(half)_mm256_maddubs_epi16(v.cb_lo, cb), (half)_mm256_maddubs_epi16(v.cb_hi, cb)};
+}
+}  // namespace zelt::simd

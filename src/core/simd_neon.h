@@ -1,0 +1,94 @@
+#pragma once  // the vector vocabulary on NEON, ARMv7 and AArch64 alike
+#include <arm_neon.h>
+
+namespace zelt::simd {
+inline void load(const u8* p, bytes& a) { a = (bytes)vld1q_u8(p); }
+inline void load2(const u8* p, bytes& a, bytes& b) {
+    const uint8x16x2_t v = vld2q_u8(p);
+    a = (bytes)v.val[0], b = (bytes)v.val[1];
+}
+inline void load3(const u8* p, bytes& a, bytes& b, bytes& c) {
+    const uint8x16x3_t v = vld3q_u8(p);
+    a = (bytes)v.val[0], b = (bytes)v.val[1], c = (bytes)v.val[2];
+}
+inline void load4(const u8* p, bytes& a, bytes& b, bytes& c, bytes& d) {
+    const uint8x16x4_t v = vld4q_u8(p);
+    a = (bytes)v.val[0], b = (bytes)v.val[1], c = (bytes)v.val[2], d = (bytes)v.val[3];
+}
+
+inline void store(u8* p, bytes a) { vst1q_u8(p, (uint8x16_t)a); }
+inline void store2(u8* p, bytes a, bytes b) { vst2q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b}}); }
+inline void store3(u8* p, bytes a, bytes b, bytes c) { vst3q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c}}); }
+inline void store4(u8* p, bytes a, bytes b, bytes c, bytes d) {
+    vst4q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d}});
+}
+
+inline uint8x8_t low8(bytes a) { return vget_low_u8((uint8x16_t)a); }
+inline uint8x8_t high8(bytes a) { return vget_high_u8((uint8x16_t)a); }
+
+inline words widen(bytes a) { return {(half)vmovl_u8(low8(a)), (half)vmovl_u8(high8(a))}; }
+inline bytes narrow(words a) { return (bytes)vcombine_u8(vqmovun_s16((int16x8_t)a.lo), vqmovun_s16((int16x8_t)a.hi)); }
+inline bytes narrow_signed(words a) {
+    return (bytes)vcombine_s8(vqmovn_s16((int16x8_t)a.lo), vqmovn_s16((int16x8_t)a.hi));
+}
+inline bytes high(words a) {
+    return (bytes)vcombine_u8(vshrn_n_u16((uint16x8_t)a.lo, 8), vshrn_n_u16((uint16x8_t)a.hi, 8));
+}
+inline bytes round_high(words a) {
+    return (bytes)vcombine_u8(vrshrn_n_u16((uint16x8_t)a.lo, 8), vrshrn_n_u16((uint16x8_t)a.hi, 8));
+}
+inline words widen_q7(bytes a) {
+    return {(half)vshll_n_s8((int8x8_t)low8(a), 7), (half)vshll_n_s8((int8x8_t)high8(a), 7)};
+}
+
+inline words operator+(words a, bytes b) {
+    return {(half)vaddw_u8((uint16x8_t)a.lo, low8(b)), (half)vaddw_u8((uint16x8_t)a.hi, high8(b))};
+}
+inline words difference(bytes a, bytes b) {
+    return {(half)vsubl_u8(low8(a), low8(b)), (half)vsubl_u8(high8(a), high8(b))};
+}
+inline words sub_sat(words a, words b) {
+    return {(half)vqsubq_s16((int16x8_t)a.lo, (int16x8_t)b.lo), (half)vqsubq_s16((int16x8_t)a.hi, (int16x8_t)b.hi)};
+}
+inline words mul_q15(words a, int b) {
+    const s16 factor = static_cast<s16>(b);
+    return {(half)vqrdmulhq_n_s16((int16x8_t)a.lo, factor), (half)vqrdmulhq_n_s16((int16x8_t)a.hi, factor)};
+}
+template <int N> words shift_add(words a, words b) {
+    return {(half)vsraq_n_s16((int16x8_t)a.lo, (int16x8_t)b.lo, N),
+            (half)vsraq_n_s16((int16x8_t)a.hi, (int16x8_t)b.hi, N)};
+}
+template <int N> bytes shift_insert(bytes a, bytes b) { return (bytes)vsriq_n_u8((uint8x16_t)a, (uint8x16_t)b, N); }
+
+/// sum + F a; factors up to 255 in magnitude, the sum modulo 2^16
+template <int F> uint16x8_t multiply_add(uint16x8_t sum, uint8x8_t a) {
+    if constexpr (F == 0)
+        return sum;
+    else if constexpr (F > 0)
+        return vmlal_u8(sum, a, vdup_n_u8(F));
+    else
+        return vmlsl_u8(sum, a, vdup_n_u8(-F));
+}
+/// F a
+template <int F> uint16x8_t multiply(uint8x8_t a) {
+    if constexpr (F > 0)
+        return vmull_u8(a, vdup_n_u8(F));
+    else
+        return multiply_add<F>(vdupq_n_u16(0), a);
+}
+
+template <int A, int B> words dot(bytes a, bytes b) {
+    if constexpr (A < 0 && B > 0) return dot<B, A>(b, a);  // start with a product, not with zero
+    return {(half)multiply_add<B>(multiply<A>(low8(a)), low8(b)),
+            (half)multiply_add<B>(multiply<A>(high8(a)), high8(b))};
+}
+
+struct triples {
+    bytes a, b, c;
+};
+inline triples interleave(bytes a, bytes b, bytes c) { return {a, b, c}; }
+template <int A, int B, int C> words dot(triples v) {
+    const words ab = dot<A, B>(v.a, v.b);
+    return {(half)multiply_add<C>((uint16x8_t)ab.lo, low8(v.c)), (half)multiply_add<C>((uint16x8_t)ab.hi, high8(v.c))};
+}
+}  // namespace zelt::simd

@@ -1,0 +1,208 @@
+#pragma once
+// Same-size conversion: a row loop over a source layout, a colour matrix and a destination layout. Each is written once
+// over the value V: u8, a pixel at a time, or simd::bytes, a register of pixels.
+#include "core/isa.h"
+#include "csc/pixel_scalar.h"
+#if ZELT_SIMD
+#include "csc/pixel_simd.h"
+#endif
+
+namespace zelt::csc {
+using namespace scalar;
+#if ZELT_SIMD
+using namespace simd;
+#endif
+
+template <class V> constexpr V opaque = V{} | 255;
+
+// ------------------------------------------------------------------------------------------------------------- layouts
+
+/// The planes that a layout has, copied out of the caller's arrays: stores through u8* may alias those.
+template <int N> struct planes {
+    static constexpr int count = N;
+    u8* p[N];
+    std::ptrdiff_t stride[N];
+
+    planes() = default;
+    planes(void* const* a, const int* s) {
+        for (int i = 0; i < N; ++i) p[i] = static_cast<u8*>(a[i]), stride[i] = s[i];
+    }
+    void next_row() {
+        for (int i = 0; i < N; ++i) p[i] += stride[i];
+    }
+    /// Whether registers may be stored to it
+    bool wide() const { return true; }
+};
+
+template <int N> struct planar : planes<N> {
+    using planes<N>::planes, planes<N>::p;
+    static constexpr int step[] = {1, 1, 1, 1};  // bytes a pixel, in each plane
+
+    template <class V> pixel<V> get(std::ptrdiff_t x) const {
+        pixel<V> v;
+        load(p[0] + x, v.c0), load(p[1] + x, v.c1), load(p[2] + x, v.c2);
+        if constexpr (N == 4)
+            load(p[3] + x, v.a);
+        else
+            v.a = opaque<V>;
+        return v;
+    }
+    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const {
+        store(p[0] + x, v.c0), store(p[1] + x, v.c1), store(p[2] + x, v.c2);
+        if constexpr (N == 4) store(p[3] + x, v.a);
+    }
+};
+
+struct rgb888 : planes<1> {
+    using planes::planes;
+    static constexpr int step[] = {3};
+
+    template <class V> pixel<V> get(std::ptrdiff_t x) const {
+        pixel<V> v;
+        load3(p[0] + 3 * x, v.c0, v.c1, v.c2);
+        v.a = opaque<V>;
+        return v;
+    }
+    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const { store3(p[0] + 3 * x, v.c0, v.c1, v.c2); }
+};
+
+struct rgba8888 : planes<1> {
+    using planes::planes;
+    static constexpr int step[] = {4};
+
+    template <class V> pixel<V> get(std::ptrdiff_t x) const {
+        pixel<V> v;
+        load4(p[0] + 4 * x, v.c0, v.c1, v.c2, v.a);
+        return v;
+    }
+    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const { store4(p[0] + 4 * x, v.c0, v.c1, v.c2, v.a); }
+};
+
+/// Kept: four component pointers and strides though the picture is packed, byte i of a pixel through p[i]. A null
+/// second pointer means that the first is the picture, with its stride.
+struct components : planes<4> {
+    static constexpr int step[] = {4, 4, 4, 4};
+
+    components(void* const* a, const int* s) {
+        const bool packed = !a[1];
+        for (int i = 0; i < 4; ++i) {
+            p[i] = static_cast<u8*>(packed ? a[0] : a[i]) + (packed ? i : 0);
+            stride[i] = packed ? s[0] : s[i];
+        }
+    }
+    bool wide() const {
+        for (int i = 1; i < 4; ++i)
+            if (p[i] != p[0] + i || stride[i] != stride[0]) return false;
+        return true;
+    }
+    void put4(std::ptrdiff_t x, u8 a, u8 b, u8 c, u8 d) const {
+        p[0][4 * x] = a, p[1][4 * x] = b, p[2][4 * x] = c, p[3][4 * x] = d;
+    }
+#if ZELT_SIMD
+    void put4(std::ptrdiff_t x, bytes a, bytes b, bytes c, bytes d) const { store4(p[0] + 4 * x, a, b, c, d); }
+#endif
+};
+
+struct argb8888 : components {
+    using components::components;
+    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const { put4(x, v.a, v.c0, v.c1, v.c2); }
+};
+
+struct bgra8888 : components {
+    using components::components;
+    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const { put4(x, v.c2, v.c1, v.c0, v.a); }
+};
+
+/// A, R, G, B through one pointer: what zelt_csc_yuv444_to_rgba8888 writes for the colour spaces from ARGB8888 up
+struct argb8888_packed : planes<1> {
+    using planes::planes;
+    static constexpr int step[] = {4};
+    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const { store4(p[0] + 4 * x, v.a, v.c0, v.c1, v.c2); }
+};
+
+/// Low and high byte of the RGB565 word: the high bits of each component, without rounding
+template <class V> V low565(pixel<V> v) { return shift_insert<3>(static_cast<V>(v.c1 << 3), v.c2); }
+template <class V> V high565(pixel<V> v) { return shift_insert<5>(v.c0, v.c1); }
+
+struct rgb565 : planes<1> {
+    using planes::planes;
+    static constexpr int step[] = {2};
+
+    template <class V> pixel<V> get(std::ptrdiff_t x) const {
+        V low, high;
+        load2(p[0] + 2 * x, low, high);
+        // the fields become the high bits of bytes whose low bits are 0
+        return {static_cast<V>(high & 0xF8), static_cast<V>(high << 5 | (low >> 3 & 0x1C)), static_cast<V>(low << 3),
+                opaque<V>};
+    }
+    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const { store2(p[0] + 2 * x, low565(v), high565(v)); }
+};
+
+struct rgb565a8 : planes<2> {
+    using planes::planes;
+    static constexpr int step[] = {2, 1};
+    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const {
+        store2(p[0] + 2 * x, low565(v), high565(v)), store(p[1] + x, v.a);
+    }
+};
+
+struct rgba5658 : planes<1> {
+    using planes::planes;
+    static constexpr int step[] = {3};
+    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const {
+        store3(p[0] + 3 * x, low565(v), high565(v), v.a);
+    }
+};
+
+// ------------------------------------------------------------------------------------------------------------ matrices
+
+struct to_rgb {
+    template <class V> pixel<V> operator()(pixel<V> v) const { return yuv_to_rgb(v); }
+};
+struct to_yuv {
+    template <class V> pixel<V> operator()(pixel<V> v) const { return rgb_to_yuv(v); }
+};
+struct repack {
+    template <class V> pixel<V> operator()(pixel<V> v) const { return v; }
+};
+
+// --------------------------------------------------------------------------------------------------------------- loops
+
+/// One row of at least as many pixels as a V holds. What remains at the end is done by a last V that ends with the row.
+template <class V, class Source, class Matrix, class Dest>
+void convert_row(Source src, Matrix matrix, Dest dst, std::ptrdiff_t w) {
+    constexpr std::ptrdiff_t step = sizeof(V);
+    std::ptrdiff_t x = 0;
+    for (; x <= w - step; x += step) dst.put(x, matrix(src.template get<V>(x)));
+    if (x < w) dst.put(w - step, matrix(src.template get<V>(w - step)));
+}
+
+/// Whether a row of any source plane shares memory with one of any destination plane
+template <class Source, class Dest> bool overlap(const Source& src, const Dest& dst, std::ptrdiff_t w) {
+    for (int i = 0; i < Source::count; ++i)
+        for (int j = 0; j < Dest::count; ++j) {
+            const auto s = reinterpret_cast<std::uintptr_t>(src.p[i]), d = reinterpret_cast<std::uintptr_t>(dst.p[j]);
+            if (s < d + static_cast<std::uintptr_t>(w * Dest::step[j]) &&
+                d < s + static_cast<std::uintptr_t>(w * Source::step[i]))
+                return true;
+        }
+    return false;
+}
+
+template <class Source, class Matrix, class Dest>
+void convert(void* const* src_a, int w, int h, const int* src_s, void* const* dst_a, const int* dst_s) {
+    if (w < 1 || h < 1) return;
+    Source src(src_a, src_s);
+    Dest dst(dst_a, dst_s);
+    for (; h > 0; --h, src.next_row(), dst.next_row()) {
+#if ZELT_SIMD
+        // Within one buffer the result is that of pixel order, which registers would not keep.
+        if (w >= lanes && dst.wide() && !overlap(src, dst, w)) {
+            convert_row<bytes>(src, Matrix{}, dst, w);
+            continue;
+        }
+#endif
+        convert_row<u8>(src, Matrix{}, dst, w);
+    }
+}
+}  // namespace zelt::csc

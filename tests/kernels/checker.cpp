@@ -1,0 +1,199 @@
+// Runs every kernel of the registry against its model: on fills that reach the extremes, with odd strides and
+// addresses, pressed against inaccessible pages. All memory around the blocks, and the inputs, must be as they were.
+// What the kernels give is also digested and compared with a list that is the same for all targets.
+#include "kernels/guarded.h"
+
+#include <cstring>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <random>
+
+namespace zelt::test {
+namespace {
+constexpr u64 default_seed = 1;
+long cases_run = 0;
+
+u64 seed_in_use() {
+    const char* text = std::getenv("ZELT_TEST_SEED");
+    return text ? std::strtoull(text, nullptr, 0) : default_seed;
+}
+
+class digest {  // FNV-1a, 64 bits
+public:
+    void add(const u8* p, std::size_t n) {
+        for (std::size_t i = 0; i < n; ++i) value_ = (value_ ^ p[i]) * 0x100000001B3;
+    }
+    u64 value() const { return value_; }
+
+private:
+    u64 value_ = 0xCBF29CE484222325;
+};
+
+enum class fill { low, high, opposed, extremes, small, random };
+constexpr fill fills[] = {fill::low, fill::high, fill::opposed, fill::extremes, fill::small, fill::random};
+constexpr const char* fill_names[] = {"low", "high", "opposed", "extremes", "small", "random"};
+
+enum class placement { at_start, at_end, upside_down };
+constexpr placement placements[] = {placement::at_start, placement::at_end, placement::upside_down};
+constexpr const char* placement_names[] = {"after a guard page", "before a guard page", "with a negative stride"};
+
+/// The sample of an operand's place under a fill
+int sample(fill f, const operand& o, int index, std::mt19937_64& random) {
+    const auto between = [&](int low, int high) {
+        return low + static_cast<int>(random() % (static_cast<u64>(high - low) + 1));
+    };
+    switch (f) {
+    case fill::low: return o.low;
+    case fill::high: return o.high;
+    case fill::opposed: return index % 2 ? o.low : o.high;
+    case fill::extremes: return random() & 1 ? o.low : o.high;
+    case fill::small: return between(std::max(o.low, -2), std::min(o.high, std::max(o.low, -2) + 4));
+    default: return between(o.low, o.high);
+    }
+}
+
+/// An operand's memory: the block between random bytes, and a second copy of all for the model
+struct placed {
+    operand what;
+    std::unique_ptr<guarded_memory> memory;
+    std::vector<u8> copy;
+    std::size_t used, offset;
+    view block, model_block;
+
+    void place(const operand& o, placement where, int pad, std::mt19937_64& random) {
+        what = o;
+        const std::size_t row = static_cast<std::size_t>(o.width * o.element);
+        const std::size_t stride = row + static_cast<std::size_t>(pad * o.element);
+        const std::size_t extent = stride * static_cast<std::size_t>(o.rows - 1) + row;
+        constexpr std::size_t margin = 128;
+        used = extent + margin;
+        if (!memory || memory->size() < used) memory = std::make_unique<guarded_memory>(used);
+        u8* start = where == placement::at_start ? memory->start() : memory->start() + memory->size() - used;
+        offset = where == placement::at_start ? 0 : margin;
+        for (std::size_t i = 0; i < used; ++i) start[i] = static_cast<u8>(random());
+        block = {start + offset, static_cast<std::ptrdiff_t>(stride)};
+        if (where == placement::upside_down) {
+            block.p += stride * static_cast<std::size_t>(o.rows - 1);
+            block.stride = -block.stride;
+        }
+    }
+    void put(fill f, int index, std::mt19937_64& random) {
+        for (int y = 0; y < what.rows; ++y)
+            for (int x = 0; x < what.width; ++x) {
+                const int value = sample(f, what, index, random);
+                u8* at = block.p + y * block.stride + x * what.element;
+                at[0] = static_cast<u8>(value);
+                if (what.element == 2) at[1] = static_cast<u8>(value >> 8);
+            }
+    }
+    u8* start() const { return (block.stride < 0 ? block.p + (what.rows - 1) * block.stride : block.p) - offset; }
+    void copy_for_model() {
+        copy.assign(start(), start() + used);
+        model_block = {copy.data() + (block.p - start()), block.stride};
+    }
+};
+
+class kernel_test : public testing::Test {
+public:
+    explicit kernel_test(kernel k) : kernel_(std::move(k)) {}
+
+    void TestBody() override {
+        const u64 seed = seed_in_use();
+        std::mt19937_64 random(seed);
+        digest results;
+        for (const shape s : kernel_.shapes)
+            for (const fill f : fills)
+                for (const placement where : placements) {
+                    const std::string problem = run(s, f, where, random, results);
+                    ++cases_run;
+                    if (!problem.empty()) {
+                        ADD_FAILURE() << problem << "\n  " << kernel_.name << " " << s.w << "x" << s.h << ", fill "
+                                      << fill_names[static_cast<int>(f)] << ", "
+                                      << placement_names[static_cast<int>(where)] << ", ZELT_TEST_SEED=" << seed;
+                        return;
+                    }
+                }
+        if (seed == default_seed) compare_digest(results.value());
+    }
+
+private:
+    std::string run(shape s, fill f, placement where, std::mt19937_64& random, digest& results) {
+        const std::vector<operand> operands = kernel_.operands(s);
+        std::vector<view> views, model_views;
+        memory_.resize(operands.size());
+        for (std::size_t i = 0; i < operands.size(); ++i) {
+            memory_[i].place(operands[i], where, static_cast<int>(random() % 20), random);
+            memory_[i].put(f, static_cast<int>(i), random);
+            memory_[i].copy_for_model();
+            views.push_back(memory_[i].block);
+            model_views.push_back(memory_[i].model_block);
+        }
+        u64 result = 0;
+        if (!survives([&] { result = kernel_.call(kernel_.exported, s, views.data()); })) return "memory fault";
+        const u64 expected = kernel_.model(s, model_views.data());
+        if (result != expected) return "result " + std::to_string(result) + ", not " + std::to_string(expected);
+        results.add(reinterpret_cast<const u8*>(&result), sizeof result);
+        for (std::size_t i = 0; i < memory_.size(); ++i) {
+            const placed& m = memory_[i];
+            if (const std::string problem = difference(m); !problem.empty())
+                return "operand " + std::to_string(i) + problem;
+            if (m.what.written)
+                for (int y = 0; y < m.what.rows; ++y)
+                    results.add(m.block.p + y * m.block.stride,
+                                static_cast<std::size_t>(m.what.width * m.what.element));
+        }
+        return {};
+    }
+
+    static std::string difference(const placed& m) {
+        if (!std::memcmp(m.start(), m.copy.data(), m.used)) return {};
+        std::size_t i = 0;
+        while (m.start()[i] == m.copy[i]) ++i;
+        const std::ptrdiff_t at = m.start() + i - m.block.p;
+        return ": byte " + std::to_string(at) + " (stride " + std::to_string(m.block.stride) + ") is " +
+               std::to_string(m.start()[i]) + ", not " + std::to_string(m.copy[i]);
+    }
+
+    void compare_digest(u64 value) {
+        static const std::map<std::string, u64> golden = [] {
+            std::map<std::string, u64> list;
+            std::ifstream file(ZELT_GOLDEN_FILE);
+            for (std::string line; std::getline(file, line);)
+                if (const auto blank = line.find(' '); blank != std::string::npos)
+                    list[line.substr(blank + 1)] = std::stoull(line, nullptr, 16);
+            return list;
+        }();
+        if (const char* path = std::getenv("ZELT_WRITE_GOLDEN")) {
+            std::ofstream(path, std::ios::app) << std::hex << value << ' ' << kernel_.name << '\n';
+            return;
+        }
+        const auto entry = golden.find(kernel_.name);
+        ASSERT_NE(entry, golden.end()) << "no golden digest of " << kernel_.name;
+        EXPECT_EQ(value, entry->second) << "other bytes than on other targets: " << kernel_.name;
+    }
+
+    kernel kernel_;
+    std::vector<placed> memory_;
+};
+
+class case_count : public testing::Environment {
+    void TearDown() override { std::cout << "kernel cases: " << cases_run << '\n'; }
+};
+}  // namespace
+
+void register_kernel_tests() {
+    for (const kernel& k : all_kernels())
+        testing::RegisterTest("kernels", k.name.c_str(), nullptr, nullptr, __FILE__, __LINE__,
+                              [k]() -> testing::Test* { return new kernel_test(k); });
+    testing::AddGlobalTestEnvironment(new case_count);
+}
+}  // namespace zelt::test
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    zelt::test::register_kernel_tests();
+    return RUN_ALL_TESTS();
+}

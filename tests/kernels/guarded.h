@@ -1,0 +1,48 @@
+#pragma once
+// Memory between two inaccessible pages, and calls that survive touching them.
+#include "kernels/kernel.h"
+
+#include <csetjmp>
+#include <csignal>
+#include <cstdlib>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace zelt::test {
+/// Pages with an inaccessible one on either side. A block is pressed against one of those.
+class guarded_memory {
+public:
+    explicit guarded_memory(std::size_t size) {
+        const std::size_t page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+        size_ = (size + page - 1) / page * page;
+        total_ = size_ + 2 * page;
+        void* all = mmap(nullptr, total_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (all == MAP_FAILED) std::abort();
+        start_ = static_cast<u8*>(all) + page;
+        if (mprotect(start_, size_, PROT_READ | PROT_WRITE)) std::abort();
+    }
+    ~guarded_memory() { munmap(start_ - (total_ - size_) / 2, total_); }
+    guarded_memory(const guarded_memory&) = delete;
+    guarded_memory& operator=(const guarded_memory&) = delete;
+
+    u8* start() const { return start_; }
+    std::size_t size() const { return size_; }
+
+private:
+    u8* start_;
+    std::size_t size_, total_;
+};
+
+inline sigjmp_buf fault_exit;
+
+/// Runs `f`; false where it touched memory that it may not, or ran an instruction that the processor does not have.
+template <class F> bool survives(F f) {
+    struct sigaction action = {}, segv, bus, ill;
+    action.sa_handler = [](int) { siglongjmp(fault_exit, 1); };
+    sigaction(SIGSEGV, &action, &segv), sigaction(SIGBUS, &action, &bus), sigaction(SIGILL, &action, &ill);
+    const bool survived = sigsetjmp(fault_exit, 1) == 0;
+    if (survived) f();
+    sigaction(SIGSEGV, &segv, nullptr), sigaction(SIGBUS, &bus, nullptr), sigaction(SIGILL, &ill, nullptr);
+    return survived;
+}
+}  // namespace zelt::test

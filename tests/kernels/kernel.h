@@ -1,0 +1,55 @@
+#pragma once
+// The registry of kernels: what a kernel reads and writes, how to call it, and a model of it. The checker and the
+// benchmark walk it.
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace zelt::test {
+using u8 = std::uint8_t;
+using u16 = std::uint16_t;
+using s16 = std::int16_t;
+using u32 = std::uint32_t;
+using u64 = std::uint64_t;
+
+/// Any exported function; `kernel::call` knows the true type.
+using function = void (*)();
+
+/// Size of a picture or block, in what unit the kernel takes.
+struct shape {
+    int w, h;
+};
+
+/// A block of memory that a kernel may touch: `rows` rows of `width` samples.
+struct operand {
+    int width, rows;
+    int element = 1;          // bytes per sample, 1 or 2
+    int low = 0, high = 255;  // range of the samples that the checker puts there
+    bool written = false;     // part of the result, and of its digest
+};
+
+/// Where an operand lies.
+struct view {
+    u8* p;
+    std::ptrdiff_t stride;  // bytes from row to row, a multiple of the element size
+};
+
+struct kernel {
+    std::string name;  // the exported name, with what else tells rows of one export apart after a blank
+    function exported;
+    std::vector<shape> shapes;  // what the checker runs
+    std::function<std::vector<operand>(shape)> operands;
+    std::function<u64(function, shape, const view*)> call;  // 0 where the kernel has no result
+    std::function<u64(shape, const view*)> model;           // the same from the documentation alone, in plain C++
+};
+
+std::vector<kernel> converter_kernels();
+
+/// All rows of all families.
+std::vector<kernel> all_kernels();
+
+/// Every width that ends at, before or after a register or two, and some between.
+std::vector<shape> picture_shapes();
+}  // namespace zelt::test
