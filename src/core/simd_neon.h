@@ -17,10 +17,17 @@ inline void load4(const u8* p, bytes& a, bytes& b, bytes& c, bytes& d) {
 }
 
 inline void store(u8* p, bytes a) { vst1q_u8(p, (uint8x16_t)a); }
-inline void store2(u8* p, bytes a, bytes b) { vst2q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b}}); }
-inline void store3(u8* p, bytes a, bytes b, bytes c) { vst3q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c}}); }
+inline void store2(u8* p, bytes a, bytes b) {
+    const uint8x16x2_t v = {{(uint8x16_t)a, (uint8x16_t)b}};
+    vst2q_u8(p, v);
+}
+inline void store3(u8* p, bytes a, bytes b, bytes c) {
+    const uint8x16x3_t v = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c}};
+    vst3q_u8(p, v);
+}
 inline void store4(u8* p, bytes a, bytes b, bytes c, bytes d) {
-    vst4q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d}});
+    const uint8x16x4_t v = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d}};
+    vst4q_u8(p, v);
 }
 
 inline uint8x8_t low8(bytes a) { return vget_low_u8((uint8x16_t)a); }
