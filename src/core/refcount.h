@@ -20,7 +20,8 @@ template <class R, void (*free_owned)(R*)> s32 release(R* r) {
     if (!r) return ZELT_ERR_INVALID_ARG;
     const std::atomic_ref count(r->refcnt);
     const s32 left = static_cast<s32>(static_cast<u32>(count.fetch_sub(1, std::memory_order_release)) - 1);
-    if (left != 0 || count.load(std::memory_order_acquire) != 0) return left;
+    if (left != 0) return left;
+    static_cast<void>(count.load(std::memory_order_acquire));
     free_owned(r);
     std::free(r);
     return 0;
