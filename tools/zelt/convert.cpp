@@ -8,6 +8,8 @@
 #include "verbs.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
+#include <cinttypes>
 #include <cstdio>
 #include <limits>
 
@@ -31,11 +33,23 @@ written whole or not at all.
 Formats without a direct converter go through yuv444, yuv444a8 or planar RGB
 (8-bit YUV loses a little); -v says so. 'zelt formats' lists the converters.)";
 
+constexpr uint64_t unlimited = std::numeric_limits<uint64_t>::max();
+
 struct options {
     std::string in, out, to, raw, pix_fmt;
-    long long skip = 0, limit = std::numeric_limits<long long>::max();
-    bool limited = false, verbose = false;
+    uint64_t skip = 0, limit = unlimited;
+    bool verbose = false;
 };
+
+/// Accepts whole numbers from `least` up; CLI11 itself lets negative ones wrap.
+auto from(uint64_t least) {
+    return [least](const std::string& text) -> std::string {
+        uint64_t value = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+        const bool good = error == std::errc() && end == text.data() + text.size() && value >= least;
+        return good ? "" : "takes a whole number from " + std::to_string(least) + " up, not '" + text + "'";
+    };
+}
 
 void check_interrupt() {
     if (caught_signal()) throw failure(status::output_failed, "interrupted");
@@ -43,7 +57,7 @@ void check_interrupt() {
 
 void convert(const options& opt) {
     const file_kind& kind = kind_of_output(opt.to, opt.out);
-    if (kind.formats.empty() || !opt.pix_fmt.empty()) format_for(kind, opt.pix_fmt, false); // before any file is read
+    if (kind.formats.empty() || !opt.pix_fmt.empty()) format_for(kind, opt.pix_fmt, false);  // before any file is read
 
     const std::unique_ptr<reader> in = open_reader(opt.in, opt.raw);
     const clip about = in->about();
@@ -51,14 +65,14 @@ void convert(const options& opt) {
     if (opt.verbose) std::fprintf(stderr, "%dx%d: %s\n", about.w, about.h, way.text().c_str());
 
     picture pic(*about.fmt, about.w, about.h);
-    for (long long n = 0; n < opt.skip && in->more(); ++n, check_interrupt()) in->read(pic);
+    for (uint64_t n = 0; n < opt.skip && in->more(); ++n, check_interrupt()) in->read(pic);
     if (!in->more())
         throw failure(status::bad_input,
                       opt.in + (opt.skip ? ": has no picture after those to skip" : ": has no picture"));
 
     writer out(kind, opt.out, about);
-    progress line(opt.limited ? opt.limit : 0);
-    long long n = 0;
+    progress line(opt.limit == unlimited ? 0 : opt.limit);
+    uint64_t n = 0;
     for (bool more = true; more;) {
         check_interrupt();
         in->read(pic);
@@ -67,10 +81,10 @@ void convert(const options& opt) {
         line.tick();
     }
     out.finish();
-    if (opt.verbose) std::fprintf(stderr, "%lld written: %s\n", n, out.summary().c_str());
+    if (opt.verbose) std::fprintf(stderr, "%" PRIu64 " written: %s\n", n, out.summary().c_str());
 }
 
-} // namespace
+}  // namespace
 
 void add_convert(CLI::App& app) {
     CLI::App* verb = app.add_subcommand("convert", "Converts pictures between files and pixel formats");
@@ -81,18 +95,11 @@ void add_convert(CLI::App& app) {
     verb->add_option("--raw", opt->raw, "Read raw pictures of this layout, such as 640x480:rgb888")
         ->type_name("WxH:FORMAT");
     verb->add_option("--pix-fmt", opt->pix_fmt, "Pixel format to write")->type_name("FORMAT");
-    verb->add_option("--skip", opt->skip, "Pictures to pass over first")
-        ->check(CLI::Range(0LL, std::numeric_limits<long long>::max()))
-        ->type_name("N");
-    CLI::Option* limit = verb->add_option("--limit", opt->limit, "Pictures to convert at most")
-                             ->check(CLI::Range(1LL, std::numeric_limits<long long>::max()))
-                             ->type_name("N");
+    verb->add_option("--skip", opt->skip, "Pictures to pass over first")->check(from(0))->type_name("N");
+    verb->add_option("--limit", opt->limit, "Pictures to convert at most")->check(from(1))->type_name("N");
     verb->add_flag("-v,--verbose", opt->verbose, "Say how pictures are converted and what was written");
     verb->footer(notes);
-    verb->callback([opt, limit] {
-        opt->limited = limit->count() != 0;
-        convert(*opt);
-    });
+    verb->callback([opt] { convert(*opt); });
 }
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

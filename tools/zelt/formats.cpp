@@ -1,9 +1,11 @@
 // zelt formats: what can be converted to what.
+#include "pictures/failure.h"
 #include "pictures/format.h"
 #include "route.h"
 #include "verbs.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -49,13 +51,15 @@ void print_names() {
                     static_cast<int>(picture_bytes(f, 1, 1)));
 }
 
-} // namespace
+}  // namespace
 
 void add_formats(CLI::App& app) {
     app.add_subcommand("formats", "Lists the pixel formats and the conversions between them")->callback([] {
         print_matrix();
         print_names();
+        if (std::fflush(stdout) != 0 || std::ferror(stdout))
+            throw failure(status::output_failed, "standard output: cannot be written");
     });
 }
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

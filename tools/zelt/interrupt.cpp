@@ -11,16 +11,16 @@ volatile std::sig_atomic_t caught = 0;
 
 void note(int sig) { caught = sig; }
 
-} // namespace
+}  // namespace
 
 void watch_signals() {
     struct sigaction action = {};
-    action.sa_handler = note; // without SA_RESTART: a read that waits gives up
+    action.sa_handler = note;  // without SA_RESTART: a read that waits gives up
     for (const int sig : {SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction old;
         if (sigaction(sig, nullptr, &old) == 0 && old.sa_handler != SIG_IGN) sigaction(sig, &action, nullptr);
     }
-    std::signal(SIGPIPE, SIG_IGN); // a reader that goes away shows as a failed write
+    std::signal(SIGPIPE, SIG_IGN);  // a reader that goes away shows as a failed write
 }
 
 int caught_signal() { return caught; }
@@ -31,4 +31,4 @@ void end_by_signal(int sig) {
     std::abort();
 }
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

@@ -4,7 +4,7 @@
 namespace zelt::tool {
 
 void watch_signals();
-int caught_signal(); // or 0
+int caught_signal();  // or 0
 [[noreturn]] void end_by_signal(int sig);
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

@@ -30,13 +30,16 @@ int report(status code, std::string text) {
 int run(int argc, char** argv) {
     CLI::App app("Converts pictures and clips with libzelt.", "zelt");
     app.set_version_flag("--version", version_text());
-    app.require_subcommand(1);
-    app.failure_message([](const CLI::App*, const CLI::Error& e) { return std::string(e.what()); });
+    app.require_subcommand(0, 1);
+    app.get_formatter()->label("SUBCOMMAND", "VERB");
+    app.get_formatter()->label("Subcommands", "Verbs");
     app.footer("Exit status: 0 done, 1 wrong use, 2 bad input, 3 output failed, 4 unsupported.\n"
                "'zelt VERB --help' says more about a verb.");
     for (const auto add : verbs) add(app);
     try {
         app.parse(argc, argv);
+        if (app.get_subcommands().empty())
+            throw failure(status::wrong_use, "no verb is given (zelt --help lists them)");
     } catch (const CLI::Success& e) {
         return app.exit(e);
     } catch (const CLI::ParseError& e) {
@@ -49,8 +52,8 @@ int run(int argc, char** argv) {
     return 0;
 }
 
-} // namespace
-} // namespace zelt::tool
+}  // namespace
+}  // namespace zelt::tool
 
 int main(int argc, char** argv) {
     zelt::tool::watch_signals();

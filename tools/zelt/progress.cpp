@@ -1,5 +1,6 @@
 #include "progress.h"
 
+#include <cinttypes>
 #include <cstdio>
 #include <unistd.h>
 
@@ -11,11 +12,12 @@ void progress::tick() {
     if (now < next_ || !::isatty(STDERR_FILENO)) return;
     next_ = now + std::chrono::milliseconds(100);
     shown_ = true;
-    std::fprintf(stderr, total_ ? "\r%lld of at most %lld pictures" : "\r%lld pictures", done_, total_);
+    std::fprintf(stderr, total_ ? "\r%" PRIu64 " of at most %" PRIu64 " pictures" : "\r%" PRIu64 " pictures", done_,
+                 total_);
 }
 
 progress::~progress() {
     if (shown_) std::fputs("\r\033[K", stderr);
 }
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

@@ -1,20 +1,21 @@
 #pragma once
 // A line that counts pictures, on a terminal only.
 #include <chrono>
+#include <cstdint>
 
 namespace zelt::tool {
 
 class progress {
 public:
-    explicit progress(long long total) : total_(total) {} // 0: not known
+    explicit progress(uint64_t total) : total_(total) {}  // 0: not known
     ~progress();                                          // wipes the line
     void tick();                                          // one picture more
 
 private:
     using clock = std::chrono::steady_clock;
-    long long total_, done_ = 0;
+    uint64_t total_, done_ = 0;
     clock::time_point next_ = clock::now() + std::chrono::milliseconds(300);
     bool shown_ = false;
 };
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

@@ -33,7 +33,7 @@ std::optional<std::vector<hop>> find(const format& from, const format& to) {
     return std::nullopt;
 }
 
-} // namespace
+}  // namespace
 
 zelt_csc_fn same_size_converter(const format& from, const format& to) {
     return zelt_imgp_get_fn_csc(1, 1, from.cs, 1, 1, to.cs, nullptr);
@@ -73,4 +73,4 @@ std::string route::text() const {
     return names;
 }
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

@@ -17,8 +17,8 @@ public:
     /// Finds the way for pictures of w x h; a failure that lists what `from` can become where there is none.
     route(const format& from, const format& to, int w, int h);
 
-    const picture& run(const picture& from); // the converted picture, which stays the route's
-    std::string text() const;                // the formats passed through, for the user
+    const picture& run(const picture& from);  // the converted picture, which stays the route's
+    std::string text() const;                 // the formats passed through, for the user
 
 private:
     struct step {
@@ -26,7 +26,7 @@ private:
         picture result;
     };
     const format* from_;
-    std::vector<step> steps_; // none: the picture is as it should be already
+    std::vector<step> steps_;  // none: the picture is as it should be already
 };
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

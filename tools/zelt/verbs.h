@@ -11,4 +11,4 @@ namespace zelt::tool {
 void add_convert(CLI::App& app);
 void add_formats(CLI::App& app);
 
-} // namespace zelt::tool
+}  // namespace zelt::tool
