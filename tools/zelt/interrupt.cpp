@@ -20,7 +20,8 @@ void watch_signals() {
         struct sigaction old;
         if (sigaction(sig, nullptr, &old) == 0 && old.sa_handler != SIG_IGN) sigaction(sig, &action, nullptr);
     }
-    std::signal(SIGPIPE, SIG_IGN);  // a reader that goes away shows as a failed write
+    // A reader that goes away and a limit on file sizes show as failed writes.
+    for (const int sig : {SIGPIPE, SIGXFSZ}) std::signal(sig, SIG_IGN);
 }
 
 int caught_signal() { return caught; }
