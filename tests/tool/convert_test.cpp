@@ -233,5 +233,7 @@ TEST_F(tool, streams) {
         shell("\"$Z\" convert -i - -o - --to y4m | \"$Z\" convert -i - -o - --to raw --pix-fmt yuv444",
               ppm(1, 1, std::string("\xFF\0\0", 3)));
     EXPECT_EQ(piped.out, "\x4D\x55\xFF");
+    EXPECT_EQ(shell("\"$Z\" convert -i - -o /dev/stdout --to ppm | cat", stream).out,
+              ppm(1, 1, "aaa") + ppm(1, 1, "bbb"));
     EXPECT_TRUE(names().empty());
 }

@@ -47,6 +47,7 @@ TEST_F(tool, ends_with_its_documented_statuses) {
         {1, "convert -i in.ppm -o %d%d.ppm", "more than one", ""},
         {1, "convert -i in.ppm -o out.ppm --limit 0", "--limit", ""},
         {1, "convert -i in.ppm -o out.ppm --skip -1", "--skip", ""},
+        {1, "convert -i in.ppm -o out.ppm --skip 0x1", "--skip", ""},
         {1, "convert -i in.ppm -o out.ppm --limit 99999999999999999999", "--limit", ""},
         {1, "convert -i in.ppm -o out.ppm --raw 1x1", "WxH:FORMAT", ""},
         {1, "convert -i in.ppm -o out.ppm --raw 0x1:rgb888", "WxH:FORMAT", ""},

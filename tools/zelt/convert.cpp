@@ -41,18 +41,31 @@ struct options {
     bool verbose = false;
 };
 
-/// Accepts whole numbers from `least` up; CLI11 itself lets negative ones wrap.
-auto from(uint64_t least) {
-    return [least](const std::string& text) -> std::string {
-        uint64_t value = 0;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-        const bool good = error == std::errc() && end == text.data() + text.size() && value >= least;
-        return good ? "" : "takes a whole number from " + std::to_string(least) + " up, not '" + text + "'";
-    };
+/// A whole number from `least` up. CLI11 would let negative ones wrap and read a leading 0 as octal.
+uint64_t count(const char* option, const std::string& text, uint64_t least) {
+    uint64_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error == std::errc() && end == text.data() + text.size() && value >= least) return value;
+    throw failure(status::wrong_use, std::string(option) + " takes a whole number from " + std::to_string(least) +
+                                         " up, not '" + text + "'");
 }
 
 void check_interrupt() {
     if (caught_signal()) throw failure(status::output_failed, "interrupted");
+}
+
+uint64_t write_pictures(reader& in, route& way, picture& pic, writer& out, uint64_t limit) {
+    progress line(limit == unlimited ? 0 : limit);
+    uint64_t n = 0;
+    for (bool more = true; more;) {
+        check_interrupt();
+        in.read(pic);
+        more = ++n < limit && in.more();
+        out.write(way.run(pic), more);
+        line.tick();
+    }
+    out.finish();
+    return n;
 }
 
 void convert(const options& opt) {
@@ -71,17 +84,8 @@ void convert(const options& opt) {
                       opt.in + (opt.skip ? ": has no picture after those to skip" : ": has no picture"));
 
     writer out(kind, opt.out, about);
-    progress line(opt.limit == unlimited ? 0 : opt.limit);
-    uint64_t n = 0;
-    for (bool more = true; more;) {
-        check_interrupt();
-        in->read(pic);
-        more = ++n < opt.limit && in->more();
-        out.write(way.run(pic), more);
-        line.tick();
-    }
-    out.finish();
-    if (opt.verbose) std::fprintf(stderr, "%" PRIu64 " written: %s\n", n, out.summary().c_str());
+    const uint64_t written = write_pictures(*in, way, pic, out, opt.limit);
+    if (opt.verbose) std::fprintf(stderr, "%" PRIu64 " written: %s\n", written, out.summary().c_str());
 }
 
 }  // namespace
@@ -94,9 +98,13 @@ void add_convert(CLI::App& app) {
     verb->add_option("--to", opt->to, "Kind of output: png, ppm, y4m or raw")->type_name("KIND");
     verb->add_option("--raw", opt->raw, "Read raw pictures of this layout, such as 640x480:rgb888")
         ->type_name("WxH:FORMAT");
-    verb->add_option("--pix-fmt", opt->pix_fmt, "Pixel format to write")->type_name("FORMAT");
-    verb->add_option("--skip", opt->skip, "Pictures to pass over first")->check(from(0))->type_name("N");
-    verb->add_option("--limit", opt->limit, "Pictures to convert at most")->check(from(1))->type_name("N");
+    verb->add_option("--pix-fmt", opt->pix_fmt, "Pixel format to write (see zelt formats)")->type_name("FORMAT");
+    const auto add_count = [verb](const char* name, uint64_t& to, uint64_t least, const char* about) {
+        const auto set = [name, &to, least](const std::string& text) { to = count(name, text, least); };
+        verb->add_option_function<std::string>(name, set, about)->type_name("N");
+    };
+    add_count("--skip", opt->skip, 0, "Pictures to pass over first");
+    add_count("--limit", opt->limit, 1, "Pictures to convert at most");
     verb->add_flag("-v,--verbose", opt->verbose, "Say how pictures are converted and what was written");
     verb->footer(notes);
     verb->callback([opt] { convert(*opt); });

@@ -13,4 +13,4 @@ struct failure : std::runtime_error {
     status code;
 };
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

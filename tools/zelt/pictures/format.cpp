@@ -29,7 +29,7 @@ constexpr format table[] = {
 };
 // clang-format on
 
-} // namespace
+}  // namespace
 
 std::span<const format> formats() { return table; }
 
@@ -60,4 +60,4 @@ bool fits(const format& fmt, int w, int h) {
     return w >= 1 && h >= 1 && picture_bytes(fmt, w, h) <= std::numeric_limits<int32_t>::max();
 }
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

@@ -8,11 +8,11 @@
 namespace zelt::tool {
 
 struct format {
-    const char* name;  // the colour space's own, in lower case
-    const char* alias; // ffmpeg's name for the same layout, or null
+    const char* name;   // the colour space's own, in lower case
+    const char* alias;  // ffmpeg's name for the same layout, or null
     int32_t cs;
-    int planes;   // all of the picture's size
-    int bytes[4]; // of a pixel in each plane
+    int planes;    // all of the picture's size
+    int bytes[4];  // of a pixel in each plane
     bool alpha;
 };
 
@@ -28,4 +28,4 @@ int64_t picture_bytes(const format& fmt, int w, int h);
 /// Whether a picture has a size that the library can handle: at least one pixel, and plane bytes within 31 bits.
 bool fits(const format& fmt, int w, int h);
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

@@ -28,4 +28,4 @@ picture::picture(const format& f, int width, int height) : fmt(&f), w(width), h(
     }
 }
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

@@ -16,7 +16,7 @@ public:
 
     const format* fmt;
     int w, h;
-    void* plane[4] = {}; // entries past the format's planes stay null: the packed writers look at the second one
+    void* plane[4] = {};  // entries past the format's planes stay null: the packed writers look at the second one
     int32_t stride[4] = {};
 
     uint8_t* row(int i, int y) const { return static_cast<uint8_t*>(plane[i]) + std::ptrdiff_t{stride[i]} * y; }
@@ -30,4 +30,4 @@ private:
     std::unique_ptr<uint8_t[]> memory_;
 };
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

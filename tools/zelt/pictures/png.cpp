@@ -38,26 +38,33 @@ std::vector<png_bytep> rows_of(const picture& pic) {
     return rows;
 }
 
+/// libpng's two records, freed also where a constructor fails.
+struct handles {
+    png_structp png = nullptr;
+    png_infop info = nullptr;
+    ~handles() { png_destroy_read_struct(&png, &info, nullptr); }
+};
+
 class png_reader : public reader {
 public:
     explicit png_reader(input in) : reader(std::move(in)) {
-        png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, &complaint_, on_error, on_warning);
-        if (!png_) throw std::bad_alloc();
-        const bool done = attempt(png_, [this] {
-            info_ = png_create_info_struct(png_);
-            png_init_io(png_, in_.handle());
-            png_read_info(png_, info_);
-            png_set_expand(png_);
-            png_set_scale_16(png_);
-            png_set_gray_to_rgb(png_);
-            png_set_interlace_handling(png_);
-            png_read_update_info(png_, info_);
+        libpng_.png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &complaint_, on_error, on_warning);
+        if (!libpng_.png) throw std::bad_alloc();
+        const bool done = attempt(libpng_.png, [this] {
+            libpng_.info = png_create_info_struct(libpng_.png);
+            png_init_io(libpng_.png, in_.handle());
+            png_read_info(libpng_.png, libpng_.info);
+            png_set_expand(libpng_.png);
+            png_set_scale_16(libpng_.png);
+            png_set_gray_to_rgb(libpng_.png);
+            png_set_interlace_handling(libpng_.png);
+            png_read_update_info(libpng_.png, libpng_.info);
         });
         if (!done) fail();
-        shape(format_of(png_get_channels(png_, info_) == 4 ? ZELT_CS_RGBA8888 : ZELT_CS_RGB888),
-              static_cast<int>(png_get_image_width(png_, info_)), static_cast<int>(png_get_image_height(png_, info_)));
+        shape(format_of(png_get_channels(libpng_.png, libpng_.info) == 4 ? ZELT_CS_RGBA8888 : ZELT_CS_RGB888),
+              static_cast<int>(png_get_image_width(libpng_.png, libpng_.info)),
+              static_cast<int>(png_get_image_height(libpng_.png, libpng_.info)));
     }
-    ~png_reader() override { png_destroy_read_struct(&png_, &info_, nullptr); }
 
     bool more() override { return !read_; }
 
@@ -65,9 +72,9 @@ public:
         read_ = true;
         std::vector<png_bytep> rows = rows_of(into);
         png_bytepp first = rows.data();
-        if (!attempt(png_, [&] {
-                png_read_image(png_, first);
-                png_read_end(png_, nullptr);
+        if (!attempt(libpng_.png, [&] {
+                png_read_image(libpng_.png, first);
+                png_read_end(libpng_.png, nullptr);
             }))
             fail();
     }
@@ -75,22 +82,21 @@ public:
 private:
     [[noreturn]] void fail() { in_.bad(std::string("is no sound PNG file: ") + complaint_.text); }
 
-    png_structp png_ = nullptr;
-    png_infop info_ = nullptr;
+    handles libpng_;
     complaint complaint_ = {};
     bool read_ = false;
 };
 
-} // namespace
+}  // namespace
 
 std::unique_ptr<reader> read_png(input in) { return std::make_unique<png_reader>(std::move(in)); }
 
 void write_png(output& out, const picture& pic) {
+    std::vector<png_bytep> rows = rows_of(pic);
+    png_bytepp first = rows.data();
     complaint complaint = {};
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &complaint, on_error, on_warning);
     png_infop info = png ? png_create_info_struct(png) : nullptr;
-    std::vector<png_bytep> rows = rows_of(pic);
-    png_bytepp first = rows.data();
     const bool done = info && attempt(png, [&] {
                           png_init_io(png, out.handle());
                           png_set_IHDR(png, info, static_cast<png_uint_32>(pic.w), static_cast<png_uint_32>(pic.h), 8,
@@ -105,4 +111,4 @@ void write_png(output& out, const picture& pic) {
     if (!done) out.fail("cannot be written: " + reason);
 }
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

@@ -72,7 +72,7 @@ private:
     bool header_read_ = false;
 };
 
-} // namespace
+}  // namespace
 
 std::unique_ptr<reader> read_pnm(input in) { return std::make_unique<pnm_reader>(std::move(in)); }
 
@@ -81,4 +81,4 @@ void write_ppm(output& out, const picture& pic) {
     write_raw(out, pic);
 }
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

@@ -19,7 +19,7 @@ private:
     bool grey_;
 };
 
-} // namespace
+}  // namespace
 
 std::unique_ptr<reader> read_raw(input in, const std::string& layout) {
     const std::size_t x = layout.find('x'), colon = layout.find(':');
@@ -32,4 +32,4 @@ std::unique_ptr<reader> read_raw(input in, const std::string& layout) {
     throw failure(status::wrong_use, "--raw takes WxH:FORMAT, such as 640x480:rgb888, not '" + layout + "'");
 }
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

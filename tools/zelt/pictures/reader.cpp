@@ -47,4 +47,4 @@ std::unique_ptr<reader> open_reader(const std::string& path, const std::string& 
     }
 }
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

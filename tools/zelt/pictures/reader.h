@@ -20,14 +20,14 @@ class reader {
 public:
     virtual ~reader() = default;
     const clip& about() const { return about_; }
-    virtual bool more() = 0;              // whether there is another picture
-    virtual void read(picture& into) = 0; // the next picture, of about()'s size and format
+    virtual bool more() = 0;               // whether there is another picture
+    virtual void read(picture& into) = 0;  // the next picture, of about()'s size and format
 
 protected:
     explicit reader(input in) : in_(std::move(in)) {}
-    void shape(const format& fmt, int w, int h); // sets what about() says, or a failure
-    void read_planes(picture& into);             // rows of all planes, one after the other
-    void read_grey(picture& into);               // luma rows, for a YUV444 picture without colour
+    void shape(const format& fmt, int w, int h);  // sets what about() says, or a failure
+    void read_planes(picture& into);              // rows of all planes, one after the other
+    void read_grey(picture& into);                // luma rows, for a YUV444 picture without colour
 
     input in_;
     clip about_;
@@ -44,4 +44,4 @@ std::unique_ptr<reader> read_raw(input in, const std::string& layout);
 /// Opens a file by what it begins with; raw pictures by their layout, "WxH:FORMAT", which is empty otherwise.
 std::unique_ptr<reader> open_reader(const std::string& path, const std::string& raw_layout);
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

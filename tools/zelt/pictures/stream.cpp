@@ -25,7 +25,22 @@ std::string folder_of(const std::string& path) {
     return slash == std::string::npos ? "" : path.substr(0, slash + 1);
 }
 
-} // namespace
+/// Kind and permissions of what a path leads to, 0 where that is nothing.
+mode_t mode_of(const std::string& path) {
+    struct stat st;
+    return ::stat(path.c_str(), &st) == 0 ? st.st_mode : 0;
+}
+
+}  // namespace
+
+bool is_stream(const std::string& path) {
+    const mode_t mode = path == "-" ? 0 : mode_of(path);
+    return path == "-" || (mode && !S_ISREG(mode) && !S_ISDIR(mode));
+}
+
+void close_file::operator()(FILE* f) const {
+    if (f != stdin && f != stdout) std::fclose(f);
+}
 
 input::input(const std::string& path)
     : name_(path == "-" ? "standard input" : path), file_(path == "-" ? stdin : std::fopen(path.c_str(), "rb")) {
@@ -73,22 +88,18 @@ void input::bad(const std::string& text) const { throw failure(status::bad_input
 void input::unsupported(const std::string& text) const { throw failure(status::unsupported, name_ + ": " + text); }
 
 output::output(const std::string& path) : name_(path == "-" ? "standard output" : path) {
-    struct stat st;
-    const bool exists = path != "-" && ::stat(path.c_str(), &st) == 0;
-    if (path == "-") {
-        file_.reset(stdout);
-    } else if (exists && S_ISDIR(st.st_mode)) {
-        fail("is a folder");
-    } else if (exists && !S_ISREG(st.st_mode)) {
-        file_.reset(std::fopen(path.c_str(), "wb"));
+    if (is_stream(path)) {
+        file_.reset(path == "-" ? stdout : std::fopen(path.c_str(), "wb"));
     } else {
+        if (S_ISDIR(mode_of(path))) fail("is a folder");
         target_ = followed(path);
         const std::string stem = folder_of(target_) + ".zelt-" + std::to_string(::getpid()) + "-";
-        int fd = -1;
-        for (int n = 0; fd < 0 && (n == 0 || errno == EEXIST); ++n) {
-            temporary_ = stem + std::to_string(n);
+        static int serial = 0;  // names for all files of a series; one left by a killed process is passed over
+        int fd;
+        do {
+            temporary_ = stem + std::to_string(serial++);
             fd = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        }
+        } while (fd < 0 && errno == EEXIST);
         if (fd >= 0) file_.reset(::fdopen(fd, "wb"));
     }
     if (!file_) {
@@ -106,7 +117,8 @@ void output::write(const void* from, std::size_t bytes) {
 }
 
 void output::close() {
-    if (std::fclose(file_.release()) != 0) fail("cannot be written: " + reason());
+    FILE* f = file_.release();
+    if ((f == stdout ? std::fflush(f) : std::fclose(f)) != 0) fail("cannot be written: " + reason());
 }
 
 void output::commit() {
@@ -115,10 +127,6 @@ void output::commit() {
     temporary_.clear();
 }
 
-void output::revoke() {
-    if (!target_.empty() && temporary_.empty()) ::unlink(target_.c_str());
-}
-
 void output::fail(const std::string& text) const { throw failure(status::output_failed, name_ + ": " + text); }
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

@@ -23,7 +23,7 @@ std::size_t extension_of(const std::string& path) {
     return dot == path.npos || dot <= name ? path.size() : dot;
 }
 
-} // namespace
+}  // namespace
 
 const file_kind& kind_of_output(std::string_view name, const std::string& path) {
     std::string extension = path.substr(extension_of(path));
@@ -51,7 +51,8 @@ const format& format_for(const file_kind& kind, const std::string& asked, bool a
 
 writer::writer(const file_kind& kind, std::string path, const clip& about)
     : kind_(kind), path_(std::move(path)), about_(about) {
-    if (!kind_.single || path_ == "-") return;
+    separate_ = kind_.single && !is_stream(path_);
+    if (!separate_) return;
     for (std::size_t percent = path_.find('%'); percent != path_.npos; percent = path_.find('%', percent + 1)) {
         const bool wide = path_.size() > percent + 2 && path_[percent + 1] == '0' && std::isdigit(path_[percent + 2]);
         const std::size_t letter = percent + (wide ? 3 : 1);
@@ -72,32 +73,24 @@ std::string writer::numbered(int n) const {
 }
 
 void writer::write(const picture& pic, bool more) {
-    const bool separate = kind_.single && path_ != "-";
-    if (more && path_ == "-" && !kind_.piped)
-        throw failure(status::wrong_use, std::string("standard output takes one ") + kind_.name +
-                                             " picture and there are more: give --limit 1");
-    if (separate && more) series_ = true;
+    if (more && !separate_ && !kind_.piped)
+        throw failure(status::wrong_use,
+                      std::string("a pipe takes one ") + kind_.name + " picture and there are more: give --limit 1");
+    if (separate_ && more) series_ = true;
     ++count_;
-    if (separate || files_.empty()) {
+    if (separate_ || files_.empty()) {
         last_ = series_ ? numbered(count_) : path_;
         if (first_.empty()) first_ = last_;
         output& out = files_.emplace_back(last_);
         if (kind_.header) kind_.header(out, about_);
     }
     kind_.write(files_.back(), pic);
-    if (separate) files_.back().close();
+    if (separate_) files_.back().close();
 }
 
 void writer::finish() {
     if (files_.back().handle()) files_.back().close();
-    for (auto it = files_.begin(); it != files_.end(); ++it) {
-        try {
-            it->commit();
-        } catch (const failure&) {
-            std::for_each(files_.begin(), it, [](output& earlier) { earlier.revoke(); });
-            throw;
-        }
-    }
+    for (output& file : files_) file.commit();
 }
 
 std::string writer::summary() const {
@@ -109,4 +102,4 @@ void write_raw(output& out, const picture& pic) {
         for (int y = 0; y < pic.h; ++y) out.write(pic.row(i, y), pic.row_bytes(i));
 }
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

@@ -13,9 +13,9 @@ namespace zelt::tool {
 struct file_kind {
     const char* name;
     std::vector<std::string_view> extensions;
-    std::vector<int32_t> formats; // what it can hold, by preference; empty for any
-    bool single;                  // one picture to a file
-    bool piped;                   // several pictures may follow each other on a pipe
+    std::vector<int32_t> formats;  // what it can hold, by preference; empty for any
+    bool single;                   // one picture to a file
+    bool piped;                    // several pictures may follow each other on a pipe
     void (*header)(output&, const clip&);
     void (*write)(output&, const picture&);
 };
@@ -27,22 +27,22 @@ const file_kind& kind_of_output(std::string_view name, const std::string& path);
 /// (empty) its own default for pictures with or without alpha.
 const format& format_for(const file_kind& kind, const std::string& asked, bool alpha);
 
-/// Writes pictures, either all of them or, after a failure or without finish(), none.
+/// Writes pictures. Files get their names in finish(), when all are complete; without it nothing is left.
 class writer {
 public:
     writer(const file_kind& kind, std::string path, const clip& about);
-    void write(const picture& pic, bool more); // `more`: whether others follow
+    void write(const picture& pic, bool more);  // `more`: whether others follow
     void finish();
-    std::string summary() const; // the names written, for the user
+    std::string summary() const;  // the names written, for the user
 
 private:
     std::string numbered(int n) const;
     const file_kind& kind_;
     std::string path_;
     clip about_;
-    std::size_t at_ = 0, length_ = 0; // where the number goes in path_, and what it replaces
+    std::size_t at_ = 0, length_ = 0;  // where the number goes in path_, and what it replaces
     int digits_ = 4, count_ = 0;
-    bool series_ = false;
+    bool separate_, series_ = false;  // a file for each picture; with numbers in their names
     std::deque<output> files_;
     std::string first_, last_;
 };
@@ -53,4 +53,4 @@ void write_ppm(output& out, const picture& pic);
 void write_png(output& out, const picture& pic);
 void write_raw(output& out, const picture& pic);
 
-} // namespace zelt::tool
+}  // namespace zelt::tool

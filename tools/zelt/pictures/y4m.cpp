@@ -16,7 +16,7 @@ public:
         const std::string header = in_.line(longest_header);
         if (!header.starts_with("YUV4MPEG2 ")) in_.bad("is no Y4M file");
         int w = 0, h = 0;
-        std::string layout = "420"; // what a header without the tag means
+        std::string layout = "420";  // what a header without the tag means
         for (std::size_t at = header.find(' '), end; at != header.npos; at = end) {
             end = header.find(' ', at + 1);
             const std::string tag = header.substr(at + 1, end == header.npos ? end : end - at - 1);
@@ -54,7 +54,7 @@ private:
     bool grey_ = false;
 };
 
-} // namespace
+}  // namespace
 
 std::unique_ptr<reader> read_y4m(input in) { return std::make_unique<y4m_reader>(std::move(in)); }
 
@@ -68,4 +68,4 @@ void write_y4m(output& out, const picture& pic) {
     write_raw(out, pic);
 }
 
-} // namespace zelt::tool
+}  // namespace zelt::tool
