@@ -11,8 +11,9 @@ namespace zelt::tool {
 /// A picture of any format: an image buffer where the library has one for the format, own memory elsewhere.
 class picture {
 public:
-    /// Throws a failure where the picture is too large. Contents are undefined.
-    picture(const format& fmt, int w, int h);
+    /// Throws a failure where the picture is too large. Contents are undefined. Alignment and padding are words as
+    /// zelt_imgb_create takes them; formats without image buffers have neither.
+    picture(const format& fmt, int w, int h, const uint32_t* align = nullptr, const uint32_t* pad = nullptr);
 
     const format* fmt;
     int w, h;
