@@ -2,10 +2,10 @@
  * pointers have their natural size and the order is the same. A wrong one is an array of negative size. */
 #include "zelt/zelt.h"
 
-#define SIZE(record, words, bytes64)                                                                                   \
-    typedef char size_of_##record[sizeof(record) == (sizeof(void *) == 4 ? 4 * (words) : (bytes64)) ? 1 : -1]
-#define AT(record, field, word)                                                                                        \
-    typedef char record##_##field[sizeof(void *) != 4 || offsetof(record, field) == 4 * (word) ? 1 : -1]
+#define SIZE(record, words, bytes64) \
+    typedef char size_of_##record[sizeof(record) == (sizeof(void*) == 4 ? 4 * (words) : (bytes64)) ? 1 : -1]
+#define AT(record, field, word) \
+    typedef char record##_##field[sizeof(void*) != 4 || offsetof(record, field) == 4 * (word) ? 1 : -1]
 
 SIZE(ZELT_IMGB, 58, 296);
 AT(ZELT_IMGB, refcnt, 0);
