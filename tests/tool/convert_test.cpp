@@ -164,7 +164,7 @@ TEST_F(tool, reads_png_pictures_of_every_kind) {
         {PNG_COLOR_TYPE_GRAY, 1, false, std::string("\x80\0", 2), std::string("\xFF\xFF\xFF\0\0\0", 6)},
         {PNG_COLOR_TYPE_GRAY, 8, false, "\x10\xF1", "\x10\x10\x10\xF1\xF1\xF1"},
         {PNG_COLOR_TYPE_GRAY, 8, true, std::string("\x10\0", 2), std::string("\x10\x10\x10\xFF\0\0\0\0", 8)},
-        {PNG_COLOR_TYPE_GRAY, 16, false, "\x20\x9F\x20\x01", "\x20\x20\x20\x20\x20\x20"},
+        {PNG_COLOR_TYPE_GRAY, 16, false, "\x20\xF0\x20\x01", "\x21\x21\x21\x20\x20\x20"},
         {PNG_COLOR_TYPE_GRAY_ALPHA, 8, false, "\x10\x20\xF1\x02", "\x10\x10\x10\x20\xF1\xF1\xF1\x02"},
         {PNG_COLOR_TYPE_PALETTE, 2, false, std::string("\x40\0", 2), "\x28\x32\x3C\x01\x02\x03"},
         {PNG_COLOR_TYPE_PALETTE, 8, true, std::string("\x01\x02", 2), "\x28\x32\x3C\x07\xFF\xFE\xFD\xFF"},

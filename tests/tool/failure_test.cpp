@@ -118,7 +118,7 @@ TEST_F(tool, cleans_up_when_it_is_stopped) {
     store("../part", one_pixel + one_pixel + "P6 ");
     const outcome result =
         shell("mkfifo ../pipe; \"$Z\" convert -i ../pipe -o x.ppm & exec 3>../pipe; cat ../part >&3; "
-              "for i in 1 2 3 4 5 6 7 8 9 10; do sleep 0.2; ls -A | grep -q . && break; done; "
+              "for i in $(seq 100); do sleep 0.1; ls -A | grep -q . && break; done; "
               "ls -A | grep -c zelt; kill -TERM $!; wait $!");
     EXPECT_EQ(result.status, 128 + 15);
     EXPECT_NE(result.out, "0\n");  // it was in the middle of its work
