@@ -3,6 +3,8 @@
 #ifndef ZELT_ZELT_H
 #define ZELT_ZELT_H
 
+#include "zelt/bsr.h"
+#include "zelt/bsw.h"
 #include "zelt/common.h"
 #include "zelt/csc.h"
 #include "zelt/imgb.h"
