@@ -1,7 +1,7 @@
 // Bit reader. The default refill is done inline; a caller's own goes through the callback.
 #include "zelt/bsr.h"
 
-#include "bitstream/shift.h"
+#include "bitstream/cache.h"
 
 #include <algorithm>
 #include <bit>
@@ -13,13 +13,6 @@ static_assert(sizeof(void*) != 4 || sizeof(ZELT_BSR) == 7 * 4);
 
 namespace {
 
-/// Bytes not loaded yet; below 1 at the end. In integers: `end` may lie before the buffer.
-inline std::intptr_t unread(const ZELT_BSR* bs) {
-    return static_cast<std::intptr_t>(reinterpret_cast<std::uintptr_t>(bs->end) -
-                                      reinterpret_cast<std::uintptr_t>(bs->cur)) +
-           1;
-}
-
 inline u32 load_be32(const u8* p) {
     u32 v;
     std::memcpy(&v, p, sizeof v);
@@ -27,7 +20,7 @@ inline u32 load_be32(const u8* p) {
 }
 
 inline s32 refill(ZELT_BSR* bs) {
-    if (bs->flush_fn != zelt_bsr_flush || unread(bs) < 4) return bs->flush_fn(bs, 4);
+    if (bs->flush_fn != zelt_bsr_flush || bytes_left(bs) < 4) return bs->flush_fn(bs, 4);
     bs->code = load_be32(bs->cur);
     bs->leftbits = 32;
     bs->cur += 4;
@@ -65,14 +58,13 @@ void zelt_bsr_init(ZELT_BSR* bs, const uint8_t* buf, int32_t size, zelt_bsr_flus
     bs->code = 0;
     bs->leftbits = 0;
     bs->cur = bs->beg = buf;
-    bs->end =
-        reinterpret_cast<const u8*>(reinterpret_cast<std::uintptr_t>(buf) + static_cast<std::uintptr_t>(size) - 1);
+    bs->end = advance(advance(buf, size), -1);
     bs->size = size;
     bs->flush_fn = flush_fn ? flush_fn : zelt_bsr_flush;
 }
 
 int32_t zelt_bsr_flush(ZELT_BSR* bs, int32_t byte) {
-    const s32 n = static_cast<s32>(std::min({unread(bs), std::intptr_t{byte}, std::intptr_t{4}}));
+    const s32 n = static_cast<s32>(std::min({bytes_left(bs), std::intptr_t{byte}, std::intptr_t{4}}));
     bs->code = 0;
     bs->leftbits = 0;
     if (n < 1) return -1;
@@ -96,7 +88,7 @@ uint32_t zelt_bsr_peek(ZELT_BSR* bs, int32_t size) {
     }
     u32 value = shr(bs->code, sub(32, size));
     // Up to a byte may be missing still: the next one is looked at, not loaded. Further bits would read as 0.
-    if (size > bs->leftbits && unread(bs) > 0) value |= shr(*bs->cur, sub(8, sub(size, bs->leftbits)));
+    if (size > bs->leftbits && bytes_left(bs) > 0) value |= shr(*bs->cur, sub(8, sub(size, bs->leftbits)));
     return value;
 }
 

@@ -1,8 +1,8 @@
 // Bit writer. The default flush is done inline where a whole word goes out; a caller's own goes through the callback.
 #include "zelt/bsw.h"
 
+#include "bitstream/cache.h"
 #include "bitstream/golomb.h"
-#include "bitstream/shift.h"
 
 #include <algorithm>
 #include <cstring>
@@ -12,12 +12,6 @@ using namespace zelt;
 static_assert(sizeof(void*) != 4 || sizeof(ZELT_BSW) == 7 * 4);
 
 namespace {
-
-/// Bytes from `cur` to `end`, -1 when `cur` is past it. In integers: either may lie outside the buffer.
-inline std::intptr_t room(const ZELT_BSW* bs) {
-    return static_cast<std::intptr_t>(reinterpret_cast<std::uintptr_t>(bs->end) -
-                                      reinterpret_cast<std::uintptr_t>(bs->cur));
-}
 
 /// Occupied bytes of the cache, a partial one counting whole.
 inline s32 pending(const ZELT_BSW* bs) { return std::clamp(sub(39, bs->leftbits) >> 3, 0, 4); }
@@ -36,7 +30,7 @@ inline s32 put(ZELT_BSW* bs, u32 val, s32 len) {
         bs->leftbits = sub(left, len);
         return 0;
     }
-    if (room(bs) < 4) return -1; // Kept: the last byte of the buffer stays free
+    if (bytes_left(bs) < 5) return -1; // Kept: the last byte of the buffer stays free
     if (bs->flush_fn == zelt_bsw_flush) {
         store_be32(bs->cur, bs->code);
         bs->cur += 4;
@@ -61,15 +55,15 @@ void zelt_bsw_init(ZELT_BSW* bs, uint8_t* buf, int32_t size, zelt_bsw_flush_fn f
     bs->code = 0;
     bs->leftbits = 32;
     bs->cur = bs->beg = buf;
-    bs->end = reinterpret_cast<u8*>(reinterpret_cast<std::uintptr_t>(buf) + static_cast<std::uintptr_t>(size) - 1);
+    bs->end = advance(advance(buf, size), -1);
     bs->size = size;
     bs->flush_fn = flush_fn ? flush_fn : zelt_bsw_flush;
 }
 
 int32_t zelt_bsw_flush(ZELT_BSW* bs) {
-    const s32 n = pending(bs), stored = static_cast<s32>(std::clamp<std::intptr_t>(room(bs) + 1, 0, n));
+    const s32 n = pending(bs), stored = static_cast<s32>(std::clamp<std::intptr_t>(bytes_left(bs), 0, n));
     for (s32 i = 0; i < stored; ++i) bs->cur[i] = static_cast<u8>(bs->code >> (24 - 8 * i));
-    bs->cur = reinterpret_cast<u8*>(reinterpret_cast<std::uintptr_t>(bs->cur) + static_cast<std::uintptr_t>(n));
+    bs->cur = advance(bs->cur, n);
     bs->code = shl(bs->code, 8 * n);
     return 0;
 }
@@ -77,7 +71,7 @@ int32_t zelt_bsw_flush(ZELT_BSW* bs) {
 int32_t zelt_bsw_deinit(ZELT_BSW* bs) { return bs->flush_fn(bs); }
 
 int32_t zelt_bsw_sink(ZELT_BSW* bs) {
-    if (pending(bs) > room(bs)) return -1; // Kept: the last byte of the buffer stays free
+    if (pending(bs) >= bytes_left(bs)) return -1; // Kept: the last byte of the buffer stays free
     bs->flush_fn(bs);
     bs->code = 0;
     bs->leftbits = 32;
@@ -90,7 +84,7 @@ int32_t zelt_bsw_write1(ZELT_BSW* bs, int32_t val) {
         bs->code |= shl(static_cast<u32>(val) & 1, bs->leftbits);
     }
     if (bs->leftbits > 0) return 0;
-    if (room(bs) < 0) return -1;
+    if (bytes_left(bs) < 1) return -1;
     bs->flush_fn(bs); // Kept: with fewer than four bytes left it is called all the same
     bs->code = 0;
     bs->leftbits = 32;

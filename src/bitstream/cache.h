@@ -1,4 +1,4 @@
-#pragma once // shifts of a cache word whose count may be anything
+#pragma once // what reader and writer share: shifts of the cache word by any count, bytes left in the buffer
 #include "core/types.h"
 
 namespace zelt {
@@ -16,6 +16,18 @@ inline u32 shl(u32 v, s32 n) {
 inline u32 shr(u32 v, s32 n) {
     const u32 count = n & 255;
     return count < shift_limit ? static_cast<u32>(shift_word{v} >> count) : 0;
+}
+
+/// Bytes from `cur` to the end of the buffer, below 1 when there is none. In integers: pointers of a record may lie
+/// outside the buffer, and `end` does when it is empty.
+template <class Record> std::intptr_t bytes_left(const Record* bs) {
+    return static_cast<std::intptr_t>(reinterpret_cast<std::uintptr_t>(bs->end) -
+                                      reinterpret_cast<std::uintptr_t>(bs->cur) + 1);
+}
+
+/// A pointer `n` bytes on, wherever it leads.
+template <class Byte> Byte* advance(Byte* p, s32 n) {
+    return reinterpret_cast<Byte*>(reinterpret_cast<std::uintptr_t>(p) + static_cast<std::uintptr_t>(n));
 }
 
 /// Sums of bit counts that wrap: a record may hold any numbers.
