@@ -52,7 +52,7 @@ inline bool run_ends(const ZELT_BSR* bs) { return bs->leftbits != 0 && shr(~bs->
 
 inline s32 leading_ones(const ZELT_BSR* bs) { return std::countl_one(bs->code); }
 
-} // namespace
+}  // namespace
 
 void zelt_bsr_init(ZELT_BSR* bs, const uint8_t* buf, int32_t size, zelt_bsr_flush_fn flush_fn) {
     bs->code = 0;
@@ -81,7 +81,7 @@ uint32_t zelt_bsr_peek(ZELT_BSR* bs, int32_t size) {
         const u32 old = bs->code;
         const s32 left = bs->leftbits, room = sub(32, left) >> 3;
         if (room > 0) {
-            bs->flush_fn(bs, std::min(room, 4)); // a failure leaves what was there
+            bs->flush_fn(bs, std::min(room, 4));  // a failure leaves what was there
             bs->code = old | shr(bs->code, left);
             bs->leftbits = add(bs->leftbits, left);
         }
@@ -129,9 +129,9 @@ uint32_t zelt_bsr_read_align8(ZELT_BSR* bs, int32_t* nbits) {
 
 uint32_t zelt_bsr_read_ue(ZELT_BSR* bs) {
     s32 zeros = 0;
-    if (bs->code == 0) { // the cache holds nothing but zeros of this codeword
+    if (bs->code == 0) {  // the cache holds nothing but zeros of this codeword
         zeros = bs->leftbits;
-        refill(bs); // at the end of the data the cache stays 0, and `take` fails
+        refill(bs);  // at the end of the data the cache stays 0, and `take` fails
     }
     const s32 more = std::countl_zero(bs->code);
     if (add(zeros, more) == 0) {
@@ -145,7 +145,7 @@ uint32_t zelt_bsr_read_ue(ZELT_BSR* bs) {
 int32_t zelt_bsr_read_se(ZELT_BSR* bs) {
     const u32 k = zelt_bsr_read_ue(bs);
     const s32 half = static_cast<s32>(k) >> 1;
-    return k & 1 ? half + 1 : -half; // Kept: the -2 of an error gives 1
+    return k & 1 ? half + 1 : -half;  // Kept: the -2 of an error gives 1
 }
 
 uint32_t zelt_bsr_read_te(ZELT_BSR* bs, int32_t range) {
@@ -157,7 +157,7 @@ uint32_t zelt_bsr_read_te(ZELT_BSR* bs, int32_t range) {
 uint32_t zelt_bsr_read_un(ZELT_BSR* bs) {
     s32 ones = 0;
     if (!run_ends(bs)) {
-        ones = bs->leftbits; // Kept: counted without a look at them
+        ones = bs->leftbits;  // Kept: counted without a look at them
         refill(bs);
     }
     const s32 more = leading_ones(bs);
@@ -169,7 +169,7 @@ uint32_t zelt_bsr_read_tu(ZELT_BSR* bs, int32_t max) {
     s32 ones = 0;
     if (!run_ends(bs)) {
         ones = bs->leftbits;
-        if (ones >= max) { // Kept: not looked at
+        if (ones >= max) {  // Kept: not looked at
             consume(bs, max);
             return static_cast<u32>(max);
         }

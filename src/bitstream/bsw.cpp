@@ -23,14 +23,14 @@ inline void store_be32(u8* p, u32 v) {
 
 /// Appends the low `len` bits of `val`.
 inline s32 put(ZELT_BSW* bs, u32 val, s32 len) {
-    const u32 word = shl(val, sub(32, len)); // left-aligned
+    const u32 word = shl(val, sub(32, len));  // left-aligned
     const s32 left = bs->leftbits;
     bs->code |= shr(word, sub(32, left));
     if (left > len) {
         bs->leftbits = sub(left, len);
         return 0;
     }
-    if (bytes_left(bs) < 5) return -1; // Kept: the last byte of the buffer stays free
+    if (bytes_left(bs) < 5) return -1;  // Kept: the last byte of the buffer stays free
     if (bs->flush_fn == zelt_bsw_flush) {
         store_be32(bs->cur, bs->code);
         bs->cur += 4;
@@ -49,7 +49,7 @@ inline void put_ue(ZELT_BSW* bs, u32 val) {
     put(bs, u32{1} << k | (x & ((u32{1} << k) - 1)), 2 * k + 1);
 }
 
-} // namespace
+}  // namespace
 
 void zelt_bsw_init(ZELT_BSW* bs, uint8_t* buf, int32_t size, zelt_bsw_flush_fn flush_fn) {
     bs->code = 0;
@@ -71,7 +71,7 @@ int32_t zelt_bsw_flush(ZELT_BSW* bs) {
 int32_t zelt_bsw_deinit(ZELT_BSW* bs) { return bs->flush_fn(bs); }
 
 int32_t zelt_bsw_sink(ZELT_BSW* bs) {
-    if (pending(bs) >= bytes_left(bs)) return -1; // Kept: the last byte of the buffer stays free
+    if (pending(bs) >= bytes_left(bs)) return -1;  // Kept: the last byte of the buffer stays free
     bs->flush_fn(bs);
     bs->code = 0;
     bs->leftbits = 32;
@@ -85,7 +85,7 @@ int32_t zelt_bsw_write1(ZELT_BSW* bs, int32_t val) {
     }
     if (bs->leftbits > 0) return 0;
     if (bytes_left(bs) < 1) return -1;
-    bs->flush_fn(bs); // Kept: with fewer than four bytes left it is called all the same
+    bs->flush_fn(bs);  // Kept: with fewer than four bytes left it is called all the same
     bs->code = 0;
     bs->leftbits = 32;
     return 0;

@@ -1,4 +1,4 @@
-#pragma once // what reader and writer share: shifts of the cache word by any count, bytes left in the buffer
+#pragma once  // what reader and writer share: shifts of the cache word by any count, bytes left in the buffer
 #include "core/types.h"
 
 namespace zelt {
@@ -34,4 +34,4 @@ template <class Byte> Byte* advance(Byte* p, s32 n) {
 inline s32 add(s32 a, s32 b) { return static_cast<s32>(static_cast<u32>(a) + static_cast<u32>(b)); }
 inline s32 sub(s32 a, s32 b) { return static_cast<s32>(static_cast<u32>(a) - static_cast<u32>(b)); }
 
-} // namespace zelt
+}  // namespace zelt

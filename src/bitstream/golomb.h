@@ -1,4 +1,4 @@
-#pragma once // Exp-Golomb codes: lengths of codewords and the order of signed values
+#pragma once  // Exp-Golomb codes: lengths of codewords and the order of signed values
 #include "core/types.h"
 
 #include <array>
@@ -19,4 +19,4 @@ inline u32 signed_to_code(s32 v) {
     return v <= 0 ? 0 - twice : twice - 1;
 }
 
-} // namespace zelt
+}  // namespace zelt

@@ -43,7 +43,7 @@ constexpr u32 code(const char (&c)[5]) {
     return v;
 }
 
-} // namespace
+}  // namespace
 
 int32_t zelt_fcc2mt_vid(uint32_t fcc) {
     switch (fcc) {
@@ -76,7 +76,7 @@ int32_t zelt_fcc2mt_drm(uint32_t fcc) {
 int32_t zelt_fcc2mt(uint32_t fcc) {
     s32 mt = zelt_fcc2mt_aud(fcc);
     if (mt != ZELT_MT_AUD_UNKNOWN) return mt;
-    mt = zelt_fcc2mt_vid(fcc); // Kept: before rights management, so DIVX is video
+    mt = zelt_fcc2mt_vid(fcc);  // Kept: before rights management, so DIVX is video
     if (mt != ZELT_MT_VID_UNKNOWN) return mt;
     mt = zelt_fcc2mt_sub(fcc);
     if (mt != ZELT_MT_SUB_UNKNOWN) return mt;

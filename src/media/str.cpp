@@ -18,7 +18,7 @@ void report(std::size_t len, const char* after, s32* piece, char** next) {
     if (next) *next = after && *after ? const_cast<char*>(after) : nullptr;
 }
 
-} // namespace
+}  // namespace
 
 char* zelt_str_move_to_validw(char* s) {
     if (!s) return nullptr;
@@ -28,11 +28,11 @@ char* zelt_str_move_to_validw(char* s) {
 
 char* zelt_str_move_to_nextw(char* s) {
     s = zelt_str_move_to_validw(s);
-    return s && s[1] ? s : nullptr; // Kept: the last byte is never a word
+    return s && s[1] ? s : nullptr;  // Kept: the last byte is never a word
 }
 
 char* zelt_str_move_to_eow(char* s) {
-    if (s && s[0] && !s[1]) return s; // Kept: even whitespace
+    if (s && s[0] && !s[1]) return s;  // Kept: even whitespace
     s = zelt_str_move_to_validw(s);
     if (!s || !s[1]) return s;
     // Kept: the last byte is not looked at, so a word that it ends, or whitespace that it is, is not found.
@@ -45,7 +45,7 @@ char* zelt_str_move_to_nextl(char* s) {
     if (!s || !*s) return nullptr;
     s += std::strcspn(s, "\r\n");
     if (s[0] == '\r' && s[1] == '\n') ++s;
-    return s[0] && s[1] ? s : nullptr; // Kept: an end of line that is the last byte does not count
+    return s[0] && s[1] ? s : nullptr;  // Kept: an end of line that is the last byte does not count
 }
 
 int32_t zelt_str_parse_by_ctok(const char* s, int32_t ctok, int32_t* len, char** next) {

@@ -23,7 +23,7 @@ const char* after_line_end(const char* s) { return s + (s[0] == '\r' && s[1] == 
 // Kept: hexadecimal letters are no digits and count as 0.
 int digit(char c) { return c >= '0' && c <= '9' ? c - '0' : 0; }
 
-} // namespace
+}  // namespace
 
 int32_t zelt_str_parse_uri(const char* uri, char* scheme, char* host, char* port, char* path, char** rest) {
     *scheme = *host = *port = *path = 0;
@@ -37,7 +37,7 @@ int32_t zelt_str_parse_uri(const char* uri, char* scheme, char* host, char* port
 
     text = next;
     zelt_str_parse_by_ctok(text, ':', &len, &next);
-    if (text[len] == ':' && next) { // Kept: the ":" may stand in the path
+    if (text[len] == ':' && next) {  // Kept: the ":" may stand in the path
         copy(host, text, len);
         text = next;
         zelt_str_parse_by_ctok(text, '/', &len, &next);
@@ -45,7 +45,7 @@ int32_t zelt_str_parse_uri(const char* uri, char* scheme, char* host, char* port
         copy(port, text, len);
     } else {
         zelt_str_parse_by_ctok(text, '/', &len, &next);
-        if (len == 0) { // Kept: without a host all of the text is the path, further lines too
+        if (len == 0) {  // Kept: without a host all of the text is the path, further lines too
             copy_path(path, text, static_cast<s32>(std::strlen(text)));
             return 0;
         }
@@ -83,7 +83,7 @@ int32_t zelt_str_conv_uri2a(const char* s, char* out) {
             *out++ = *s++;
             continue;
         }
-        if (!s[1] || !s[2]) break; // cut off
+        if (!s[1] || !s[2]) break;  // cut off
         *out++ = static_cast<char>(16 * digit(s[1]) + digit(s[2]));
         s += 3;
     }

@@ -48,7 +48,7 @@ int32_t copying_refill(ZELT_BSR* bs, int32_t byte) {
 /// The reader as a position in a string of bits, with the bytes loaded so far.
 struct model {
     std::string bits;
-    int loaded = 0, pos = 0; // both in bits
+    int loaded = 0, pos = 0;  // both in bits
 
     int left() const { return loaded - pos; }
     int total() const { return static_cast<int>(bits.size()); }
@@ -68,13 +68,13 @@ struct model {
         loaded = std::min(total(), loaded + 8 * n);
         return some;
     }
-    bool fetch(int size) { // what read, skip and the rest of a codeword do
+    bool fetch(int size) {  // what read, skip and the rest of a codeword do
         if (left() >= size || load()) return true;
         pos = loaded;
         return false;
     }
     uint32_t read(int size) {
-        const int from = std::min(pos, loaded); // a zero owed by a unary code comes first
+        const int from = std::min(pos, loaded);  // a zero owed by a unary code comes first
         if (!fetch(size)) return ~0u;
         pos += size;
         return number(from, pos - from);
@@ -109,7 +109,7 @@ struct model {
             pos += size;
         return ok ? number(pos - size, size) - 1 : ~1u;
     }
-    int run() const { // ones in the cache
+    int run() const {  // ones in the cache
         int n = 0;
         while (n < left() && at(pos + n) == '1') ++n;
         return n;
@@ -140,7 +140,7 @@ struct model {
 };
 
 int32_t signed_of(uint32_t k) {
-    if (k == ~1u) return 1; // the error of read_ue
+    if (k == ~1u) return 1;  // the error of read_ue
     return static_cast<int32_t>(k & 1 ? (k + 1) / 2 : 0 - k / 2);
 }
 
@@ -148,8 +148,8 @@ int32_t signed_of(uint32_t k) {
 void step(ZELT_BSR& bs, model& m, std::mt19937& rng) {
     const auto pick = [&](int low, int high) { return std::uniform_int_distribution(low, high)(rng); };
     int kind = pick(0, 11);
-    if (kind >= 7 && kind <= 9 && m.zeros() > 15) kind = 0; // no codeword of the supported range
-    if (m.left() < 0) kind = 0;                             // a unary code has stopped at the cache's end
+    if (kind >= 7 && kind <= 9 && m.zeros() > 15) kind = 0;  // no codeword of the supported range
+    if (m.left() < 0) kind = 0;                              // a unary code has stopped at the cache's end
     const int size = pick(m.left() < 0, m.left() < 0 ? 31 : 32), more = pick(1, 32);
     int got_bits = 0, want_bits = 0;
     switch (kind) {
@@ -202,13 +202,13 @@ int32_t unescaping_refill(ZELT_BSR* bs, int32_t byte) {
     return bs->leftbits ? 0 : -1;
 }
 
-} // namespace
+}  // namespace
 
 TEST(bsr, mixed_calls_follow_a_string_of_bits) {
     std::mt19937 rng(1);
     for (int round = 0; round < 3000; ++round) {
         bytes data(round < 1000 ? rng() % 13 : 100 + rng() % 200);
-        const int fill = round % 3; // random, mostly ones, mostly zeros
+        const int fill = round % 3;  // random, mostly ones, mostly zeros
         for (auto& b : data)
             b = static_cast<uint8_t>(fill == 0 ? rng() : fill == 1 ? rng() | rng() | rng() : rng() & rng());
         data = exact(data);
@@ -218,7 +218,7 @@ TEST(bsr, mixed_calls_follow_a_string_of_bits) {
         zelt_bsr_init(&bs, start, static_cast<int32_t>(data.size()), round & 1 ? copying_refill : nullptr);
         for (int call = 0; m.pos <= m.total() + 1 && call < 400; ++call) {
             ASSERT_NO_FATAL_FAILURE(step(bs, m, rng)) << "round " << round << ", call " << call;
-            if (m.left() < 0 && m.loaded == m.total()) break; // the data ended within the last call
+            if (m.left() < 0 && m.loaded == m.total()) break;  // the data ended within the last call
         }
     }
 }
@@ -255,7 +255,7 @@ TEST(bsr, end_of_data) {
     const bytes data = exact({0xA5, 0xFF, 0x00});
     ZELT_BSR bs;
     zelt_bsr_init(&bs, data.data(), 3, nullptr);
-    EXPECT_EQ(bs.leftbits, 0); // nothing is loaded before the first read
+    EXPECT_EQ(bs.leftbits, 0);  // nothing is loaded before the first read
     EXPECT_EQ(zelt_bsr_read(&bs, 4), 0xAu);
     EXPECT_EQ(zelt_bsr_read(&bs, 12), 0x5FFu);
     EXPECT_EQ(zelt_bsr_read(&bs, 8), 0u);
@@ -297,10 +297,10 @@ TEST(bsr, peek_takes_up_to_a_byte_that_is_not_loaded) {
     const bytes longer = exact({0x80, 1, 2, 3, 4, 5, 6, 7, 8, 9});
     zelt_bsr_init(&bs, longer.data(), 10, nullptr);
     zelt_bsr_read(&bs, 1);
-    EXPECT_EQ(zelt_bsr_peek(&bs, 32), 0x00020406u); // 31 bits cached, none free for a whole byte
+    EXPECT_EQ(zelt_bsr_peek(&bs, 32), 0x00020406u);  // 31 bits cached, none free for a whole byte
     EXPECT_EQ(bs.cur - bs.beg, 4);
     zelt_bsr_skip(&bs, 9);
-    EXPECT_EQ(zelt_bsr_peek(&bs, 32), 0x04080C10u); // 22 bits cached: one byte is loaded, two bits looked at
+    EXPECT_EQ(zelt_bsr_peek(&bs, 32), 0x04080C10u);  // 22 bits cached: one byte is loaded, two bits looked at
     EXPECT_EQ(bs.cur - bs.beg, 5);
 }
 
@@ -331,9 +331,9 @@ TEST(bsr, truncated_codes) {
     EXPECT_EQ(zelt_bsr_read_te(&bs, 1), 0u);
     EXPECT_EQ(zelt_bsr_read_te(&bs, 1), 1u);
     EXPECT_EQ((bs = reader(three), zelt_bsr_read_tu(&bs, 3)), 3u);
-    EXPECT_EQ(bs.leftbits, 12); // the zero after exactly three ones is gone
+    EXPECT_EQ(bs.leftbits, 12);  // the zero after exactly three ones is gone
     EXPECT_EQ((bs = reader(ones), zelt_bsr_read_tu(&bs, 3)), 3u);
-    EXPECT_EQ(bs.leftbits, 13); // the fourth one is not
+    EXPECT_EQ(bs.leftbits, 13);  // the fourth one is not
     EXPECT_EQ((bs = reader(one), zelt_bsr_read_tu(&bs, 3)), 1u);
 }
 
@@ -345,7 +345,7 @@ TEST(bsr, unary_codes_at_the_end_of_the_cache) {
     EXPECT_EQ(zelt_bsr_read_un(&bs), 3u);
     EXPECT_EQ(bs.leftbits, -1);
     const ZELT_BSR owing = bs;
-    EXPECT_EQ(zelt_bsr_read(&bs, 7), 0x7Fu); // the zero owed is the first bit of the refill
+    EXPECT_EQ(zelt_bsr_read(&bs, 7), 0x7Fu);  // the zero owed is the first bit of the refill
     EXPECT_EQ(bs.leftbits, 24);
 
     // With a zero owed every call follows its formula to the letter.
@@ -354,11 +354,11 @@ TEST(bsr, unary_codes_at_the_end_of_the_cache) {
     EXPECT_EQ((bs = owing, zelt_bsr_peek(&bs, 8)), 0u);
     EXPECT_EQ(bs.leftbits, 31);
     EXPECT_EQ(bs.code, 0u);
-    EXPECT_EQ((bs = owing, zelt_bsr_read_ue(&bs)), 0u); // -1 and one leading zero count as none
+    EXPECT_EQ((bs = owing, zelt_bsr_read_ue(&bs)), 0u);  // -1 and one leading zero count as none
     EXPECT_EQ(bs.leftbits, 31);
     EXPECT_EQ((bs = owing, zelt_bsr_read_un(&bs)), ~0u);
     EXPECT_EQ((bs = owing, zelt_bsr_read_tu(&bs, 4)), ~0u);
-    EXPECT_EQ((bs = owing, zelt_bsr_read(&bs, 32)), 0u); // 33 bits at once: the shifts give 0
+    EXPECT_EQ((bs = owing, zelt_bsr_read(&bs, 32)), 0u);  // 33 bits at once: the shifts give 0
     EXPECT_EQ(bs.leftbits, -1);
 
     // A full cache is not looked at.
@@ -388,7 +388,7 @@ TEST(bsr, a_refill_may_fail_at_any_point) {
             EXPECT_EQ(zelt_bsr_read(&bs, 32), ~0u);
             EXPECT_EQ(zelt_bsr_skip(&bs, 32), -7);
             EXPECT_EQ(zelt_bsr_skip_peek(&bs, 32, 8), 0u);
-            EXPECT_EQ(bs.leftbits, before.leftbits); // as the callback left it
+            EXPECT_EQ(bs.leftbits, before.leftbits);  // as the callback left it
             EXPECT_EQ(bs.cur, before.cur);
             EXPECT_EQ(zelt_bsr_peek(&bs, 32), 0u);
             bs = before;

@@ -55,7 +55,7 @@ int32_t counting_flush(ZELT_BSW* bs) {
     return 5;
 }
 
-} // namespace
+}  // namespace
 
 TEST(bsw, mixed_calls_follow_a_string_of_bits) {
     std::mt19937 rng(3);
@@ -131,7 +131,7 @@ TEST(bsw, the_last_byte_of_the_buffer_stays_free) {
     zelt_bsw_init(&bs, buffer.data(), 4, nullptr);
     EXPECT_EQ(zelt_bsw_write(&bs, 0x123456, 24), 0);
     EXPECT_EQ(zelt_bsw_write(&bs, 0x78, 8), -1);
-    EXPECT_EQ(bs.leftbits, 8); // merged into the cache, but not counted
+    EXPECT_EQ(bs.leftbits, 8);  // merged into the cache, but not counted
     EXPECT_EQ(bs.code, 0x12345678u);
     EXPECT_EQ(bs.cur, buffer.data());
 
@@ -162,11 +162,11 @@ TEST(bsw, nothing_is_stored_past_the_buffer) {
         zelt_bsw_init(&bs, buffer.data(), size, nullptr);
         int accepted = 0;
         while (accepted < 200 && zelt_bsw_write1(&bs, 1) == 0) ++accepted;
-        EXPECT_EQ(accepted, (size + 3) / 4 * 32 + 31); // each full cache is flushed while `cur` is in the buffer
+        EXPECT_EQ(accepted, (size + 3) / 4 * 32 + 31);  // each full cache is flushed while `cur` is in the buffer
         EXPECT_EQ(bs.leftbits, 0);
         EXPECT_EQ(zelt_bsw_sink(&bs), -1);
         EXPECT_EQ(zelt_bsw_deinit(&bs), 0);
-        EXPECT_EQ(bs.cur - bs.beg, (size + 3) / 4 * 4 + 4); // as if there had been room
+        EXPECT_EQ(bs.cur - bs.beg, (size + 3) / 4 * 4 + 4);  // as if there had been room
         for (int i = 0; i < 16; ++i) EXPECT_EQ(buffer[static_cast<size_t>(i)], i < size ? 0xFF : untouched);
     }
 }

@@ -47,7 +47,7 @@ void expect_types(uint32_t code) {
     ASSERT_EQ(zelt_fcc2mt(code), any) << c;
 }
 
-} // namespace
+}  // namespace
 
 TEST(fcc2mt, every_16_bit_tag) {
     for (uint32_t tag = 0; tag < 65536; ++tag) expect_types(tag);

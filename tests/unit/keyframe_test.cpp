@@ -11,7 +11,7 @@ using bytes = std::vector<uint8_t>;
 constexpr int h264 = ZELT_MT_VID_H264, hevc = ZELT_MT_VID_HEVC, mpeg4 = ZELT_MT_VID_MPEG4, h263 = ZELT_MT_VID_H263;
 
 int is_key(int mt, const bytes& frame) {
-    const bytes exact(frame.begin(), frame.end()); // ends where its memory ends
+    const bytes exact(frame.begin(), frame.end());  // ends where its memory ends
     return zelt_is_vkeyfrm(mt, exact.data(), static_cast<int32_t>(exact.size()));
 }
 
@@ -43,39 +43,39 @@ int model(int mt, const bytes& d) {
     return 0;
 }
 
-} // namespace
+}  // namespace
 
 TEST(keyframe, unit_headers) {
     EXPECT_EQ(is_key(h264, {0, 0, 0, 1, 0x67, 9, 0, 0, 1, 0x68, 9, 0, 0, 1, 0x65, 9}), 1);
-    EXPECT_EQ(is_key(h264, {0, 0, 1, 0x41, 9, 0, 0, 1, 0x65}), 0); // the first slice decides
+    EXPECT_EQ(is_key(h264, {0, 0, 1, 0x41, 9, 0, 0, 1, 0x65}), 0);  // the first slice decides
     EXPECT_EQ(is_key(h264, {0, 0, 0, 1, 0x67, 9, 0, 0, 1, 0x68, 9}), 0);
     EXPECT_EQ(is_key(h264, {0, 0, 1, 0x65}), 1);
     EXPECT_EQ(is_key(h264, {0, 0, 1}), 0);
     EXPECT_EQ(is_key(hevc, {0, 0, 1, 0x26, 1}), 1);
     EXPECT_EQ(is_key(hevc, {0, 0, 1, 0x28}), 1);
-    EXPECT_EQ(is_key(hevc, {0, 0, 1, 0x40, 1, 9, 0, 0, 1, 0x26, 1}), 0); // a parameter set in front
-    EXPECT_EQ(is_key(hevc, {0, 0, 1, 0x2A, 1}), 0);                      // clean random access
+    EXPECT_EQ(is_key(hevc, {0, 0, 1, 0x40, 1, 9, 0, 0, 1, 0x26, 1}), 0);  // a parameter set in front
+    EXPECT_EQ(is_key(hevc, {0, 0, 1, 0x2A, 1}), 0);                       // clean random access
 }
 
 TEST(keyframe, picture_headers) {
     EXPECT_EQ(is_key(mpeg4, {0, 0, 1, 0xB6, 0x10}), 1);
     EXPECT_EQ(is_key(mpeg4, {0, 0, 1, 0xB6, 0x50}), 0);
     EXPECT_EQ(is_key(mpeg4, {0, 0, 1, 0xB6}), 0);
-    EXPECT_EQ(is_key(mpeg4, {0, 0, 1, 0xB0, 1, 0, 0, 1, 0xB6, 0x10}), 1); // other units are passed over
+    EXPECT_EQ(is_key(mpeg4, {0, 0, 1, 0xB0, 1, 0, 0, 1, 0xB6, 0x10}), 1);  // other units are passed over
     EXPECT_EQ(is_key(mpeg4, {0, 0, 0x80, 2, 8}), 1);
     EXPECT_EQ(is_key(mpeg4, {0, 0, 0x80, 2, 10}), 0);
-    EXPECT_EQ(is_key(mpeg4, {0, 0, 0x80, 1, 8, 0, 0, 1, 0xB6, 0x10}), 0);    // no marker: the search ends
-    EXPECT_EQ(is_key(mpeg4, {0, 0, 0x83, 2, 0x1C, 0, 0, 1, 0xB6, 0x10}), 1); // extended: it goes on
+    EXPECT_EQ(is_key(mpeg4, {0, 0, 0x80, 1, 8, 0, 0, 1, 0xB6, 0x10}), 0);     // no marker: the search ends
+    EXPECT_EQ(is_key(mpeg4, {0, 0, 0x83, 2, 0x1C, 0, 0, 1, 0xB6, 0x10}), 1);  // extended: it goes on
 
     for (int mt : {103, 111}) {
         EXPECT_EQ(is_key(mt, {0, 0, 0x80, 2, 8, 0, 0}), 1);
         EXPECT_EQ(is_key(mt, {0, 0, 0x80, 2, 10, 0, 0}), 0);
         EXPECT_EQ(is_key(mt, {0, 0, 0x80, 2, 8, 0}), 0);
-        EXPECT_EQ(is_key(mt, {0, 0, 0x80, 2, 0x1C, 0x0F, 0}), 1); // extended without the optional part
+        EXPECT_EQ(is_key(mt, {0, 0, 0x80, 2, 0x1C, 0x0F, 0}), 1);  // extended without the optional part
         EXPECT_EQ(is_key(mt, {0, 0, 0x80, 2, 0x1C, 0x1F, 0}), 0);
-        EXPECT_EQ(is_key(mt, {0, 0, 0x80, 2, 0x1C, 0x80, 0, 0xE3}), 1); // with it
+        EXPECT_EQ(is_key(mt, {0, 0, 0x80, 2, 0x1C, 0x80, 0, 0xE3}), 1);  // with it
         EXPECT_EQ(is_key(mt, {0, 0, 0x80, 2, 0x1C, 0x80, 0, 0x04}), 0);
-        EXPECT_EQ(is_key(mt, {0, 0, 0x80, 2, 0x1C, 0x80, 0}), 0); // the deciding byte is cut off
+        EXPECT_EQ(is_key(mt, {0, 0, 0x80, 2, 0x1C, 0x80, 0}), 0);  // the deciding byte is cut off
     }
 }
 
@@ -92,7 +92,7 @@ TEST(keyframe, first_bytes) {
     const bytes all = {0, 0, 1, 0x65, 0, 0, 1, 0xB6, 0, 0, 0, 0x80, 2, 8, 0, 0, 0};
     for (int mt = -1; mt < 400; ++mt) {
         EXPECT_EQ(zelt_is_vkeyfrm(mt, nullptr, 100), mt == ZELT_MT_VID_HFYU);
-        for (int size : {INT32_MIN, -1, 0, 3}) // too short to hold a start code
+        for (int size : {INT32_MIN, -1, 0, 3})  // too short to hold a start code
             if (mt != 105 && mt != 106 && mt != 110) {
                 EXPECT_EQ(zelt_is_vkeyfrm(mt, all.data(), size), mt == 122);
             }
@@ -135,5 +135,5 @@ TEST(keyframe, random_frames_follow_the_plain_rules) {
             ASSERT_EQ(is_key(mt, frame), want) << "round " << round << ", type " << mt;
         }
     }
-    EXPECT_GT(keys, 4000); // the frames reach both results
+    EXPECT_GT(keys, 4000);  // the frames reach both results
 }

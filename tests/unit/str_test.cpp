@@ -73,17 +73,17 @@ std::string converted(int (*convert)(const char*, char*), const std::string& s, 
 std::string escaped(const std::string& s) { return converted(zelt_str_conv_a2uri, s, 3 * s.size() + 1); }
 std::string unescaped(const std::string& s) { return converted(zelt_str_conv_uri2a, s, s.size() + 1); }
 
-} // namespace
+}  // namespace
 
 TEST(str, words) {
     EXPECT_EQ(zelt_str_move_to_validw(nullptr), nullptr);
     EXPECT_EQ(offset(zelt_str_move_to_validw, ""), -1);
     EXPECT_EQ(offset(zelt_str_move_to_validw, " \t\r\n"), -1);
     EXPECT_EQ(offset(zelt_str_move_to_validw, " \t\r\na"), 4);
-    EXPECT_EQ(offset(zelt_str_move_to_validw, "\v a"), 0); // a vertical tab is no whitespace
+    EXPECT_EQ(offset(zelt_str_move_to_validw, "\v a"), 0);  // a vertical tab is no whitespace
 
     EXPECT_EQ(offset(zelt_str_move_to_nextw, "a"), -1);
-    EXPECT_EQ(offset(zelt_str_move_to_nextw, "  a"), -1); // the last byte is never returned
+    EXPECT_EQ(offset(zelt_str_move_to_nextw, "  a"), -1);  // the last byte is never returned
     EXPECT_EQ(offset(zelt_str_move_to_nextw, "  ab"), 2);
     EXPECT_EQ(offset(zelt_str_move_to_nextw, "  a "), 2);
 
@@ -94,8 +94,8 @@ TEST(str, words) {
     EXPECT_EQ(offset(zelt_str_move_to_eow, "  a"), 2);
     EXPECT_EQ(offset(zelt_str_move_to_eow, "abc de"), 2);
     EXPECT_EQ(offset(zelt_str_move_to_eow, " a  b"), 1);
-    EXPECT_EQ(offset(zelt_str_move_to_eow, "abc"), -1);  // ends with the text
-    EXPECT_EQ(offset(zelt_str_move_to_eow, "abc "), -1); // the blank is the last byte
+    EXPECT_EQ(offset(zelt_str_move_to_eow, "abc"), -1);   // ends with the text
+    EXPECT_EQ(offset(zelt_str_move_to_eow, "abc "), -1);  // the blank is the last byte
     EXPECT_EQ(offset(zelt_str_move_to_eow, "abc  "), 2);
 }
 
@@ -137,7 +137,7 @@ TEST(str, splitting) {
     EXPECT_EQ(by_string("key:", "::"), (piece{-1, 0, -1}));
     EXPECT_EQ(by_string("", "::"), (piece{-1, 0, -1}));
     EXPECT_EQ(by_string("ke\ny::", "::"), (piece{0, 2, 3}));
-    EXPECT_EQ(by_string("ke\r\nv", "\r\n"), (piece{0, 2, 4})); // the token comes first
+    EXPECT_EQ(by_string("ke\r\nv", "\r\n"), (piece{0, 2, 4}));  // the token comes first
     EXPECT_EQ(by_string("ke\r", "::"), (piece{0, 2, -1}));
     EXPECT_EQ(by_string("abc", ""), (piece{0, 0, 0}));
 }
@@ -151,12 +151,12 @@ TEST(uri, pieces) {
     EXPECT_EQ(uri("x://h:80"), "x|h|80||(none)");
     EXPECT_EQ(uri("x://:80/p"), "x||80|/p|(none)");
     EXPECT_EQ(uri("://h"), "|h|||(none)");
-    EXPECT_EQ(uri("x://h:"), "x|h:|||(none)"); // nothing follows the colon
+    EXPECT_EQ(uri("x://h:"), "x|h:|||(none)");  // nothing follows the colon
     EXPECT_EQ(uri("x://h/p:q/r"), "x|h/p|q|/r|(none)");
     EXPECT_EQ(uri("x:///p/q"), "x|||/p/q|(none)");
     EXPECT_EQ(uri("x:///p\nq"), "x|||/p\nq|(none)");
     EXPECT_EQ(uri("x://\nq"), "x|||/\nq|(none)");
-    EXPECT_EQ(uri("x\nh/p"), "x|h||/p|(none)"); // a line end in place of "://"
+    EXPECT_EQ(uri("x\nh/p"), "x|h||/p|(none)");  // a line end in place of "://"
 }
 
 TEST(uri, rest) {
@@ -165,7 +165,7 @@ TEST(uri, rest) {
     EXPECT_EQ(uri("x://h/\nmore"), "x|h|||more");
     EXPECT_EQ(uri("x://h\r\nmore"), "x|h|||more");
     EXPECT_EQ(uri("x://h:1\nmore/p"), "x|h|1||more/p");
-    EXPECT_EQ(uri("x://h\nk:v"), "x|h|||k:v"); // a colon of the next line is no port
+    EXPECT_EQ(uri("x://h\nk:v"), "x|h|||k:v");  // a colon of the next line is no port
 }
 
 TEST(uri, errors) {
@@ -180,10 +180,10 @@ TEST(uri, percent_form) {
     EXPECT_EQ(escaped("a b"), "a%20b");
     EXPECT_EQ(escaped(""), "");
     EXPECT_EQ(escaped("  %\t/"), "%20%20%\t/");
-    EXPECT_EQ(unescaped("a%20b%2Fc%41%G9"), "a b cA\t"); // letters count as 0
+    EXPECT_EQ(unescaped("a%20b%2Fc%41%G9"), "a b cA\t");  // letters count as 0
     EXPECT_EQ(unescaped("%00x"), std::string("\0x", 2));
     EXPECT_EQ(unescaped("%99"), "\x99");
-    EXPECT_EQ(unescaped("ab%"), "ab"); // cut off
+    EXPECT_EQ(unescaped("ab%"), "ab");  // cut off
     EXPECT_EQ(unescaped("ab%2"), "ab");
     EXPECT_EQ(unescaped(""), "");
     text in_place("%41%42c");
