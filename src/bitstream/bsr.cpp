@@ -32,6 +32,26 @@ inline void consume(ZELT_BSR* bs, s32 size) {
     bs->leftbits = sub(bs->leftbits, size);
 }
 
+/// Whether the bits asked for are all in the cache, as they mostly are; false for counts out of range.
+inline bool in_cache(const ZELT_BSR* bs, s32 size) { return static_cast<u32>(size) <= 32 && size <= bs->leftbits; }
+
+/// Whether the default refill would load a whole word and the cache is as reads leave it.
+inline bool word_ahead(const ZELT_BSR* bs) {
+    return bs->flush_fn == zelt_bsr_flush && bytes_left(bs) >= 4 && static_cast<u32>(bs->leftbits) <= 32;
+}
+
+/// Reads 0..32 bits with a word ahead. Fields of any width meet the end of the cache at random, and a mispredicted
+/// branch costs more than all of this.
+inline u32 take_branchless(ZELT_BSR* bs, s32 size) {
+    const u32 code = bs->code, next = load_be32(bs->cur);
+    const s32 left = bs->leftbits - size, refilled = left >> 31;
+    const u32 value = shr(code | shr(next, bs->leftbits), 32 - size), mask = static_cast<u32>(refilled);
+    bs->code = (shl(code, size) & ~mask) | (shl(next, -left & 63) & mask);
+    bs->leftbits = left + (refilled & 32);
+    bs->cur += refilled & 4;
+    return value;
+}
+
 /// Reads `size` bits. The result is that of the refill, 0 where none was needed; the value is set only then.
 inline s32 take(ZELT_BSR* bs, s32 size, u32& value) {
     const s32 left = bs->leftbits;
@@ -44,6 +64,48 @@ inline s32 take(ZELT_BSR* bs, s32 size, u32& value) {
     value = high;
     consume(bs, size);
     return 0;
+}
+
+[[gnu::noinline]] u32 read_slowly(ZELT_BSR* bs, s32 size) {
+    u32 value;
+    return take(bs, size, value) ? ~u32{0} : value;
+}
+
+[[gnu::noinline]] s32 skip_slowly(ZELT_BSR* bs, s32 size) {
+    u32 value;
+    const s32 status = take(bs, size, value);
+    return status ? status : bs->leftbits;
+}
+
+[[gnu::noinline]] u32 read_ue_slowly(ZELT_BSR* bs) {
+    s32 zeros = 0;
+    if (bs->code == 0) {  // the cache holds nothing but zeros of this codeword
+        zeros = bs->leftbits;
+        refill(bs);  // at the end of the data the cache stays 0, and `take` fails
+    }
+    const s32 more = std::countl_zero(bs->code);
+    if (add(zeros, more) == 0) {
+        consume(bs, 1);
+        return 0;
+    }
+    u32 value;
+    return take(bs, add(zeros, 2 * more + 1), value) ? ~u32{1} : value - 1;
+}
+
+[[gnu::noinline]] u32 peek_slowly(ZELT_BSR* bs, s32 size) {
+    if (bs->leftbits < size) {
+        const u32 old = bs->code;
+        const s32 left = bs->leftbits, room = sub(32, left) >> 3;
+        if (room > 0) {
+            bs->flush_fn(bs, std::min(room, 4));  // a failure leaves what was there
+            bs->code = old | shr(bs->code, left);
+            bs->leftbits = add(bs->leftbits, left);
+        }
+    }
+    u32 value = shr(bs->code, sub(32, size));
+    // Up to a byte may be missing still: the next one is looked at, not loaded. Further bits would read as 0.
+    if (size > bs->leftbits && bytes_left(bs) > 0) value |= shr(*bs->cur, sub(8, sub(size, bs->leftbits)));
+    return value;
 }
 
 /// Whether the cache counts as holding the zero that ends a run of ones. The test reaches one bit past the valid ones.
@@ -77,25 +139,13 @@ int32_t zelt_bsr_flush(ZELT_BSR* bs, int32_t byte) {
 uint32_t zelt_bsr_clz_in_code(uint32_t v) { return static_cast<u32>(std::countl_zero(v)); }
 
 uint32_t zelt_bsr_peek(ZELT_BSR* bs, int32_t size) {
-    if (bs->leftbits < size) {
-        const u32 old = bs->code;
-        const s32 left = bs->leftbits, room = sub(32, left) >> 3;
-        if (room > 0) {
-            bs->flush_fn(bs, std::min(room, 4));  // a failure leaves what was there
-            bs->code = old | shr(bs->code, left);
-            bs->leftbits = add(bs->leftbits, left);
-        }
-    }
-    u32 value = shr(bs->code, sub(32, size));
-    // Up to a byte may be missing still: the next one is looked at, not loaded. Further bits would read as 0.
-    if (size > bs->leftbits && bytes_left(bs) > 0) value |= shr(*bs->cur, sub(8, sub(size, bs->leftbits)));
-    return value;
+    return in_cache(bs, size) ? shr(bs->code, 32 - size) : peek_slowly(bs, size);
 }
 
 int32_t zelt_bsr_skip(ZELT_BSR* bs, int32_t size) {
-    u32 value;
-    const s32 status = take(bs, size, value);
-    return status ? status : bs->leftbits;
+    if (!in_cache(bs, size)) return skip_slowly(bs, size);
+    consume(bs, size);
+    return bs->leftbits;
 }
 
 uint32_t zelt_bsr_skip_peek(ZELT_BSR* bs, int32_t size, int32_t peek_size) {
@@ -105,8 +155,14 @@ uint32_t zelt_bsr_skip_peek(ZELT_BSR* bs, int32_t size, int32_t peek_size) {
 }
 
 uint32_t zelt_bsr_read(ZELT_BSR* bs, int32_t size) {
-    u32 value;
-    return take(bs, size, value) ? ~u32{0} : value;
+    if constexpr (shift_limit == 64) {
+        if (static_cast<u32>(size) <= 32 && word_ahead(bs)) return take_branchless(bs, size);
+    } else if (in_cache(bs, size)) {
+        const u32 value = shr(bs->code, 32 - size);
+        consume(bs, size);
+        return value;
+    }
+    return read_slowly(bs, size);
 }
 
 int32_t zelt_bsr_read1(ZELT_BSR* bs) {
@@ -128,20 +184,14 @@ uint32_t zelt_bsr_read_align8(ZELT_BSR* bs, int32_t* nbits) {
 }
 
 uint32_t zelt_bsr_read_ue(ZELT_BSR* bs) {
-    s32 zeros = 0;
-    if (bs->code == 0) {  // the cache holds nothing but zeros of this codeword
-        zeros = bs->leftbits;
-        refill(bs);  // at the end of the data the cache stays 0, and `take` fails
+    const u32 code = bs->code;
+    const s32 size = 2 * std::countl_zero(code) + 1;
+    if (in_cache(bs, size)) {
+        consume(bs, size);
+        return shr(code, 32 - size) - 1;
     }
-    const s32 more = std::countl_zero(bs->code);
-    if (add(zeros, more) == 0) {
-        consume(bs, 1);
-        return 0;
-    }
-    u32 value;
-    return take(bs, add(zeros, 2 * more + 1), value) ? ~u32{1} : value - 1;
+    return read_ue_slowly(bs);
 }
-
 int32_t zelt_bsr_read_se(ZELT_BSR* bs) {
     const u32 k = zelt_bsr_read_ue(bs);
     const s32 half = static_cast<s32>(k) >> 1;

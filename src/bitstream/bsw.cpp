@@ -21,6 +21,15 @@ inline void store_be32(u8* p, u32 v) {
     std::memcpy(p, &v, sizeof v);
 }
 
+/// Hands a full cache to the caller's flush, then keeps the bits of `word` that the first `left` ones leave over.
+[[gnu::noinline]] s32 flush_full(ZELT_BSW* bs, u32 word, s32 left, s32 leftbits) {
+    bs->leftbits = 0;
+    bs->flush_fn(bs);
+    bs->code = shl(word, left);
+    bs->leftbits = leftbits;
+    return 0;
+}
+
 /// Appends the low `len` bits of `val`.
 inline s32 put(ZELT_BSW* bs, u32 val, s32 len) {
     const u32 word = shl(val, sub(32, len));  // left-aligned
@@ -31,15 +40,12 @@ inline s32 put(ZELT_BSW* bs, u32 val, s32 len) {
         return 0;
     }
     if (bytes_left(bs) < 5) return -1;  // Kept: the last byte of the buffer stays free
-    if (bs->flush_fn == zelt_bsw_flush) {
-        store_be32(bs->cur, bs->code);
-        bs->cur += 4;
-    } else {
-        bs->leftbits = 0;
-        bs->flush_fn(bs);
-    }
+    const s32 leftbits = add(sub(32, len), left);
+    if (bs->flush_fn != zelt_bsw_flush) return flush_full(bs, word, left, leftbits);
+    store_be32(bs->cur, bs->code);
+    bs->cur += 4;
     bs->code = shl(word, left);
-    bs->leftbits = add(sub(32, len), left);
+    bs->leftbits = leftbits;
     return 0;
 }
 
