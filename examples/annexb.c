@@ -55,7 +55,7 @@ static int print_parameter_set(const uint8_t *unit, int32_t size) {
     level = zelt_bsr_read(&bs, 8);
     zelt_bsr_read_ue(&bs); /* identifier */
     if (profile >= 100 || profile == 44 || profile == 83 || profile == 86) chroma_format = read_high_profile(&bs);
-    zelt_bsr_read_ue(&bs); /* frame number length */
+    zelt_bsr_read_ue(&bs);           /* frame number length */
     switch (zelt_bsr_read_ue(&bs)) { /* picture order */
     case 0: zelt_bsr_read_ue(&bs); break;
     case 1:
@@ -87,8 +87,8 @@ static int print_parameter_set(const uint8_t *unit, int32_t size) {
 
     if (zelt_bsr_read1(&bs) == 1) { /* usability information */
         if (zelt_bsr_read1(&bs) == 1 && zelt_bsr_read(&bs, 8) == 255) zelt_bsr_skip(&bs, 32); /* sample aspect */
-        if (zelt_bsr_read1(&bs) == 1) zelt_bsr_skip(&bs, 1);                                 /* overscan */
-        if (zelt_bsr_read1(&bs) == 1) {                                                      /* signal type */
+        if (zelt_bsr_read1(&bs) == 1) zelt_bsr_skip(&bs, 1);                                  /* overscan */
+        if (zelt_bsr_read1(&bs) == 1) {                                                       /* signal type */
             zelt_bsr_skip(&bs, 4);
             if (zelt_bsr_read1(&bs) == 1) zelt_bsr_skip(&bs, 24);
         }

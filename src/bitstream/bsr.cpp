@@ -9,8 +9,6 @@
 
 using namespace zelt;
 
-static_assert(sizeof(void*) != 4 || sizeof(ZELT_BSR) == 7 * 4);
-
 namespace {
 
 inline u32 load_be32(const u8* p) {

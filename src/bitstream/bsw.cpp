@@ -9,8 +9,6 @@
 
 using namespace zelt;
 
-static_assert(sizeof(void*) != 4 || sizeof(ZELT_BSW) == 7 * 4);
-
 namespace {
 
 /// Occupied bytes of the cache, a partial one counting whole.
