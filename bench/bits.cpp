@@ -1,219 +1,140 @@
-// Bit reading and writing beside GStreamer's GstBitReader and GstBitWriter (Exp-Golomb codes composed from their
-// calls), and the start-code scan beside GstByteReader's and memmem. Names are row/who; every peer's result is checked
-// first.
+// The family `bits`: reading and writing fields and Exp-Golomb codes, and the start-code scan of the key-frame test.
+#include "bits.h"
+
+#include "bench.h"
 #include "zelt/bsr.h"
 #include "zelt/bsw.h"
 #include "zelt/fcc2mt.h"
 
-#include <benchmark/benchmark.h>
-#include <bit>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <random>
-#include <vector>
-#ifdef ZELT_BENCH_GST
-#define G_DISABLE_ASSERT
-#include <gst/base/gstbitreader.h>
-#include <gst/base/gstbitwriter.h>
-#include <gst/base/gstbytereader.h>
-#endif
 
+namespace zelt::bench {
 namespace {
-constexpr int fields = 1000000;
-constexpr int unit_size = 1 << 20;
+constexpr int count = 1000000;
 
-struct field {
-    uint32_t value;
-    int32_t bits;
-};
-using bytes = std::vector<uint8_t>;
-std::mt19937 rng(1);
+void put_field(ZELT_BSW* bs, const field& f) { zelt_bsw_write(bs, f.value, f.bits); }
+void put_code(ZELT_BSW* bs, const field& f) { zelt_bsw_write_ue(bs, f.value); }
+uint32_t get_field(ZELT_BSR* bs, const field& f) { return zelt_bsr_read(bs, f.bits); }
+uint32_t get_code(ZELT_BSR* bs, const field&) { return zelt_bsr_read_ue(bs); }
 
-std::vector<field> random_fields() {
-    std::vector<field> list(fields);
-    for (auto& f : list) f = {static_cast<uint32_t>(rng()), static_cast<int32_t>(rng() % 24 + 1)};
-    for (auto& f : list) f.value &= (1u << f.bits) - 1;
-    return list;
+/// Writes all fields; the bytes written.
+template <auto Put> size_t write(const std::vector<field>& fields, byte_string& out) {
+    ZELT_BSW bs;
+    zelt_bsw_init(&bs, out.data(), static_cast<int32_t>(out.size()), nullptr);
+    for (const field& f : fields) Put(&bs, f);
+    zelt_bsw_sink(&bs);
+    return static_cast<size_t>(bs.cur - bs.beg);
 }
 
-/// As small values of a bit stream fall: each twice as rare as the one before.
-std::vector<field> geometric_fields() {
-    std::geometric_distribution<uint32_t> values(0.5);
-    std::vector<field> list(fields);
-    for (auto& f : list) f.value = values(rng);
-    return list;
+template <auto Get> uint32_t read(const std::vector<field>& fields, const byte_string& data) {
+    ZELT_BSR bs;
+    zelt_bsr_init(&bs, data.data(), static_cast<int32_t>(data.size()), nullptr);
+    uint32_t sum = 0;
+    for (const field& f : fields) sum += Get(&bs, f);
+    return sum;
 }
 
-/// An H.264 unit that is no slice, as long as asked for, without a start code in it. Dense ones are half zeros.
-bytes unit(bool dense) {
-    bytes data(unit_size);
+template <auto Put> byte_string coded(const std::vector<field>& fields) {
+    byte_string out(5 * fields.size());
+    out.resize(write<Put>(fields, out));
+    return out;
+}
+
+uint32_t sum(const std::vector<field>& fields) {
+    uint32_t total = 0;
+    for (const field& f : fields) total += f.value;
+    return total;
+}
+
+bit_work make_bits() {
+    std::mt19937 rng(1);
+    std::geometric_distribution<uint32_t> geometric(0.5);
+    bit_work work{};
+    for (int i = 0; i < count; ++i) {
+        const auto bits = static_cast<int32_t>(rng() % 24 + 1);
+        work.plain.push_back({static_cast<uint32_t>(rng() & ((1u << bits) - 1)), bits});
+        work.geometric.push_back({geometric(rng), 0});
+    }
+    work.coded_plain = coded<put_field>(work.plain);
+    work.coded_geometric = coded<put_code>(work.geometric);
+    work.plain_sum = sum(work.plain);
+    work.geometric_sum = sum(work.geometric);
+    return work;
+}
+
+byte_string make_unit(bool dense) {
+    std::mt19937 rng(2);
+    byte_string data(1 << 20);
     for (auto& b : data) b = static_cast<uint8_t>(dense && rng() % 2 ? 0 : rng());
     for (size_t i = 2; i < data.size(); ++i)
-        if (data[i - 1] == 0 && data[i - 2] == 0 && data[i] < 3) data[i] = 3;
+        if (data[i - 1] == 0 && data[i - 2] == 0 && data[i] < 3) data[i] = 3;  // emulation prevention
     const uint8_t start[] = {0, 0, 1, 6};
     std::memcpy(data.data(), start, sizeof start);
     return data;
 }
 
-const auto plain = random_fields(), geometric = geometric_fields();
-bytes buffer(5 * fields);
-
-template <bool Golomb> const std::vector<field>& list() { return Golomb ? geometric : plain; }
-
-/// Writers: all fields into `buffer`; the bytes written.
-template <bool Golomb> size_t write_zelt() {
-    ZELT_BSW bs;
-    zelt_bsw_init(&bs, buffer.data(), static_cast<int32_t>(buffer.size()), nullptr);
-    for (const field& f : list<Golomb>()) {
-        if constexpr (Golomb)
-            zelt_bsw_write_ue(&bs, f.value);
-        else
-            zelt_bsw_write(&bs, f.value, f.bits);
-    }
-    zelt_bsw_sink(&bs);
-    return static_cast<size_t>(bs.cur - bs.beg);
+template <auto Put> void add_writer(const char* name, std::vector<field> bit_work::*fields) {
+    add_row({"bits", name, "value", count, [=]() -> std::vector<candidate> {
+                 auto out = std::make_shared<byte_string>(5 * count);
+                 return {{"zelt", [=] { write<Put>(bits().*fields, *out); }}};
+             }});
 }
 
-/// Readers: the sum of all fields in `data`.
-template <bool Golomb> uint32_t read_zelt(const bytes& data) {
-    ZELT_BSR bs;
-    zelt_bsr_init(&bs, data.data(), static_cast<int32_t>(data.size()), nullptr);
-    uint32_t sum = 0;
-    for (const field& f : list<Golomb>()) {
-        if constexpr (Golomb)
-            sum += zelt_bsr_read_ue(&bs);
-        else
-            sum += zelt_bsr_read(&bs, f.bits);
-    }
-    return sum;
+template <auto Get>
+void add_reader(const char* name, std::vector<field> bit_work::*fields, byte_string bit_work::*data,
+                uint32_t bit_work::*sum) {
+    add_row({"bits", name, "value", count, [=]() -> std::vector<candidate> {
+                 return {{"zelt", [=] {
+                              if (read<Get>(bits().*fields, bits().*data) != bits().*sum) reject(name, "zelt");
+                          }}};
+             }});
 }
 
-int scan_zelt(const bytes& data) { return zelt_is_vkeyfrm(ZELT_MT_VID_H264, data.data(), unit_size); }
-
-int scan_memmem(const bytes& data) {
-    const uint8_t code[] = {0, 0, 1};
-    const uint8_t *p = data.data(), *const end = p + data.size();
-    while ((p = static_cast<const uint8_t*>(memmem(p, static_cast<size_t>(end - p), code, 3))) && end - p > 3) {
-        const int type = p[3] & 31;
-        if (type == 1 || type == 5) return type == 5;
-        p += 3;
-    }
-    return 0;
+void add_scan(const char* name, bool dense) {
+    add_row({"bits", name, "byte", static_cast<double>(unit(dense).size()), [=] {
+                 std::vector<candidate> list;
+                 for (const library& l : libraries()) {
+                     const auto test = l.find<decltype(zelt_is_vkeyfrm)>("zelt_is_vkeyfrm");
+                     list.push_back({l.name, [=] {
+                                         const byte_string& data = unit(dense);
+                                         if (test(ZELT_MT_VID_H264, data.data(), static_cast<int32_t>(data.size())))
+                                             reject(name, l.name);
+                                     }});
+                 }
+                 list.push_back({"memmem", [=] {
+                                     const uint8_t code[] = {0, 0, 1}, *p = unit(dense).data();
+                                     const uint8_t* const end = p + unit(dense).size();
+                                     while ((p = static_cast<const uint8_t*>(
+                                                 memmem(p, static_cast<size_t>(end - p), code, sizeof code))) &&
+                                            end - p > 3) {
+                                         if (is_slice(p[3] & 31)) reject(name, "memmem");
+                                         p += sizeof code;
+                                     }
+                                 }});
+                 return list;
+             }});
 }
 
-#ifdef ZELT_BENCH_GST
-/// It sets bits only: the buffer has to be clear.
-template <bool Golomb> size_t write_gst() {
-    static size_t used = buffer.size();
-    std::memset(buffer.data(), 0, used);
-    GstBitWriter w;
-    gst_bit_writer_init_with_data(&w, buffer.data(), static_cast<guint>(buffer.size()), FALSE);
-    for (const field& f : list<Golomb>()) {
-        if constexpr (Golomb) {
-            const uint32_t x = f.value + 1;
-            gst_bit_writer_put_bits_uint32_unchecked(&w, x, 2 * static_cast<guint>(std::bit_width(x)) - 1);
-        } else {
-            gst_bit_writer_put_bits_uint32_unchecked(&w, f.value, static_cast<guint>(f.bits));
-        }
-    }
-    gst_bit_writer_align_bytes(&w, 0);
-    return used = gst_bit_writer_get_size(&w) / 8;
-}
-
-enum class golomb { none, bitwise, peeking };
-
-/// Exp-Golomb in the two ways that the calls allow: zeros one by one, or counted in a peeked word.
-template <golomb How> uint32_t read_gst(const bytes& data) {
-    GstBitReader r;
-    gst_bit_reader_init(&r, data.data(), static_cast<guint>(data.size()));
-    uint32_t sum = 0;
-    for (const field& f : list<How != golomb::none>()) {
-        guint32 v = 0;
-        if constexpr (How == golomb::none) {
-            v = gst_bit_reader_get_bits_uint32_unchecked(&r, static_cast<guint>(f.bits));
-        } else if constexpr (How == golomb::bitwise) {
-            guint8 bit = 0;
-            guint zeros = 0;
-            while (gst_bit_reader_get_bits_uint8(&r, &bit, 1) && !bit) ++zeros;
-            gst_bit_reader_get_bits_uint32(&r, &v, zeros);
-            v += (1u << zeros) - 1;
-        } else {
-            const guint left = gst_bit_reader_get_remaining(&r), seen = left < 16 ? left : 16;
-            gst_bit_reader_peek_bits_uint32(&r, &v, seen);
-            const int zeros = std::countl_zero(v << (32 - seen));
-            gst_bit_reader_skip_unchecked(&r, static_cast<guint>(zeros));
-            gst_bit_reader_get_bits_uint32(&r, &v, static_cast<guint>(zeros) + 1);
-            --v;
-        }
-        sum += v;
-    }
-    return sum;
-}
-
-int scan_gst(const bytes& data) {
-    GstByteReader r;
-    gst_byte_reader_init(&r, data.data(), static_cast<guint>(data.size()));
-    for (guint at = 0; at + 4 <= data.size();) {
-        const guint found = gst_byte_reader_masked_scan_uint32(&r, 0xFFFFFF00, 0x00000100, at, unit_size - at);
-        if (found == static_cast<guint>(-1)) break;
-        const int type = data[found + 3] & 31;
-        if (type == 1 || type == 5) return type == 5;
-        at = found + 3;
-    }
-    return 0;
-}
-#endif
-
-template <class Run> void add(const char* name, double items, Run run) {
-    const auto want = run();
-    benchmark::RegisterBenchmark(name, [=](benchmark::State& state) {
-        for (auto _ : state) {
-            auto got = run();
-            benchmark::DoNotOptimize(got);
-            if (got != want) state.SkipWithError("the result changed");
-        }
-        state.counters["per_item"] =
-            benchmark::Counter(items, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
-    });
-}
-
-void check(bool same, const char* what) {
-    if (same) return;
-    std::fprintf(stderr, "%s: results differ\n", what);
-    std::exit(1);
-}
-
-template <bool Golomb> bytes written(size_t (*write)()) {
-    const size_t size = write();
-    return {buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(size)};
-}
+const bool added = [] {
+    add_reader<get_code>("read_ue", &bit_work::geometric, &bit_work::coded_geometric, &bit_work::geometric_sum);
+    add_reader<get_field>("read_fields", &bit_work::plain, &bit_work::coded_plain, &bit_work::plain_sum);
+    add_writer<put_code>("write_ue", &bit_work::geometric);
+    add_writer<put_field>("write_fields", &bit_work::plain);
+    add_scan("scan_plain", false);
+    add_scan("scan_zeros", true);
+    return true;
+}();
 }  // namespace
 
-int main(int argc, char** argv) {
-    static const bytes coded = written<true>(write_zelt<true>), packed = written<false>(write_zelt<false>);
-    static const bytes unit_plain = unit(false), unit_zeros = unit(true);
-    add("read_ue/zelt", fields, [] { return read_zelt<true>(coded); });
-    add("read_fields/zelt", fields, [] { return read_zelt<false>(packed); });
-    add("write_ue/zelt", fields, write_zelt<true>);
-    add("write_fields/zelt", fields, write_zelt<false>);
-    add("scan/zelt", unit_size, [] { return scan_zelt(unit_plain); });
-    add("scan/memmem", unit_size, [] { return scan_memmem(unit_plain); });
-    add("scan_zeros/zelt", unit_size, [] { return scan_zelt(unit_zeros); });
-    add("scan_zeros/memmem", unit_size, [] { return scan_memmem(unit_zeros); });
-#ifdef ZELT_BENCH_GST
-    check(written<true>(write_gst<true>) == coded && written<false>(write_gst<false>) == packed, "writers");
-    check(read_gst<golomb::bitwise>(coded) == read_zelt<true>(coded), "Exp-Golomb, zeros one by one");
-    check(read_gst<golomb::peeking>(coded) == read_zelt<true>(coded), "Exp-Golomb, peeked");
-    check(read_gst<golomb::none>(packed) == read_zelt<false>(packed), "fields");
-    add("read_ue/gst_bitwise", fields, [] { return read_gst<golomb::bitwise>(coded); });
-    add("read_ue/gst_peeking", fields, [] { return read_gst<golomb::peeking>(coded); });
-    add("read_fields/gst", fields, [] { return read_gst<golomb::none>(packed); });
-    add("write_ue/gst", fields, write_gst<true>);
-    add("write_fields/gst", fields, write_gst<false>);
-    add("scan/gst", unit_size, [] { return scan_gst(unit_plain); });
-    add("scan_zeros/gst", unit_size, [] { return scan_gst(unit_zeros); });
-#endif
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
+const bit_work& bits() {
+    static const bit_work work = make_bits();
+    return work;
 }
+
+const byte_string& unit(bool dense) {
+    static const byte_string units[] = {make_unit(false), make_unit(true)};
+    return units[dense];
+}
+}  // namespace zelt::bench
