@@ -65,6 +65,10 @@ enum {
     ZELT_CS_R8G8B8A8 = 700     /**< planes R, G, B, A (converters only) */
 };
 
+/** A bit reader, see bsr.h. */
+typedef struct ZELT_BSR ZELT_BSR;
+/** A bit writer, see bsw.h. */
+typedef struct ZELT_BSW ZELT_BSW;
 /** An image buffer, see imgb.h. */
 typedef struct ZELT_IMGB ZELT_IMGB;
 /** An owned byte block, see vdata.h. */

@@ -35,3 +35,21 @@ SIZE(ZELT_VDATA, 3, 16);
 AT(ZELT_VDATA, type, 0);
 AT(ZELT_VDATA, size, 1);
 AT(ZELT_VDATA, data, 2);
+
+SIZE(ZELT_BSR, 7, 48);
+AT(ZELT_BSR, code, 0);
+AT(ZELT_BSR, leftbits, 1);
+AT(ZELT_BSR, cur, 2);
+AT(ZELT_BSR, end, 3);
+AT(ZELT_BSR, beg, 4);
+AT(ZELT_BSR, size, 5);
+AT(ZELT_BSR, flush_fn, 6);
+
+SIZE(ZELT_BSW, 7, 48);
+AT(ZELT_BSW, code, 0);
+AT(ZELT_BSW, leftbits, 1);
+AT(ZELT_BSW, cur, 2);
+AT(ZELT_BSW, end, 3);
+AT(ZELT_BSW, beg, 4);
+AT(ZELT_BSW, size, 5);
+AT(ZELT_BSW, flush_fn, 6);
