@@ -65,10 +65,32 @@ enum {
     ZELT_CS_R8G8B8A8 = 700     /**< planes R, G, B, A (converters only) */
 };
 
+/** A block of audio samples, see audb.h. */
+typedef struct ZELT_AUDB ZELT_AUDB;
+/** A byte buffer for coded data, see bitb.h. */
+typedef struct ZELT_BITB ZELT_BITB;
 /** An image buffer, see imgb.h. */
 typedef struct ZELT_IMGB ZELT_IMGB;
+/** A doubly linked list with a cursor, see list.h. */
+typedef struct ZELT_LIST ZELT_LIST;
+/** A state of the MD5 digest, see md5.h. */
+typedef struct ZELT_MD5 ZELT_MD5;
+/** A frame allocator's record, see mfal.h. */
+typedef struct ZELT_MFAL ZELT_MFAL;
+/** A node of a list or a pool. */
+typedef struct ZELT_NODE ZELT_NODE;
+/** A ring of bytes, see rbuf.h. */
+typedef struct ZELT_RBUF ZELT_RBUF;
+/** A queue over a fixed pool of buffers, see rlist.h. */
+typedef struct ZELT_RLIST ZELT_RLIST;
 /** An owned byte block, see vdata.h. */
 typedef struct ZELT_VDATA ZELT_VDATA;
+
+/** Links of a node in a list (list.h) or a pool (rlist.h). The element's bytes follow at once. */
+struct ZELT_NODE {
+    ZELT_NODE *prev; /**< the node before */
+    ZELT_NODE *next; /**< the node behind */
+};
 
 /** Allocator callback: returns a block of `size` bytes or null, and may write to `*aux` an opaque second address of
  *  the block (in a device's address space, say). `*aux` is 0 on entry. */

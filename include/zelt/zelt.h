@@ -6,7 +6,10 @@
 #include "zelt/common.h"
 #include "zelt/csc.h"
 #include "zelt/imgb.h"
+#include "zelt/list.h"
 #include "zelt/mem.h"
+#include "zelt/rbuf.h"
+#include "zelt/rlist.h"
 #include "zelt/vdata.h"
 
 #endif
