@@ -7,6 +7,7 @@
 #include "zelt/csc.h"
 #include "zelt/imgb.h"
 #include "zelt/list.h"
+#include "zelt/md5.h"
 #include "zelt/mem.h"
 #include "zelt/rbuf.h"
 #include "zelt/rlist.h"
