@@ -50,10 +50,10 @@ constexpr s64 align_up(s64 size, s64 step) { return (size + step - 1) & -step; }
 
 constexpr bool fits(s64 n) { return n >= 0 && n <= 0x7fffffff; }
 
-} // namespace
+}  // namespace
 
 int32_t zelt_imgb_get_dimension(int32_t cs, int32_t w[4], int32_t h[4], int32_t* nplanes, uint32_t bps[4]) {
-    const format* f = cs < 100 || cs == ZELT_CS_RGB888 ? find_format(cs) : nullptr; // Kept: 400 counts as planar here
+    const format* f = cs < 100 || cs == ZELT_CS_RGB888 ? find_format(cs) : nullptr;  // Kept: 400 counts as planar here
     if (!f) return ZELT_ERR_UNSUPPORTED;
     set_dimension(*f, w, h, bps);
     *nplanes = f->nplanes;
@@ -86,7 +86,7 @@ s32 zelt::get_info(s32 cs, s32 w, s32 h, const u32* align, const u32* pad, geome
         g->stride[i] = static_cast<s32>(stride);
         g->rows[i] = static_cast<s32>(rows);
         g->inset[i] =
-            static_cast<s32>(pad_bytes + stride * pad_rows); // within the plane, or pad_bytes if it has no rows
+            static_cast<s32>(pad_bytes + stride * pad_rows);  // within the plane, or pad_bytes if it has no rows
     }
     g->size = size;
     return ZELT_OK;

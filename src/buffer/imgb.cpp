@@ -50,7 +50,7 @@ struct plane_memory {
 
     void clear(s64 offset, s64 bytes, s64 rows) const {
         if (stride <= 0 || rows <= 0 || bytes <= 0) return;
-        if (bytes >= stride) { // runs that touch are one
+        if (bytes >= stride) {  // runs that touch are one
             bytes += (rows - 1) * stride;
             rows = 1;
         }
@@ -87,14 +87,14 @@ s32 reshape(ZELT_IMGB* img, s32 w, s32 h, s32 cs, u32 option, const u32* align, 
     return zelt_imgb_option(img, option, g.nplanes, g.w, g.h, g.aw, g.ah, pad, g.bps);
 }
 
-} // namespace
+}  // namespace
 
 int32_t zelt_imgb_option(ZELT_IMGB* img, uint32_t option, int32_t nplanes, const int32_t w[4], const int32_t h[4],
                          const int32_t aw[4], const int32_t ah[4], const uint32_t* pad, const uint32_t bps[4]) {
     nplanes = std::min(nplanes, 4);
     if (option & ZELT_IMGB_CLEAR_ALIGN) {
         if (img->cs < 10 || img->cs >= 600) return ZELT_ERR_UNSUPPORTED;
-        if (img->cs >= 100) // Kept: rows below a packed picture are cleared for aw bytes, not samples
+        if (img->cs >= 100)  // Kept: rows below a packed picture are cleared for aw bytes, not samples
             clear_alignment(img, 0, count(img->w), count(img->h), count(aw[0]), count(ah[0]), bps[0] >> 16, aw[0]);
         else
             for (int i = 0; i < nplanes; ++i)
@@ -136,7 +136,7 @@ ZELT_IMGB* zelt_imgb_create(int32_t w, int32_t h, int32_t cs, uint32_t option, c
 
 int32_t zelt_imgb_rebirth(ZELT_IMGB* img, int32_t w, int32_t h, int32_t cs, uint32_t option, const uint32_t* align,
                           const uint32_t* pad) {
-    img->addref(img); // the picture lives while it is laid out anew
+    img->addref(img);  // the picture lives while it is laid out anew
     const s32 status = reshape(img, w, h, cs, option, align, pad);
     img->release(img);
     return status;

@@ -1,4 +1,4 @@
-#pragma once // what the reference-counted records share: creation, counting, the default allocator of their blocks
+#pragma once  // what the reference-counted records share: creation, counting, the default allocator of their blocks
 #include "core/types.h"
 #include "zelt/mem.h"
 
@@ -49,4 +49,4 @@ inline void set_status(s32* err, s32 status) {
     if (err) *err = status;
 }
 
-} // namespace zelt
+}  // namespace zelt
