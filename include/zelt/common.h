@@ -69,10 +69,32 @@ enum {
 typedef struct ZELT_BSR ZELT_BSR;
 /** A bit writer, see bsw.h. */
 typedef struct ZELT_BSW ZELT_BSW;
+/** A block of audio samples, see audb.h. */
+typedef struct ZELT_AUDB ZELT_AUDB;
+/** A byte buffer for coded data, see bitb.h. */
+typedef struct ZELT_BITB ZELT_BITB;
 /** An image buffer, see imgb.h. */
 typedef struct ZELT_IMGB ZELT_IMGB;
+/** A doubly linked list with a cursor, see list.h. */
+typedef struct ZELT_LIST ZELT_LIST;
+/** A state of the MD5 digest, see md5.h. */
+typedef struct ZELT_MD5 ZELT_MD5;
+/** A frame allocator's record, see mfal.h. */
+typedef struct ZELT_MFAL ZELT_MFAL;
+/** A node of a list or a pool. */
+typedef struct ZELT_NODE ZELT_NODE;
+/** A ring of bytes, see rbuf.h. */
+typedef struct ZELT_RBUF ZELT_RBUF;
+/** A queue over a fixed pool of buffers, see rlist.h. */
+typedef struct ZELT_RLIST ZELT_RLIST;
 /** An owned byte block, see vdata.h. */
 typedef struct ZELT_VDATA ZELT_VDATA;
+
+/** Links of a node in a list (list.h) or a pool (rlist.h). The element's bytes follow at once. */
+struct ZELT_NODE {
+    ZELT_NODE *prev; /**< the node before */
+    ZELT_NODE *next; /**< the node behind */
+};
 
 /** Allocator callback: returns a block of `size` bytes or null, and may write to `*aux` an opaque second address of
  *  the block (in a device's address space, say). `*aux` is 0 on entry. */
@@ -104,6 +126,44 @@ ZELT_API int32_t zelt_atomic_inc(int32_t *p);
  *  @param p  the counter, 4-byte aligned
  *  @return   the value after the subtraction */
 ZELT_API int32_t zelt_atomic_dec(int32_t *p);
+
+/** Waits, by polling, until a word shared with another thread has a value or 0xffffffff, which stops every waiter.
+ *  Orders no other memory access. Any thread.
+ *  @param p  the word, 4-byte aligned
+ *  @param v  the value to wait for
+ *  @return   the value read last: v or 0xffffffff */
+ZELT_API uint32_t zelt_sync_wait(uint32_t *p, uint32_t v);
+
+/** Sets a word that other threads wait for. Orders no other memory access. Any thread.
+ *  @param p  the word, 4-byte aligned
+ *  @param v  its new value */
+ZELT_API void zelt_sync_wake(uint32_t *p, uint32_t v);
+
+/** Waits as zelt_sync_wait does, but lets the processor sleep for one event before it polls, where it can (WFE on ARM);
+ *  zelt_sync_wake_asm signals that event, zelt_sync_wake does not. Any thread.
+ *  @param p  the word, 4-byte aligned
+ *  @param v  the value to wait for
+ *  @return   0 where the word has the value already, 0xffffffff (-1) where it has the stop value; otherwise the value
+ *            read last, as zelt_sync_wait gives it */
+ZELT_API uint32_t zelt_sync_wait_asm(uint32_t *p, uint32_t v);
+
+/** Sets a word as zelt_sync_wake does and signals an event to sleeping processors (SEV on ARM). The event is left out
+ *  where another processor touches the word at the same moment. Any thread.
+ *  @param p  the word, 4-byte aligned
+ *  @param v  its new value
+ *  @return   0 */
+ZELT_API int32_t zelt_sync_wake_asm(uint32_t *p, uint32_t v);
+
+/** Directory for temporary files: "/tmp/". Any thread.
+ *  @param out  room for 6 bytes: the text and a zero
+ *  @return     its length, 5 */
+ZELT_API int32_t zelt_get_temp_path(char *out);
+
+/** Start of the hardware address of a wireless interface, from "/sys/class/net/wlan<index>/address". Any thread.
+ *  @param index  number of the interface; no other one is tried
+ *  @param out    the first four octets, or zeros on failure
+ *  @return       0; -1 where the file is missing or does not hold six octets with colons between them */
+ZELT_API int32_t zelt_get_mac_addr(int32_t index, uint8_t out[4]);
 
 ZELT_END_DECLS
 

@@ -1,0 +1,103 @@
+#include "zelt/common.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <thread>
+
+namespace {
+
+constexpr uint32_t stop = 0xffffffff;
+
+/// Ends the program where a test hangs; a thread that polls for ever cannot be stopped otherwise.
+class time_limit {
+public:
+    explicit time_limit(std::chrono::seconds limit)
+        : thread_([this, limit] {
+              std::unique_lock lock(mutex_);
+              if (!over_.wait_for(lock, limit, [this] { return done_; })) {
+                  std::fputs("a wait does not end\n", stderr);
+                  std::_Exit(1);
+              }
+          }) {}
+    ~time_limit() {
+        {
+            const std::lock_guard lock(mutex_);
+            done_ = true;
+        }
+        over_.notify_one();
+        thread_.join();
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable over_;
+    bool done_ = false;
+    std::thread thread_;  // last: it uses the others
+};
+
+TEST(sync, final_words_end_a_wait_at_once) {
+    uint32_t word = 7;
+    EXPECT_EQ(zelt_sync_wait(&word, 7), 7u);
+    EXPECT_EQ(zelt_sync_wait_asm(&word, 7), 0u);
+    word = stop;
+    for (const uint32_t v : {0u, 7u, stop}) {
+        EXPECT_EQ(zelt_sync_wait(&word, v), stop);
+        EXPECT_EQ(zelt_sync_wait_asm(&word, v), stop);
+    }
+}
+
+TEST(sync, wakes_store_the_value) {
+    uint32_t word = 0;
+    zelt_sync_wake(&word, 5);
+    EXPECT_EQ(word, 5u);
+    EXPECT_EQ(zelt_sync_wake_asm(&word, 6), 0);
+    EXPECT_EQ(word, 6u);
+    EXPECT_EQ(zelt_sync_wake_asm(&word, 6), 0);
+    EXPECT_EQ(word, 6u);
+}
+
+TEST(sync, a_waiter_is_woken) {
+    const time_limit limit(std::chrono::seconds(60));
+    for (const bool wait_asm : {false, true})
+        for (const bool wake_asm : {false, true})
+            for (const uint32_t v : {1u, stop}) {
+                uint32_t word = 0, seen = 0;
+                std::thread waiter([&] { seen = (wait_asm ? zelt_sync_wait_asm : zelt_sync_wait)(&word, 1); });
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));
+                if (wake_asm)
+                    zelt_sync_wake_asm(&word, v);
+                else
+                    zelt_sync_wake(&word, v);
+                waiter.join();
+                // A waiter that starts late finds the value there, for which the assisted form gives 0.
+                if (!(wait_asm && seen == 0)) {
+                    EXPECT_EQ(seen, v);
+                }
+            }
+}
+
+/// Two threads that hand a word to and fro: no wake is lost, whichever forms they use.
+TEST(sync, threads_take_turns) {
+    const time_limit limit(std::chrono::seconds(120));
+    constexpr uint32_t turns = 400;
+    uint32_t word = 0;
+    std::thread other([&] {
+        for (uint32_t i = 1; i < turns; i += 2) {
+            zelt_sync_wait_asm(&word, i);
+            zelt_sync_wake(&word, i + 1);
+            std::this_thread::yield();
+        }
+    });
+    for (uint32_t i = 0; i < turns; i += 2) {
+        zelt_sync_wait(&word, i);
+        zelt_sync_wake_asm(&word, i + 1);
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(zelt_sync_wait(&word, turns), turns);
+    other.join();
+}
+
+}  // namespace
