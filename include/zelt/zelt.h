@@ -6,6 +6,7 @@
 #include "zelt/common.h"
 #include "zelt/csc.h"
 #include "zelt/imgb.h"
+#include "zelt/irsz.h"
 #include "zelt/mem.h"
 #include "zelt/vdata.h"
 

@@ -13,6 +13,8 @@
 //   sub_sat(a, b)                a - b with saturation to 16 bits
 //   shift_add<N>(a, b)           a + (b >> N)
 //   shift_insert<N>(a, b)        the high N bits of bytes a above b >> N
+//   load_words, store_words      `lanes` samples of 16 bits; their order inside `words` is not that of widen
+//   dot_q10<A, B, C>(a, b, c)    (A a + B b + C c + 512) >> 10 of signed words, summed in 32 bits
 #include "core/types.h"
 
 namespace zelt::simd {
@@ -43,6 +45,12 @@ inline words splat(int value) {
 }
 inline words operator+(words a, int b) { return a + splat(b); }
 inline words operator>>(words a, int n) { return {a.lo >> n, a.hi >> n}; }
+inline words operator<<(words a, int n) { return {a.lo << n, a.hi << n}; }
+inline words clamp(words a, int low, int high) {
+    const half least = splat(low).lo, most = splat(high).lo;
+    a = {a.lo < most ? a.lo : most, a.hi < most ? a.hi : most};
+    return {a.lo > least ? a.lo : least, a.hi > least ? a.hi : least};
+}
 }  // namespace zelt::simd
 
 #ifdef __AVX2__

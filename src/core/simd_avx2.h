@@ -154,4 +154,21 @@ template <int A, int B, int C> words dot(triples v) {
     return words{(half)_mm256_maddubs_epi16(v.ab_lo, ab), (half)_mm256_maddubs_epi16(v.ab_hi, ab)} +
            words{(half)_mm256_maddubs_epi16(v.cb_lo, cb), (half)_mm256_maddubs_epi16(v.cb_hi, cb)};
 }
+
+inline void load_words(const u8* p, words& a) { a = {(half)load_register(p), (half)load_register(p + 32)}; }
+inline void store_words(u8* p, words a) { store_register(p, (__m256i)a.lo), store_register(p + 32, (__m256i)a.hi); }
+
+template <int A, int B, int C> half dot_q10(half a, half b, half c) {
+    const __m256i ab = _mm256_set1_epi32((A & 0xFFFF) | B * 65536), cr = _mm256_set1_epi32((C & 0xFFFF) | 512 << 16);
+    const __m256i one = _mm256_set1_epi16(1);  // times 512 is the rounding
+    const auto sum = [&](__m256i two, __m256i third) {
+        return _mm256_srai_epi32(_mm256_add_epi32(_mm256_madd_epi16(two, ab), _mm256_madd_epi16(third, cr)), 10);
+    };
+    return (half)_mm256_packs_epi32(
+        sum(_mm256_unpacklo_epi16((__m256i)a, (__m256i)b), _mm256_unpacklo_epi16((__m256i)c, one)),
+        sum(_mm256_unpackhi_epi16((__m256i)a, (__m256i)b), _mm256_unpackhi_epi16((__m256i)c, one)));
+}
+template <int A, int B, int C> words dot_q10(words a, words b, words c) {
+    return {dot_q10<A, B, C>(a.lo, b.lo, c.lo), dot_q10<A, B, C>(a.hi, b.hi, c.hi)};
+}
 }  // namespace zelt::simd
