@@ -10,6 +10,7 @@
 //   dot<A, B>(a, b)              A a + B b of unsigned bytes; the sum of either sign's terms stays in 16 bits
 //   interleave, dot<A, B, C>     the same of three, modulo 2^16
 //   centred_product<F>(a)        (F (a - 128) + 128) >> 8 of unsigned bytes
+//   mul_q15(a, b)                (a b + 2^14) >> 15
 //   sub_sat(a, b)                a - b with saturation to 16 bits
 //   shift_add<N>(a, b)           a + (b >> N)
 //   shift_insert<N>(a, b)        the high N bits of bytes a above b >> N

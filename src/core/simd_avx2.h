@@ -126,6 +126,10 @@ template <int F> words centred_product(bytes a) {
                splat(offset);
     }
 }
+inline words mul_q15(words a, int b) {
+    const __m256i factor = _mm256_set1_epi16(static_cast<s16>(b));
+    return {(half)_mm256_mulhrs_epi16((__m256i)a.lo, factor), (half)_mm256_mulhrs_epi16((__m256i)a.hi, factor)};
+}
 template <int N> words shift_add(words a, words b) { return a + (b >> N); }
 template <int N> bytes shift_insert(bytes a, bytes b) {
     const bytes low = bytes{} + static_cast<u8>(255 >> N);

@@ -58,6 +58,10 @@ template <int F> words centred_product(bytes a) {
     return {(half)vqrdmulhq_n_s16(vshll_n_s8(vget_low_s8(centred), 7), F),
             (half)vqrdmulhq_n_s16(vshll_n_s8(vget_high_s8(centred), 7), F)};
 }
+inline words mul_q15(words a, int b) {
+    const s16 factor = static_cast<s16>(b);
+    return {(half)vqrdmulhq_n_s16((int16x8_t)a.lo, factor), (half)vqrdmulhq_n_s16((int16x8_t)a.hi, factor)};
+}
 template <int N> words shift_add(words a, words b) {
     return {(half)vsraq_n_s16((int16x8_t)a.lo, (int16x8_t)b.lo, N),
             (half)vsraq_n_s16((int16x8_t)a.hi, (int16x8_t)b.hi, N)};

@@ -1,6 +1,5 @@
-#include "zelt/irsz.h"
-
 #include "unit/malloc_probe.h"
+#include "zelt/irsz.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
