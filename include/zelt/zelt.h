@@ -11,6 +11,7 @@
 #include "zelt/csc.h"
 #include "zelt/fcc2mt.h"
 #include "zelt/imgb.h"
+#include "zelt/irsz.h"
 #include "zelt/list.h"
 #include "zelt/md5.h"
 #include "zelt/mem.h"

@@ -57,6 +57,8 @@ struct kernel {
 };
 
 std::vector<kernel> converter_kernels();
+std::vector<kernel> high_depth_kernels();
+std::vector<kernel> resize_kernels();
 
 /// All rows of all families.
 std::vector<kernel> all_kernels();
