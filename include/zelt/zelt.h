@@ -7,6 +7,7 @@
 #include "zelt/csc.h"
 #include "zelt/imgb.h"
 #include "zelt/mem.h"
+#include "zelt/sad.h"
 #include "zelt/vdata.h"
 
 #endif

@@ -43,9 +43,11 @@ struct kernel {
     std::function<std::vector<operand>(shape)> operands;
     std::function<u64(function, shape, const view*)> call;  // 0 where the kernel has no result
     std::function<u64(shape, const view*)> model;           // the same from the documentation alone, in plain C++
+    bool block = false;  // not pictures but blocks: any stride, zero too, and single samples that stand out
 };
 
 std::vector<kernel> converter_kernels();
+std::vector<kernel> metric_kernels();
 
 /// All rows of all families.
 std::vector<kernel> all_kernels();
