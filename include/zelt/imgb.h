@@ -30,14 +30,15 @@ struct ZELT_IMGB {
     int32_t stride[4];      /**< bytes from one row to the next, padding included */
     int32_t rows[4];        /**< rows of a plane, padding included */
     void *plane[4];         /**< sample (0, 0) of each plane, inside the padding */
-    uint32_t plane_aux[4];  /**< the same places in the allocator's second address space */
+    uint32_t plane_aux[4];  /**< the same places in the allocator's second address space; 0 where base_aux is 0 */
     uint32_t user[17];      /**< the caller's words: 0 at first, kept by rebirth, never read */
     int32_t aw;             /**< aligned width of plane 0 in samples */
     int32_t ah;             /**< aligned height of plane 0 in rows */
     zelt_alloc_fn alloc_cb; /**< allocator of the block */
     zelt_free_fn free_cb;   /**< its free routine */
     void *base[4];          /**< start of each plane, padding included; base[0] is the block */
-    uint32_t base_aux[4];   /**< the same places in the allocator's second address space */
+    uint32_t base_aux[4];   /**< the same places in the second address space: base_aux[0] is the allocator's word, and
+                                 the others count on from it, from 0 too */
     int32_t size;           /**< bytes in the block */
     uint32_t reserved[3];   /**< 0, never read */
 };
@@ -66,7 +67,8 @@ ZELT_API ZELT_IMGB *zelt_imgb_create(int32_t w, int32_t h, int32_t cs, uint32_t 
 
 /** Clears what alignment and padding added around the planes of a picture. zelt_imgb_create and zelt_imgb_rebirth call
  *  it with the arrays of their geometry. Nothing outside a plane's own `stride * rows` bytes is written. In packed
- *  formats the rows below the picture are cleared for `aw` bytes only, whatever the bytes per pixel.
+ *  formats ZELT_IMGB_CLEAR_ALIGN takes the size from the record's own `w` and `h`, and clears the rows below the
+ *  picture for `aw` bytes only, whatever the bytes per pixel.
  *  @param img      the picture
  *  @param option   ZELT_IMGB_CLEAR_*; other bits are ignored
  *  @param nplanes  planes to clear, at most 4
@@ -76,7 +78,7 @@ ZELT_API ZELT_IMGB *zelt_imgb_create(int32_t w, int32_t h, int32_t cs, uint32_t 
  *  @param ah       aligned height of each plane in rows
  *  @param pad      padding words as in zelt_imgb_create; null, and the border stays as it is
  *  @param bps      a word per plane: bytes per sample in the high half
- *  @return         ZELT_OK; ZELT_ERR_UNSUPPORTED where ZELT_IMGB_CLEAR_ALIGN meets an unknown colour space */
+ *  @return         ZELT_OK; ZELT_ERR_UNSUPPORTED where ZELT_IMGB_CLEAR_ALIGN meets a colour space outside 10 to 599 */
 ZELT_API int32_t zelt_imgb_option(ZELT_IMGB *img, uint32_t option, int32_t nplanes, const int32_t w[4],
                                   const int32_t h[4], const int32_t aw[4], const int32_t ah[4], const uint32_t *pad,
                                   const uint32_t bps[4]);

@@ -6,11 +6,10 @@
 //   widen, narrow                bytes to unsigned words and back with saturation to 0..255
 //   narrow_signed                words to signed bytes with saturation to -128..127
 //   high, round_high             bits 15..8 of unsigned words, and of words + 128 (which must not wrap)
-//   widen_q7                     signed bytes times 128
 //   difference(a, b)             a - b of unsigned bytes, in words
 //   dot<A, B>(a, b)              A a + B b of unsigned bytes; the sum of either sign's terms stays in 16 bits
 //   interleave, dot<A, B, C>     the same of three, modulo 2^16
-//   mul_q15(a, b)                (a b + 2^14) >> 15
+//   centred_product<F>(a)        (F (a - 128) + 128) >> 8 of unsigned bytes
 //   sub_sat(a, b)                a - b with saturation to 16 bits
 //   shift_add<N>(a, b)           a + (b >> N)
 //   shift_insert<N>(a, b)        the high N bits of bytes a above b >> N

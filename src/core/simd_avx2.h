@@ -96,21 +96,35 @@ inline bytes narrow(words a) { return (bytes)_mm256_packus_epi16((__m256i)a.lo, 
 inline bytes narrow_signed(words a) { return (bytes)_mm256_packs_epi16((__m256i)a.lo, (__m256i)a.hi); }
 inline bytes high(words a) { return narrow({(half)((uhalf)a.lo >> 8), (half)((uhalf)a.hi >> 8)}); }
 inline bytes round_high(words a) { return high(a + 128); }
-inline words widen_q7(bytes a) {
-    const __m256i zero = _mm256_setzero_si256();
-    const words q8 = {(half)_mm256_unpacklo_epi8(zero, (__m256i)a), (half)_mm256_unpackhi_epi8(zero, (__m256i)a)};
-    return q8 >> 1;
-}
-
 inline words operator+(words a, bytes b) { return a + widen(b); }
 inline words difference(bytes a, bytes b) { return widen(a) - widen(b); }
 inline words sub_sat(words a, words b) {
     return {(half)_mm256_subs_epi16((__m256i)a.lo, (__m256i)b.lo),
             (half)_mm256_subs_epi16((__m256i)a.hi, (__m256i)b.hi)};
 }
-inline words mul_q15(words a, int b) {
-    const __m256i factor = _mm256_set1_epi16(static_cast<s16>(b));
-    return {(half)_mm256_mulhrs_epi16((__m256i)a.lo, factor), (half)_mm256_mulhrs_epi16((__m256i)a.hi, factor)};
+/// floor((256 a + filler) F / 65536) for bytes a, signed ones where the least is negative
+constexpr bool product_is_exact(int F, int least, int filler, int offset) {
+    for (int a = least; a < least + 256; ++a)
+        if (((a * 256 + filler) * F >> 16) - offset != (F * (a - least - 128) + 128) >> 8) return false;
+    return filler < 256;
+}
+/// One high-half multiplication of 256 a + filler, where the filler, the low byte that the unpacking takes in place of
+/// zero, stands for the rounding. With a - 128 it does for some factors; others need a itself and an offset.
+template <int F> words centred_product(bytes a) {
+    constexpr int filler = (32768 + F - 1) / F;
+    const __m256i factor = _mm256_set1_epi16(F);
+    if constexpr (product_is_exact(F, -128, filler, 0)) {
+        const __m256i fill = _mm256_set1_epi8(filler), centred = (__m256i)(a ^ 128);
+        return {(half)_mm256_mulhi_epi16(_mm256_unpacklo_epi8(fill, centred), factor),
+                (half)_mm256_mulhi_epi16(_mm256_unpackhi_epi8(fill, centred), factor)};
+    } else {
+        constexpr int offset = (128 * F - 128) / 256;
+        static_assert(product_is_exact(F, 0, 0, offset));
+        const __m256i zero = _mm256_setzero_si256();
+        return words{(half)_mm256_mulhi_epu16(_mm256_unpacklo_epi8(zero, (__m256i)a), factor),
+                     (half)_mm256_mulhi_epu16(_mm256_unpackhi_epi8(zero, (__m256i)a), factor)} -
+               splat(offset);
+    }
 }
 template <int N> words shift_add(words a, words b) { return a + (b >> N); }
 template <int N> bytes shift_insert(bytes a, bytes b) {

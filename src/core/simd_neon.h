@@ -17,10 +17,17 @@ inline void load4(const u8* p, bytes& a, bytes& b, bytes& c, bytes& d) {
 }
 
 inline void store(u8* p, bytes a) { vst1q_u8(p, (uint8x16_t)a); }
-inline void store2(u8* p, bytes a, bytes b) { vst2q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b}}); }
-inline void store3(u8* p, bytes a, bytes b, bytes c) { vst3q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c}}); }
+inline void store2(u8* p, bytes a, bytes b) {
+    const uint8x16x2_t v = {{(uint8x16_t)a, (uint8x16_t)b}};
+    vst2q_u8(p, v);
+}
+inline void store3(u8* p, bytes a, bytes b, bytes c) {
+    const uint8x16x3_t v = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c}};
+    vst3q_u8(p, v);
+}
 inline void store4(u8* p, bytes a, bytes b, bytes c, bytes d) {
-    vst4q_u8(p, {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d}});
+    const uint8x16x4_t v = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d}};
+    vst4q_u8(p, v);
 }
 
 inline uint8x8_t low8(bytes a) { return vget_low_u8((uint8x16_t)a); }
@@ -37,10 +44,6 @@ inline bytes high(words a) {
 inline bytes round_high(words a) {
     return (bytes)vcombine_u8(vrshrn_n_u16((uint16x8_t)a.lo, 8), vrshrn_n_u16((uint16x8_t)a.hi, 8));
 }
-inline words widen_q7(bytes a) {
-    return {(half)vshll_n_s8((int8x8_t)low8(a), 7), (half)vshll_n_s8((int8x8_t)high8(a), 7)};
-}
-
 inline words operator+(words a, bytes b) {
     return {(half)vaddw_u8((uint16x8_t)a.lo, low8(b)), (half)vaddw_u8((uint16x8_t)a.hi, high8(b))};
 }
@@ -50,9 +53,10 @@ inline words difference(bytes a, bytes b) {
 inline words sub_sat(words a, words b) {
     return {(half)vqsubq_s16((int16x8_t)a.lo, (int16x8_t)b.lo), (half)vqsubq_s16((int16x8_t)a.hi, (int16x8_t)b.hi)};
 }
-inline words mul_q15(words a, int b) {
-    const s16 factor = static_cast<s16>(b);
-    return {(half)vqrdmulhq_n_s16((int16x8_t)a.lo, factor), (half)vqrdmulhq_n_s16((int16x8_t)a.hi, factor)};
+template <int F> words centred_product(bytes a) {
+    const int8x16_t centred = (int8x16_t)(a ^ 128);
+    return {(half)vqrdmulhq_n_s16(vshll_n_s8(vget_low_s8(centred), 7), F),
+            (half)vqrdmulhq_n_s16(vshll_n_s8(vget_high_s8(centred), 7), F)};
 }
 template <int N> words shift_add(words a, words b) {
     return {(half)vsraq_n_s16((int16x8_t)a.lo, (int16x8_t)b.lo, N),

@@ -3,14 +3,13 @@
 #include "csc/pixel_scalar.h"
 
 namespace zelt::simd {
-/// With d = U - 128, e = V - 128: red and blue are rounding multiplications by 359 / 256 and 454 / 256. In the green
+/// With d = U - 128, e = V - 128: red and blue are rounding products of e by 359 / 256 and d by 454 / 256. In the green
 /// term 183 = 256 - 73, so G = Y - e - ((88 d - 73 e + 128) >> 8) = Y - V + 128 + ((73 V - 88 U + 2047) >> 8), where
 /// 2047 = (88 - 73) * 128 - 128 + 255: the negated shift rounds up. Saturating about 128 adds the 128 and clamps.
 inline pixel<bytes> yuv_to_rgb(pixel<bytes> p) {
     const bytes y = p.c0, u = p.c1, v = p.c2;
     const words green = shift_add<8>(difference(y, v), dot<73, -88>(v, u) + 2047);
-    return {narrow(mul_q15(widen_q7(v ^ 128), 359) + y), narrow_signed(green) ^ 128,
-            narrow(mul_q15(widen_q7(u ^ 128), 454) + y), p.a};
+    return {narrow(centred_product<359>(v) + y), narrow_signed(green) ^ 128, narrow(centred_product<454>(u) + y), p.a};
 }
 
 /// Luma fits 16 unsigned bits. The chroma sums are negated, m = 43 R + 85 G - 128 B within 32640 of 0, so that the

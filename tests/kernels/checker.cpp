@@ -94,9 +94,10 @@ struct placed {
         const fill background = f == fill::single ? fill::small : f;
         for (int y = 0; y < what.rows; ++y)
             for (int x = 0; x < what.width; ++x) put(x, y, sample(background, what, index, random));
-        if (f == fill::single)
-            put(static_cast<int>(random() % static_cast<u64>(what.width)),
-                static_cast<int>(random() % static_cast<u64>(what.rows)), sample(fill::extremes, what, index, random));
+        if (f != fill::single) return;
+        const int x = static_cast<int>(random() % static_cast<u64>(what.width));
+        const int y = static_cast<int>(random() % static_cast<u64>(what.rows));
+        put(x, y, sample(fill::extremes, what, index, random));
     }
     u8* start() const { return (block.stride < 0 ? block.p + (what.rows - 1) * block.stride : block.p) - offset; }
     void copy_for_model() {

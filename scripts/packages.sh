@@ -1,0 +1,32 @@
+# shellcheck shell=bash
+# Sourced by the other scripts: the Debian packages that each kind of work needs.
+build_packages=(g++ cmake ninja-build pkg-config libpng-dev libcli11-dev)
+# shellcheck disable=SC2034 # used by the scripts that source this
+{
+test_packages=("${build_packages[@]}" googletest libgtest-dev binutils python3)
+arm_packages=(qemu-user g++-arm-linux-gnueabi g++-arm-linux-gnueabihf g++-aarch64-linux-gnu)
+i686_packages=(g++-i686-linux-gnu)
+check_packages=(clang clang-format doxygen shellcheck)
+# the benchmark, and the libraries that it compares with
+bench_packages=("${build_packages[@]}" python3 libbenchmark-dev libyuv-dev libopencv-core-dev libturbojpeg0-dev)
+instruction_packages=(g++ cmake ninja-build python3 qemu-user g++-arm-linux-gnueabi)
+}
+
+# need PACKAGE...: installs what is missing, or says what is and stops.
+need() {
+    local missing=() package sudo=()
+    for package in "$@"; do
+        dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return
+    if [ "$(id -u)" -ne 0 ]; then
+        if ! sudo -n true 2>/dev/null; then
+            echo "Missing packages. Install them with: sudo apt-get install ${missing[*]}" >&2
+            exit 1
+        fi
+        sudo=(sudo)
+    fi
+    echo "Installing ${missing[*]}"
+    "${sudo[@]}" apt-get update -qq
+    "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}

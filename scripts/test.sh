@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Builds and runs every test: on x86-64 (x86-64-v3 and baseline) and on 32-bit ARM under emulation.
+#   --quick    x86-64 alone
+#   --all      every target, and the sanitizers
+#   PRESET...  those presets of CMakePresets.json
+set -euo pipefail
+cd "$(dirname "$0")/.."
+. scripts/packages.sh
+
+case ${1-} in
+"") presets=(x86-64 armv7-softfp) ;;
+--quick) presets=(x86-64) ;;
+--all) presets=(x86-64 armv7-softfp armv7-hf aarch64 i686 asan tsan) ;;
+-*) sed -n '2,/^set/s/^# \{0,1\}//p' "$0" >&2 && exit 1 ;;
+*) presets=("$@") ;;
+esac
+
+need "${test_packages[@]}"
+for preset in "${presets[@]}"; do
+    case $preset in
+    arm* | aarch64) need "${arm_packages[@]}" ;;
+    i686) need "${i686_packages[@]}" ;;
+    esac
+done
+
+summary=()
+for preset in "${presets[@]}"; do
+    echo "== $preset"
+    cmake --preset "$preset" >/dev/null
+    cmake --build --preset "$preset" -- --quiet
+    report=$PWD/build/$preset/tests.xml
+    ctest --preset "$preset" --output-junit "$report" --test-output-size-passed 100000000 --progress |
+        grep -vE '^ *[0-9]+/[0-9]+ Test .* Passed' || exit 1
+    tests=$(sed -n 's/^.*\[  PASSED  \] \([0-9]*\) test.*$/\1/p' "$report" | paste -sd+ | sed 's/^$/0/')
+    cases=$(sed -n 's/^.*kernel cases: \([0-9]*\).*$/\1/p' "$report" | paste -sd+ | sed 's/^$/0/')
+    summary+=("$(printf '%-13s %5d tests, %7d kernel cases' "$preset" $((tests)) $((cases)))")
+done
+printf '\nAll passed:\n'
+printf '%s\n' "${summary[@]}"

@@ -1,0 +1,7 @@
+# exports.sh NM LIST LIBRARY: the names that a library exports are those of the list, with the same kind of symbol.
+nm=$1 list=$2 library=$3
+"$nm" -D --defined-only --format=posix "$library" | sed 's/@[^ ]*//' | awk '
+    FNR == NR { listed[$0] = 1; next }
+    $2 == "A" { next }  # the version itself
+    { name = $2 " " $1; if (name in listed) delete listed[name]; else bad = bad "not listed: " name "\n" }
+    END { for (name in listed) bad = bad "missing: " name "\n"; printf "%s", bad; exit bad != "" }' "$list" -
