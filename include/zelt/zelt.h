@@ -18,6 +18,7 @@
 #include "zelt/mfal.h"
 #include "zelt/rbuf.h"
 #include "zelt/rlist.h"
+#include "zelt/sad.h"
 #include "zelt/str.h"
 #include "zelt/vdata.h"
 
