@@ -1,16 +1,14 @@
 // The picture path on real pictures: converts each through the vector library and through the scalar one, compares the
 // bytes, measures both, and writes what came out as PNG files.
-#include <dlfcn.h>
-
-#include <chrono>
-#include <cstring>
-#include <filesystem>
-#include <iostream>
-#include <map>
-
 #include "pictures/writer.h"
 #include "zelt/csc.h"
 #include "zelt/imgb.h"
+
+#include <chrono>
+#include <cstring>
+#include <dlfcn.h>
+#include <filesystem>
+#include <iostream>
 
 using namespace zelt::tool;
 
@@ -57,8 +55,8 @@ bool same_bytes(const picture& a, const picture& b) {
 
 class demo {
 public:
-    demo(const char* vector_library, const char* scalar_library, std::filesystem::path folder)
-        : vector_(vector_library), scalar_(scalar_library), folder_(std::move(folder)) {
+    explicit demo(std::filesystem::path folder) : folder_(std::move(folder)) {
+        std::filesystem::create_directories(folder_);
         std::printf("%-10s %-22s %9s %9s %6s  %s\n", "picture", "path", "vector", "scalar", "", "same bytes");
     }
 
@@ -120,7 +118,7 @@ private:
         out.commit();
     }
 
-    library vector_, scalar_;
+    library vector_{ZELT_VECTOR_LIBRARY}, scalar_{ZELT_SCALAR_LIBRARY};
     std::filesystem::path folder_;
     std::string name_;
     bool all_same_ = true;
@@ -128,16 +126,18 @@ private:
 }  // namespace
 
 int main(int argc, char** argv) try {
-    if (argc < 5) {
-        std::cerr << "usage: zelt_pictures VECTOR-LIBRARY SCALAR-LIBRARY FOLDER PICTURE...\n";
+    if (argc < 3) {
+        std::cerr << "usage: zelt_demo FOLDER PICTURE...\n";
         return 1;
     }
-    std::filesystem::create_directories(argv[3]);
-    demo d(argv[1], argv[2], argv[3]);
-    for (int i = 4; i < argc; ++i) d.run(argv[i]);
+#ifdef __x86_64__
+    if (!__builtin_cpu_supports("avx2")) throw std::runtime_error("this processor lacks AVX2: nothing to compare");
+#endif
+    demo d(argv[1]);
+    for (int i = 2; i < argc; ++i) d.run(argv[i]);
     std::printf("Speeds are megapixels per second on one core.\n");
     return d.all_same() ? 0 : 1;
 } catch (const std::exception& e) {
-    std::cerr << "zelt_pictures: " << e.what() << '\n';
+    std::cerr << "zelt_demo: " << e.what() << '\n';
     return 1;
 }

@@ -7,6 +7,10 @@ test_packages=("${build_packages[@]}" googletest libgtest-dev binutils python3)
 arm_packages=(qemu-user g++-arm-linux-gnueabi g++-arm-linux-gnueabihf g++-aarch64-linux-gnu)
 i686_packages=(g++-i686-linux-gnu)
 check_packages=(clang clang-format doxygen shellcheck)
+# the benchmark, and the libraries that it compares with
+bench_packages=("${build_packages[@]}" python3 libbenchmark-dev libyuv-dev libopencv-core-dev libturbojpeg0-dev
+    libgstreamer1.0-dev)
+instruction_packages=(g++ cmake ninja-build python3 qemu-user g++-arm-linux-gnueabi)
 }
 
 # need PACKAGE...: installs what is missing, or says what is and stops.

@@ -69,6 +69,10 @@ enum {
 typedef struct ZELT_AUDB ZELT_AUDB;
 /** A byte buffer for coded data, see bitb.h. */
 typedef struct ZELT_BITB ZELT_BITB;
+/** A bit reader, see bsr.h. */
+typedef struct ZELT_BSR ZELT_BSR;
+/** A bit writer, see bsw.h. */
+typedef struct ZELT_BSW ZELT_BSW;
 /** An image buffer, see imgb.h. */
 typedef struct ZELT_IMGB ZELT_IMGB;
 /** A doubly linked list with a cursor, see list.h. */

@@ -5,8 +5,11 @@
 
 #include "zelt/audb.h"
 #include "zelt/bitb.h"
+#include "zelt/bsr.h"
+#include "zelt/bsw.h"
 #include "zelt/common.h"
 #include "zelt/csc.h"
+#include "zelt/fcc2mt.h"
 #include "zelt/imgb.h"
 #include "zelt/list.h"
 #include "zelt/md5.h"
@@ -14,6 +17,7 @@
 #include "zelt/mfal.h"
 #include "zelt/rbuf.h"
 #include "zelt/rlist.h"
+#include "zelt/str.h"
 #include "zelt/vdata.h"
 
 #endif

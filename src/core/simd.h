@@ -13,6 +13,7 @@
 //   sub_sat(a, b)                a - b with saturation to 16 bits
 //   shift_add<N>(a, b)           a + (b >> N)
 //   shift_insert<N>(a, b)        the high N bits of bytes a above b >> N
+//   any(mask)                    whether a byte is set, of bytes that are 0 or 255
 #include "core/types.h"
 
 namespace zelt::simd {

@@ -132,6 +132,7 @@ template <int N> bytes shift_insert(bytes a, bytes b) {
     const bytes shifted = (bytes)((uhalf)b >> N);
     return (a & ~low) | (shifted & low);
 }
+inline bool any(bytes mask) { return _mm256_movemask_epi8((__m256i)mask) != 0; }
 
 template <int A, int B> words dot(bytes a, bytes b) {
     const __m256i factors = per_pair<A, B>();

@@ -63,6 +63,7 @@ template <int N> words shift_add(words a, words b) {
             (half)vsraq_n_s16((int16x8_t)a.hi, (int16x8_t)b.hi, N)};
 }
 template <int N> bytes shift_insert(bytes a, bytes b) { return (bytes)vsriq_n_u8((uint8x16_t)a, (uint8x16_t)b, N); }
+inline bool any(bytes mask) { return vget_lane_u64((uint64x1_t)(low8(mask) | high8(mask)), 0) != 0; }
 
 /// sum + F a; factors up to 255 in magnitude, the sum modulo 2^16
 template <int F> uint16x8_t multiply_add(uint16x8_t sum, uint8x8_t a) {

@@ -189,11 +189,20 @@ template <class Source, class Dest> bool overlap(const Source& src, const Dest& 
     return false;
 }
 
+/// Whether every row of a layout begins where the one before it ends
+template <class Layout> bool contiguous(const Layout& l, std::ptrdiff_t w) {
+    for (int i = 0; i < Layout::count; ++i)
+        if (l.stride[i] != w * Layout::step[i]) return false;
+    return true;
+}
+
 template <class Source, class Matrix, class Dest>
-void convert(void* const* src_a, int w, int h, const int* src_s, void* const* dst_a, const int* dst_s) {
-    if (w < 1 || h < 1) return;
+void convert(void* const* src_a, int src_w, int h, const int* src_s, void* const* dst_a, const int* dst_s) {
+    if (src_w < 1 || h < 1) return;
     Source src(src_a, src_s);
     Dest dst(dst_a, dst_s);
+    std::ptrdiff_t w = src_w;
+    if (contiguous(src, w) && contiguous(dst, w) && s64{w} * h <= 1 << 28) w *= h, h = 1;
     for (; h > 0; --h, src.next_row(), dst.next_row()) {
 #if ZELT_SIMD
         // Within one buffer the result is that of pixel order, which registers would not keep.

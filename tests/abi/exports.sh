@@ -1,3 +1,4 @@
+#!/bin/sh
 # exports.sh NM LIST LIBRARY: the names that a library exports are those of the list, with the same kind of symbol.
 nm=$1 list=$2 library=$3
 "$nm" -D --defined-only --format=posix "$library" | sed 's/@[^ ]*//' | awk '

@@ -2,10 +2,10 @@
  * pointers have their natural size and the order is the same. A wrong one is an array of negative size. */
 #include "zelt/zelt.h"
 
-#define SIZE(record, words, bytes64)                                                                                   \
-    typedef char size_of_##record[sizeof(record) == (sizeof(void *) == 4 ? 4 * (words) : (bytes64)) ? 1 : -1]
-#define AT(record, field, word)                                                                                        \
-    typedef char record##_##field[sizeof(void *) != 4 || offsetof(record, field) == 4 * (word) ? 1 : -1]
+#define SIZE(record, words, bytes64) \
+    typedef char size_of_##record[sizeof(record) == (sizeof(void*) == 4 ? 4 * (words) : (bytes64)) ? 1 : -1]
+#define AT(record, field, word) \
+    typedef char record##_##field[sizeof(void*) != 4 || offsetof(record, field) == 4 * (word) ? 1 : -1]
 
 SIZE(ZELT_IMGB, 58, 296);
 AT(ZELT_IMGB, refcnt, 0);
@@ -104,3 +104,20 @@ AT(ZELT_RLIST, size, 1);
 AT(ZELT_RLIST, used, 2);
 AT(ZELT_RLIST, last, 3);
 AT(ZELT_RLIST, first, 4);
+SIZE(ZELT_BSR, 7, 48);
+AT(ZELT_BSR, code, 0);
+AT(ZELT_BSR, leftbits, 1);
+AT(ZELT_BSR, cur, 2);
+AT(ZELT_BSR, end, 3);
+AT(ZELT_BSR, beg, 4);
+AT(ZELT_BSR, size, 5);
+AT(ZELT_BSR, flush_fn, 6);
+
+SIZE(ZELT_BSW, 7, 48);
+AT(ZELT_BSW, code, 0);
+AT(ZELT_BSW, leftbits, 1);
+AT(ZELT_BSW, cur, 2);
+AT(ZELT_BSW, end, 3);
+AT(ZELT_BSW, beg, 4);
+AT(ZELT_BSW, size, 5);
+AT(ZELT_BSW, flush_fn, 6);

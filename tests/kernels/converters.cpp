@@ -166,7 +166,8 @@ struct converter {
                 [*this](shape s, const view* v) {
                     model(s, v);
                     return u64{0};
-                }};
+                },
+                given == pointers::per_plane && !dst_cs ? timing::picture : timing::none};
     }
 };
 }  // namespace
@@ -199,17 +200,35 @@ std::vector<kernel> converter_kernels() {
             rows.push_back(other.row(name + std::string(given == pointers::four_apart ? " apart" : " pointers")));
         }
     };
-#define ROW(from, to) add("zelt_csc_" #from "_to_" #to, zelt_csc_##from##_to_##to, #from, #to);
-    ROW(yuv444, rgb888)
-    ROW(yuv444, rgba8888)
-    ROW(yuv444, rgb565) ROW(yuv444, rgb565a8) ROW(yuv444, argb8888) ROW(yuv444, bgra8888) ROW(yuv444, r8g8b8)
-        ROW(yuv444a8, rgba8888) ROW(yuv444a8, rgba5658) ROW(yuv444a8, rgb565a8) ROW(yuv444a8, argb8888)
-            ROW(yuv444a8, bgra8888) ROW(rgb888, yuv444) ROW(r8g8b8, yuv444) ROW(rgb565, yuv444) ROW(rgba8888, yuv444a8)
-                ROW(r8g8b8a8, yuv444a8) ROW(r8g8b8, rgb888) ROW(r8g8b8, rgba8888) ROW(r8g8b8, rgb565)
-                    ROW(r8g8b8, argb8888) ROW(r8g8b8, bgra8888) ROW(r8g8b8a8, rgba8888) ROW(r8g8b8a8, rgba5658)
-                        ROW(r8g8b8a8, argb8888) ROW(r8g8b8a8, bgra8888)
+#define ROW(from, to) add("zelt_csc_" #from "_to_" #to, zelt_csc_##from##_to_##to, #from, #to)
+    ROW(yuv444, rgb888);
+    ROW(yuv444, rgba8888);
+    ROW(yuv444, rgb565);
+    ROW(yuv444, rgb565a8);
+    ROW(yuv444, argb8888);
+    ROW(yuv444, bgra8888);
+    ROW(yuv444, r8g8b8);
+    ROW(yuv444a8, rgba8888);
+    ROW(yuv444a8, rgba5658);
+    ROW(yuv444a8, rgb565a8);
+    ROW(yuv444a8, argb8888);
+    ROW(yuv444a8, bgra8888);
+    ROW(rgb888, yuv444);
+    ROW(r8g8b8, yuv444);
+    ROW(rgb565, yuv444);
+    ROW(rgba8888, yuv444a8);
+    ROW(r8g8b8a8, yuv444a8);
+    ROW(r8g8b8, rgb888);
+    ROW(r8g8b8, rgba8888);
+    ROW(r8g8b8, rgb565);
+    ROW(r8g8b8, argb8888);
+    ROW(r8g8b8, bgra8888);
+    ROW(r8g8b8a8, rgba8888);
+    ROW(r8g8b8a8, rgba5658);
+    ROW(r8g8b8a8, argb8888);
+    ROW(r8g8b8a8, bgra8888);
 #undef ROW
-                            add("zelt_csc_x8y8z8_to_xyz565a8", zelt_csc_x8y8z8_to_xyz565a8, "r8g8b8", "rgb565a8");
+    add("zelt_csc_x8y8z8_to_xyz565a8", zelt_csc_x8y8z8_to_xyz565a8, "r8g8b8", "rgb565a8");
     add("zelt_csc_x8y8z8a8_to_xyz565a8", zelt_csc_x8y8z8a8_to_xyz565a8, "r8g8b8a8", "rgb565a8");
 
     converter alpha_first = {zelt_csc_yuv444_to_rgba8888, &find("yuv444"), &find("argb8888")};

@@ -36,6 +36,16 @@ struct view {
     std::ptrdiff_t stride;  // bytes from row to row, a multiple of the element size
 };
 
+/// How the benchmark times a kernel, which follows from its signature
+enum class timing {
+    none,
+    picture,          // through kernel::call, over whole pictures
+    pair,             // u32 f(a, b, sa, sb): two blocks as a motion search picks them, of the kernel's first shape
+    sized_pair,       // u32 f(w, h, a, b, sa, sb): likewise
+    difference,       // void f(a, b, sa, sb, sd, s16* d): likewise, with a third block that is written
+    sized_difference  // void f(w, h, a, b, sa, sb, sd, s16* d)
+};
+
 struct kernel {
     std::string name;  // the exported name, with what else tells rows of one export apart after a blank
     function exported;
@@ -43,6 +53,7 @@ struct kernel {
     std::function<std::vector<operand>(shape)> operands;
     std::function<u64(function, shape, const view*)> call;  // 0 where the kernel has no result
     std::function<u64(shape, const view*)> model;           // the same from the documentation alone, in plain C++
+    timing timed = timing::none;
 };
 
 std::vector<kernel> converter_kernels();

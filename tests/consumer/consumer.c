@@ -1,0 +1,19 @@
+/* Creates a picture, converts it and says what came out. */
+#include <stdio.h>
+#include <zelt/zelt.h>
+
+int main(void) {
+    int32_t err;
+    ZELT_IMGB* yuv = zelt_imgb_create(4, 2, ZELT_CS_YUV444, 0, NULL, NULL, NULL, NULL, &err);
+    uint8_t rgb[2][12], *y;
+    void* dst[1];
+    int32_t dst_stride[1] = {12}, i;
+    if (!yuv) return 1;
+    for (y = yuv->base[0], i = 0; i < yuv->size; ++i) y[i] = i < 8 ? 200 : 128;
+    dst[0] = rgb;
+    zelt_imgp_get_fn_csc(4, 2, yuv->cs, 4, 2, ZELT_CS_RGB888, NULL)(yuv->plane, 4, 2, yuv->stride, yuv->cs, dst, 4, 2,
+                                                                    dst_stride, ZELT_CS_RGB888);
+    yuv->release(yuv);
+    printf("%d %d %d\n", rgb[1][9], rgb[1][10], rgb[1][11]);
+    return 0;
+}

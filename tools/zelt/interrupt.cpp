@@ -1,0 +1,35 @@
+#include "interrupt.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <initializer_list>
+
+namespace zelt::tool {
+namespace {
+
+volatile std::sig_atomic_t caught = 0;
+
+void note(int sig) { caught = sig; }
+
+}  // namespace
+
+void watch_signals() {
+    struct sigaction action = {};
+    action.sa_handler = note;  // without SA_RESTART: a read that waits gives up
+    for (const int sig : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction old;
+        if (sigaction(sig, nullptr, &old) == 0 && old.sa_handler != SIG_IGN) sigaction(sig, &action, nullptr);
+    }
+    // A reader that goes away and a limit on file sizes show as failed writes.
+    for (const int sig : {SIGPIPE, SIGXFSZ}) std::signal(sig, SIG_IGN);
+}
+
+int caught_signal() { return caught; }
+
+void end_by_signal(int sig) {
+    std::signal(sig, SIG_DFL);
+    std::raise(sig);
+    std::abort();
+}
+
+}  // namespace zelt::tool

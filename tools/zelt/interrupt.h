@@ -1,0 +1,10 @@
+#pragma once
+// An interrupted run cleans up like a failed one and then ends by the signal that interrupted it.
+
+namespace zelt::tool {
+
+void watch_signals();
+int caught_signal();  // or 0
+[[noreturn]] void end_by_signal(int sig);
+
+}  // namespace zelt::tool

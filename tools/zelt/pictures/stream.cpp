@@ -1,0 +1,132 @@
+#include "pictures/stream.h"
+
+#include "pictures/failure.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zelt::tool {
+namespace {
+
+std::string reason() { return std::strerror(errno); }
+
+/// The path with symbolic links followed, so that renaming replaces the file and not the link to it.
+std::string followed(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
+    return real ? real.get() : path;
+}
+
+std::string folder_of(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "" : path.substr(0, slash + 1);
+}
+
+/// Kind and permissions of what a path leads to, 0 where that is nothing.
+mode_t mode_of(const std::string& path) {
+    struct stat st;
+    return ::stat(path.c_str(), &st) == 0 ? st.st_mode : 0;
+}
+
+}  // namespace
+
+bool is_stream(const std::string& path) {
+    const mode_t mode = path == "-" ? 0 : mode_of(path);
+    return path == "-" || (mode && !S_ISREG(mode) && !S_ISDIR(mode));
+}
+
+void close_file::operator()(FILE* f) const {
+    if (f != stdin && f != stdout) std::fclose(f);
+}
+
+input::input(const std::string& path)
+    : name_(path == "-" ? "standard input" : path), file_(path == "-" ? stdin : std::fopen(path.c_str(), "rb")) {
+    if (!file_) bad("cannot be opened: " + reason());
+    struct stat st;
+    if (::fstat(::fileno(handle()), &st) == 0 && S_ISREG(st.st_mode)) size_ = st.st_size;
+}
+
+void input::check() const {
+    if (std::ferror(handle())) bad("cannot be read: " + reason());
+}
+
+int input::get() {
+    const int c = std::getc(handle());
+    if (c == EOF) check();
+    return c;
+}
+
+int input::peek() { return std::ungetc(get(), handle()); }
+
+void input::read(void* to, std::size_t bytes) {
+    if (std::fread(to, 1, bytes, handle()) == bytes) return;
+    check();
+    bad("is cut short");
+}
+
+void input::expect(int64_t bytes) {
+    const off_t at = size_ < 0 ? -1 : ::ftello(handle());
+    if (at >= 0 && size_ - at < bytes)
+        bad("is cut short: a picture takes " + std::to_string(bytes) + " bytes, " + std::to_string(size_ - at) +
+            " are left");
+}
+
+std::string input::line(std::size_t longest) {
+    std::string text;
+    for (int c = get(); c != '\n'; c = get()) {
+        if (c == EOF) bad("is cut short");
+        if (text.size() == longest) bad("has a header line that never ends");
+        text += static_cast<char>(c);
+    }
+    return text;
+}
+
+void input::bad(const std::string& text) const { throw failure(status::bad_input, name_ + ": " + text); }
+void input::unsupported(const std::string& text) const { throw failure(status::unsupported, name_ + ": " + text); }
+
+output::output(const std::string& path) : name_(path == "-" ? "standard output" : path) {
+    if (is_stream(path)) {
+        file_.reset(path == "-" ? stdout : std::fopen(path.c_str(), "wb"));
+    } else {
+        if (S_ISDIR(mode_of(path))) fail("is a folder");
+        target_ = followed(path);
+        const std::string stem = folder_of(target_) + ".zelt-" + std::to_string(::getpid()) + "-";
+        static int serial = 0;  // names for all files of a series; one left by a killed process is passed over
+        int fd;
+        do {
+            temporary_ = stem + std::to_string(serial++);
+            fd = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        } while (fd < 0 && errno == EEXIST);
+        if (fd >= 0) file_.reset(::fdopen(fd, "wb"));
+    }
+    if (!file_) {
+        temporary_.clear();
+        fail("cannot be written: " + reason());
+    }
+}
+
+output::~output() {
+    if (!temporary_.empty()) ::unlink(temporary_.c_str());
+}
+
+void output::write(const void* from, std::size_t bytes) {
+    if (std::fwrite(from, 1, bytes, handle()) != bytes) fail("cannot be written: " + reason());
+}
+
+void output::close() {
+    FILE* f = file_.release();
+    if ((f == stdout ? std::fflush(f) : std::fclose(f)) != 0) fail("cannot be written: " + reason());
+}
+
+void output::commit() {
+    if (temporary_.empty()) return;
+    if (::rename(temporary_.c_str(), target_.c_str()) != 0) fail("cannot be written: " + reason());
+    temporary_.clear();
+}
+
+void output::fail(const std::string& text) const { throw failure(status::output_failed, name_ + ": " + text); }
+
+}  // namespace zelt::tool

@@ -1,0 +1,71 @@
+// YUV4MPEG2 clips of full-range 4:4:4 or grey pictures.
+#include "pictures/reader.h"
+#include "pictures/writer.h"
+#include "zelt/common.h"
+
+namespace zelt::tool {
+namespace {
+
+constexpr std::size_t longest_header = 1024;
+constexpr const char* recipe = "; full-range 4:4:4 and mono are taken: "
+                               "ffmpeg -i IN -vf scale=out_range=full -pix_fmt yuv444p -color_range pc OUT.y4m";
+
+class y4m_reader : public reader {
+public:
+    explicit y4m_reader(input in) : reader(std::move(in)) {
+        const std::string header = in_.line(longest_header);
+        if (!header.starts_with("YUV4MPEG2 ")) in_.bad("is no Y4M file");
+        int w = 0, h = 0;
+        std::string layout = "420";  // what a header without the tag means
+        for (std::size_t at = header.find(' '), end; at != header.npos; at = end) {
+            end = header.find(' ', at + 1);
+            const std::string tag = header.substr(at + 1, end == header.npos ? end : end - at - 1);
+            const std::string value = tag.empty() ? "" : tag.substr(1);
+            switch (tag.empty() ? ' ' : tag[0]) {
+            case 'W': w = header_number(value); break;
+            case 'H': h = header_number(value); break;
+            case 'C': layout = value; break;
+            case 'F': about_.rate = value; break;
+            case 'A': about_.aspect = value; break;
+            case 'I': about_.interlacing = value; break;
+            case 'X':
+                if (value == "COLORRANGE=LIMITED")
+                    in_.unsupported("holds limited-range pictures" + std::string(recipe));
+                break;
+            default: break;
+            }
+        }
+        if (w < 1 || h < 1) in_.bad("has a Y4M header without a usable width and height");
+        grey_ = layout == "mono";
+        if (!grey_ && layout != "444") in_.unsupported("holds pictures of the kind C" + layout + recipe);
+        shape(format_of(ZELT_CS_YUV444), w, h);
+    }
+
+    bool more() override { return in_.peek() != EOF; }
+
+    void read(picture& into) override {
+        const std::string header = in_.line(longest_header);
+        if (header != "FRAME" && !header.starts_with("FRAME "))
+            in_.bad("has something else where a frame should begin");
+        grey_ ? read_grey(into) : read_planes(into);
+    }
+
+private:
+    bool grey_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<reader> read_y4m(input in) { return std::make_unique<y4m_reader>(std::move(in)); }
+
+void write_y4m_header(output& out, const clip& about) {
+    out.write("YUV4MPEG2 W" + std::to_string(about.w) + " H" + std::to_string(about.h) + " F" + about.rate + " I" +
+              about.interlacing + " A" + about.aspect + " C444 XCOLORRANGE=FULL\n");
+}
+
+void write_y4m(output& out, const picture& pic) {
+    out.write("FRAME\n");
+    write_raw(out, pic);
+}
+
+}  // namespace zelt::tool

@@ -1,0 +1,76 @@
+#include "route.h"
+
+#include "pictures/failure.h"
+
+#include <optional>
+
+namespace zelt::tool {
+namespace {
+
+// Formats to go through, those with alpha first so that it is not lost on the way.
+constexpr int32_t crossings[] = {ZELT_CS_YUV444A8, ZELT_CS_R8G8B8A8, ZELT_CS_YUV444, ZELT_CS_R8G8B8};
+
+struct hop {
+    const format* to;
+    zelt_csc_fn convert;
+};
+
+zelt_csc_fn converter(const format& from, const format& to) {
+    // The dispatch's converter for this pair writes four bytes a pixel instead of three.
+    if (from.cs == ZELT_CS_R8G8B8A8 && to.cs == ZELT_CS_RGBA5658) return zelt_csc_r8g8b8a8_to_rgba5658;
+    return same_size_converter(from, to);
+}
+
+std::optional<std::vector<hop>> find(const format& from, const format& to) {
+    if (from.cs == to.cs) return std::vector<hop>{};
+    if (const zelt_csc_fn direct = converter(from, to)) return std::vector<hop>{{&to, direct}};
+    for (const int32_t cs : crossings) {
+        const format& mid = format_of(cs);
+        if (mid.cs == from.cs || mid.cs == to.cs) continue;
+        const zelt_csc_fn first = converter(from, mid), second = converter(mid, to);
+        if (first && second) return std::vector<hop>{{&mid, first}, {&to, second}};
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+zelt_csc_fn same_size_converter(const format& from, const format& to) {
+    return zelt_imgp_get_fn_csc(1, 1, from.cs, 1, 1, to.cs, nullptr);
+}
+
+zelt_csc_fn resizing_converter(const format& from, const format& to) {
+    return zelt_imgp_get_fn_csc(2, 2, from.cs, 1, 1, to.cs, nullptr);
+}
+
+route::route(const format& from, const format& to, int w, int h) : from_(&from) {
+    const auto hops = find(from, to);
+    if (!hops) {
+        std::string reached;
+        for (const format& other : formats())
+            if (find(from, other)) reached += std::string(" ") + other.name;
+        throw failure(status::unsupported, std::string("there is no way from ") + from.name + " to " + to.name + "; " +
+                                               from.name + " can become" + reached);
+    }
+    for (const hop& next : *hops) steps_.push_back({next.convert, picture(*next.to, w, h)});
+}
+
+const picture& route::run(const picture& from) {
+    const picture* at = &from;
+    for (step& s : steps_) {
+        // Packed results have one plane; null in the second entry tells the ARGB8888 and BGRA8888 converters so.
+        s.convert(at->plane, at->w, at->h, at->stride, at->fmt->cs, s.result.plane, s.result.w, s.result.h,
+                  s.result.stride, s.result.fmt->cs);
+        at = &s.result;
+    }
+    return *at;
+}
+
+std::string route::text() const {
+    if (steps_.empty()) return std::string(from_->name) + " as it is";
+    std::string names = from_->name;
+    for (const step& s : steps_) names += std::string(" -> ") + s.result.fmt->name;
+    return names;
+}
+
+}  // namespace zelt::tool

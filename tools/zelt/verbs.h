@@ -1,0 +1,14 @@
+#pragma once
+// The verbs of the tool. A verb is a file of its own: a function that adds a subcommand with its options, and a
+// callback that does the work and throws a failure. A line here and one in main.cpp register it.
+
+namespace CLI {
+class App;
+}
+
+namespace zelt::tool {
+
+void add_convert(CLI::App& app);
+void add_formats(CLI::App& app);
+
+}  // namespace zelt::tool
