@@ -57,6 +57,7 @@ struct kernel {
 };
 
 std::vector<kernel> converter_kernels();
+std::vector<kernel> memory_kernels();
 
 /// All rows of all families.
 std::vector<kernel> all_kernels();

@@ -2,4 +2,5 @@
 set(ZELT_KERNEL_ROWS
   ${CMAKE_CURRENT_LIST_DIR}/registry.cpp
   ${CMAKE_CURRENT_LIST_DIR}/converters.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/memory.cpp
 )
