@@ -40,6 +40,15 @@ inline void fill(u8* dst, u32 word, s64 n) {
     for (; p < end; p += lanes) *reinterpret_cast<word_register*>(p) = value;
 }
 
+/// Writes N copies of a byte, N a multiple of 8.
+template <int N> void fill_fixed(u8* dst, u8 value) {
+    const word_register all = (word_register)(bytes{} + value);
+    constexpr int tail = N % lanes;
+    for (int i = 0; i + lanes <= N; i += lanes) store_loose(dst + i, all);
+    if constexpr (tail >= 16) store_loose(dst + N - tail, word_quad{} + value * 0x01010101u);
+    if constexpr (tail % 16) store_loose(dst + N - 8, u64{value} * 0x0101010101010101);
+}
+
 inline void fill_bytes(u8* dst, u8 value, s64 n) {
     constexpr s64 long_run = 2048;  // from here on the C library's way is as fast or faster
     if (n >= long_run)
