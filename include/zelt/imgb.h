@@ -106,6 +106,43 @@ ZELT_API int32_t zelt_imgb_rebirth(ZELT_IMGB *img, int32_t w, int32_t h, int32_t
  *  @return         ZELT_OK, or ZELT_ERR_UNSUPPORTED, nothing being written then */
 ZELT_API int32_t zelt_imgb_get_dimension(int32_t cs, int32_t w[4], int32_t h[4], int32_t *nplanes, uint32_t bps[4]);
 
+/** Fills the border of every plane with the nearest sample of the picture: each row's first and last sample go left and
+ *  right, then the first and last row, with what is left and right of them, up and down. A plane is as large as plane
+ * 0's aligned size makes it (zelt_imgb_get_dimension), or as its own stride and rows less padding where that is
+ * smaller. The program is stopped as zelt_imgb_expand_ver and zelt_imgb_expand_hor do it, for planes of 8-bit samples
+ * with a border. Pictures of other than planar colour spaces stay as they are.
+ *  @param img  the picture
+ *  @param pad  the padding words that the picture was created with; half a word of 0 means no border there, null no
+ *              border at all. Where the halves of a word differ the left fill starts `low half` samples left of each
+ * row, not `high half`, and so may miss the border or fall into the picture; nothing outside a plane's memory is
+ *              written */
+ZELT_API void zelt_imgb_expand(ZELT_IMGB *img, const uint32_t *pad);
+
+/** Repeats a sample of each row: writes `count` copies of the one at `src`, and goes on to the next row. Any thread.
+ *  @param src     the sample of the first row
+ *  @param dst     where its copies go
+ *  @param rows    rows
+ *  @param stride  bytes from row to row, of both
+ *  @param count   copies: 8, 16, 24, 32, 40 or 80; 0 does nothing, any other number ends the program by a store to
+ *                 address 0 */
+ZELT_API void zelt_imgb_expand_ver(const uint8_t *src, uint8_t *dst, int32_t rows, int32_t stride, int32_t count);
+
+/** The same for 16-bit samples, with any count. Any thread.
+ *  @param src     the sample of the first row, 2-byte aligned
+ *  @param dst     where its copies go, 2-byte aligned
+ *  @param rows    rows
+ *  @param stride  bytes from row to row, of both, rounded up to an even number
+ *  @param count   copies; nothing is written below 1 */
+ZELT_API void zelt_imgb_expand_ver_16(const uint16_t *src, uint16_t *dst, int32_t rows, int32_t stride, int32_t count);
+
+/** Repeats a row of bytes: writes `count` copies of it, back to back. Any thread.
+ *  @param src    the row
+ *  @param dst    where its copies go
+ *  @param width  bytes in the row and from copy to copy, a multiple of 4; any other number ends the program by a store
+ * to address 0
+ *  @param count  copies; where width is not a multiple of 8, rounded up to a multiple of 8 */
+ZELT_API void zelt_imgb_expand_hor(const uint8_t *src, uint8_t *dst, int32_t width, int32_t count);
+
 ZELT_END_DECLS
 
 #endif

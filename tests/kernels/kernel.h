@@ -59,6 +59,7 @@ struct kernel {
 
 std::vector<kernel> converter_kernels();
 std::vector<kernel> high_depth_kernels();
+std::vector<kernel> memory_kernels();
 std::vector<kernel> metric_kernels();
 std::vector<kernel> resize_kernels();
 

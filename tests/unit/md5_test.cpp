@@ -107,7 +107,7 @@ using picture = std::unique_ptr<ZELT_IMGB, picture_deleter>;
 picture make_picture(int w, int h, int cs, const uint32_t* pad = nullptr) {
     picture img(zelt_imgb_create(w, h, cs, 0, nullptr, pad, nullptr, nullptr, nullptr));
     std::memset(img->base[0], 0xee, static_cast<std::size_t>(img->size));
-    int pw[4] = {w}, ph[4] = {h}, nplanes;
+    int pw[4] = {w}, ph[4] = {h}, nplanes = 0;  // packed pictures stay as they are
     uint32_t bps[4];
     zelt_imgb_get_dimension(cs, pw, ph, &nplanes, bps);
     for (int p = 0; p < nplanes; ++p)

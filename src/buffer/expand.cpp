@@ -1,0 +1,124 @@
+#include "core/isa.h"
+#include "core/loose.h"
+#include "core/types.h"
+#include "zelt/imgb.h"
+
+#if ZELT_SIMD
+#include "buffer/expand_simd.h"
+#else
+#include "buffer/expand_scalar.h"
+#endif
+
+#include <algorithm>
+
+using namespace zelt;
+
+namespace {
+/// Kept: ends the program, on every target alike, so that a width the kernels do not take shows at once.
+[[noreturn]] void stop() {
+    *static_cast<volatile int*>(nullptr) = 0;
+    __builtin_trap();
+}
+
+void expand_sideways(const u8* src, u8* dst, s64 rows, s64 stride, int count) {
+    switch (count) {
+    case 0: return;
+    case 8: return fast::expand_rows<8>(src, dst, rows, stride);
+    case 16: return fast::expand_rows<16>(src, dst, rows, stride);
+    case 24: return fast::expand_rows<24>(src, dst, rows, stride);
+    case 32: return fast::expand_rows<32>(src, dst, rows, stride);
+    case 40: return fast::expand_rows<40>(src, dst, rows, stride);
+    case 80: return fast::expand_rows<80>(src, dst, rows, stride);
+    default: stop();
+    }
+}
+
+void expand_sideways_16(const u8* src, u8* dst, s64 rows, s64 stride, int count) {
+    for (; rows > 0; --rows, src += stride, dst += stride)
+        fast::fill(dst, load_loose<u16>(src) * 0x10001u, 2 * s64{count});
+}
+
+s64 round_to_even(s64 stride) { return (stride + 1) >> 1 << 1; }
+
+/// A plane with its border, in bytes from the start of its memory. No caller's number leads out of that.
+struct bordered {
+    u8* memory;
+    s64 size, origin, stride;
+    s64 w, h;     // samples and rows without border
+    int element;  // bytes per sample
+    int bx, by;
+
+    void expand() const {
+        const s64 step = element == 2 ? round_to_even(stride) : stride;
+        // Kept: the left border is as wide as the high half says, and starts where the low half says.
+        sideways(origin, origin - s64{by} * element, step);
+        sideways(origin + (w - 1) * element, origin + w * element, step);
+        if (by && element == 1 && stride % 4) stop();
+        const s64 first = origin - s64{bx} * element, last = first + (h - 1) * stride;
+        for (int r = 1; r <= by; ++r) repeat_row(first, first - r * stride);
+        for (int r = 1; r <= by; ++r) repeat_row(last, last + r * stride);
+    }
+
+private:
+    bool holds(s64 from, s64 bytes) const { return from >= 0 && from + bytes <= size; }
+
+    void sideways(s64 src, s64 dst, s64 step) const {
+        const auto fill = element == 1 ? expand_sideways : expand_sideways_16;
+        const s64 last = (h - 1) * step, run = s64{bx} * element;
+        if (holds(src, element) && holds(src + last, element) && holds(dst, run) && holds(dst + last, run))
+            return fill(memory + src, memory + dst, h, step, bx);
+        fill(memory, memory, 0, step, bx);  // stops where the width is wrong
+        for (s64 r = 0; r < h; ++r, src += step, dst += step) {
+            const s64 left = std::max<s64>(-dst, 0), end = std::min(run, size - dst);
+            for (s64 i = (left + element - 1) / element * element; i + element <= end && holds(src, element);
+                 i += element)
+                std::memcpy(memory + dst + i, memory + src, static_cast<std::size_t>(element));
+        }
+    }
+
+    void repeat_row(s64 src, s64 dst) const {
+        const s64 left = std::max({s64{0}, -src, -dst}), end = std::min({stride, size - src, size - dst});
+        if (left < end) fast::copy(memory + dst + left, memory + src + left, end - left);
+    }
+};
+}  // namespace
+
+void zelt_imgb_expand(ZELT_IMGB* img, const uint32_t* pad) {
+    s32 w[4] = {img->aw}, h[4] = {img->ah}, nplanes;
+    u32 bps[4];
+    if (!pad || img->cs > 99 || zelt_imgb_get_dimension(img->cs, w, h, &nplanes, bps) != ZELT_OK) return;
+    for (int i = 0; i < nplanes; ++i) {
+        u8* const sample = static_cast<u8*>(img->plane[i]);
+        const int element = static_cast<int>(bps[i] >> 16), bx = static_cast<int>(pad[i] >> 16), by = pad[i] & 0xffff;
+        const s64 stride = img->stride[i], rows = img->rows[i];
+        const s64 own_w = stride / element - 2 * bx, own_h = rows - 2 * by;
+        // A picture that a caller put together may lack the start of its planes.
+        u8* const memory = img->base[i] ? static_cast<u8*>(img->base[i]) : sample - (bx * element + by * stride);
+        const bordered plane = {memory,
+                                stride * rows,
+                                sample - memory,
+                                stride,
+                                std::min<s64>(w[i], own_w),
+                                std::min<s64>(h[i], own_h),
+                                element,
+                                bx,
+                                by};
+        if (sample && plane.w > 0 && plane.h > 0) plane.expand();
+    }
+}
+
+void zelt_imgb_expand_ver(const uint8_t* src, uint8_t* dst, int32_t rows, int32_t stride, int32_t count) {
+    expand_sideways(src, dst, rows, stride, count);
+}
+
+void zelt_imgb_expand_ver_16(const uint16_t* src, uint16_t* dst, int32_t rows, int32_t stride, int32_t count) {
+    expand_sideways_16(reinterpret_cast<const u8*>(src), reinterpret_cast<u8*>(dst), rows, round_to_even(stride),
+                       count);
+}
+
+void zelt_imgb_expand_hor(const uint8_t* src, uint8_t* dst, int32_t width, int32_t count) {
+    if (width % 4) stop();
+    // Kept: rows whose width is an odd multiple of 4 are written in groups of eight.
+    const s64 rows = width % 8 ? (s64{count} + 7) / 8 * 8 : count;
+    for (s64 r = 0; r < rows; ++r) fast::copy(dst + r * width, src, width);
+}

@@ -1,0 +1,59 @@
+#pragma once
+#include "core/fill_scalar.h"
+#include "core/loose.h"
+#include "core/simd.h"
+
+namespace zelt::simd {
+typedef u32 word_register __attribute__((vector_size(lanes)));
+typedef u32 word_quad __attribute__((vector_size(16)));
+
+/// Writes a value at both ends of n bytes; they overlap where n is less than two of them. The word's period divides n,
+/// so that its phase is the same at either end.
+template <class T> void fill_ends(u8* dst, T value, s64 n) {
+    store_loose(dst, value);
+    store_loose(dst + n - static_cast<s64>(sizeof(T)), value);
+}
+
+inline void fill_short(u8* dst, u32 word, s64 n) {
+    if (n >= 16)
+        fill_ends(dst, word_quad{} + word, n);
+    else if (n >= 8)
+        fill_ends(dst, u64{word} << 32 | word, n);
+    else if (n >= 4)
+        fill_ends(dst, word, n);
+    else
+        scalar::fill(dst, word, n);
+}
+
+/// As scalar::fill, for n that the word's own period divides: 1, 2 or 4.
+inline void fill(u8* dst, u32 word, s64 n) {
+    if (n < lanes) return fill_short(dst, word, n);
+    fill_ends(dst, word_register{} + word, n);
+    // The rest in whole registers, which from here on stand at multiples of their size.
+    const s64 first = lanes - static_cast<s64>(reinterpret_cast<std::uintptr_t>(dst) % lanes);
+    const int turned = static_cast<int>(first % 4) * 8;
+    const word_register value = word_register{} + (turned ? word >> turned | word << (32 - turned) : word);
+    u8* p = dst + first;
+    u8* const end = dst + n - lanes;
+    for (; end - p >= 3 * lanes; p += 4 * lanes)
+        for (int i = 0; i < 4; ++i) *reinterpret_cast<word_register*>(p + i * lanes) = value;
+    for (; p < end; p += lanes) *reinterpret_cast<word_register*>(p) = value;
+}
+
+/// Writes N copies of a byte, N a multiple of 8.
+template <int N> void fill_fixed(u8* dst, u8 value) {
+    const word_register all = (word_register)(bytes{} + value);
+    constexpr int tail = N % lanes;
+    for (int i = 0; i + lanes <= N; i += lanes) store_loose(dst + i, all);
+    if constexpr (tail >= 16) store_loose(dst + N - tail, word_quad{} + value * 0x01010101u);
+    if constexpr (tail % 16) store_loose(dst + N - 8, u64{value} * 0x0101010101010101);
+}
+
+inline void fill_bytes(u8* dst, u8 value, s64 n) {
+    constexpr s64 long_run = 2048;  // from here on the C library's way is as fast or faster
+    if (n >= long_run)
+        std::memset(dst, value, static_cast<std::size_t>(n));
+    else
+        fill(dst, value * 0x01010101u, n);
+}
+}  // namespace zelt::simd

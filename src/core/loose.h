@@ -1,0 +1,16 @@
+#pragma once  // values at any address, as one load or store each
+#include "core/types.h"
+
+#include <type_traits>
+
+namespace zelt {
+template <class T> T load_loose(const u8* p) {
+    typedef T loose __attribute__((aligned(1), may_alias));
+    return *reinterpret_cast<const loose*>(p);
+}
+
+template <class T> void store_loose(u8* p, T value) {
+    typedef T loose __attribute__((aligned(1), may_alias));
+    *reinterpret_cast<loose*>(p) = value;
+}
+}  // namespace zelt

@@ -1,0 +1,117 @@
+#include "zelt/mem.h"
+
+#include "core/isa.h"
+#include "core/types.h"
+
+#if ZELT_SIMD
+#include "core/copy_simd.h"
+#include "core/fill_simd.h"
+#else
+#include "core/copy_scalar.h"
+#include "core/fill_scalar.h"
+#endif
+
+#include <algorithm>
+
+using namespace zelt;
+
+namespace {
+u8* bytes_at(void* p) { return static_cast<u8*>(p); }
+u8* bytes_at(s16* p) { return reinterpret_cast<u8*>(p); }
+const u8* bytes_at(const s16* p) { return reinterpret_cast<const u8*>(p); }
+
+s64 whole_steps(s64 size, s64 step) { return size / step * step; }
+
+struct area {
+    u8* dst;
+    const u8* src;
+    s64 s_dst, s_src, w, h;  // bytes
+};
+
+/// Kept: what is left of a run of 16-bit samples after pieces of 64 bytes is copied with its bytes counted as samples.
+/// A rest of 32 bytes of a row is a piece of its own.
+s64 doubled_tail(s64 n, bool contiguous) {
+    const s64 rest = n % 64;
+    return n < 64 || (rest == 32 && !contiguous) ? n : n + rest;
+}
+
+void copy_area(area a, int element) {
+    if (a.w <= 0 || a.h <= 0) return;
+    const bool contiguous = a.s_src == a.w && a.s_dst == a.w;
+    if (contiguous) {
+        a.w *= a.h;
+        a.h = 1;
+    }
+    const s64 n = element == 2 ? doubled_tail(a.w, contiguous) : a.w;
+    for (; a.h > 0; --a.h, a.dst += a.s_dst, a.src += a.s_src) fast::copy(a.dst, a.src, n);
+}
+
+template <int N> void copy_rows(area a) {
+    for (; a.h > 0; --a.h, a.dst += a.s_dst, a.src += a.s_src) fast::copy_fixed<N>(a.dst, a.src);
+}
+
+template <int Element> void copy_block(area a, int w) {
+    switch (w) {
+    case 2: return copy_rows<2 * Element>(a);
+    case 4: return copy_rows<4 * Element>(a);
+    case 6: return copy_rows<6 * Element>(a);
+    case 8: return copy_rows<8 * Element>(a);
+    case 12: return copy_rows<12 * Element>(a);
+    case 16: return copy_rows<16 * Element>(a);
+    case 24: return copy_rows<24 * Element>(a);
+    case 32: return copy_rows<32 * Element>(a);
+    case 48: return copy_rows<48 * Element>(a);
+    default: return copy_rows<64 * Element>(a);  // Kept: whatever the width says
+    }
+}
+
+area bytes_of(u8* dst, const u8* src, int s_dst, int s_src, int w, int h) { return {dst, src, s_dst, s_src, w, h}; }
+area bytes_of(s16* dst, const s16* src, int s_dst, int s_src, int w, int h) {
+    return {bytes_at(dst), bytes_at(src), 2 * s64{s_dst}, 2 * s64{s_src}, 2 * s64{w}, h};
+}
+}  // namespace
+
+void zelt_mset_x128(void* dst, uint32_t val, int size) {
+    // Kept: rounds up, and writes one step at least.
+    fast::fill(bytes_at(dst), val, whole_steps(std::max<s64>(size, 1) + 127, 128));
+}
+
+void zelt_mset_x64(void* dst, int val, int size) {
+    // Kept: steps of 128 whatever the name says.
+    fast::fill_bytes(bytes_at(dst), static_cast<u8>(val), whole_steps(std::max(size, 0), 128));
+}
+
+void zelt_mset_x64a(void* dst, int val, int size) { fast::fill_bytes(bytes_at(dst), static_cast<u8>(val), size); }
+
+void zelt_mset_x32(void* dst, uint32_t val, int size) {
+    fast::fill(bytes_at(dst), val, whole_steps(std::max(size, 0), 32));
+}
+
+void zelt_mset_x32ax4(void* dst, uint32_t val, int size) {
+    // Kept: one step at least, and a tail of the low byte alone.
+    const s64 steps = whole_steps(std::max(size, 32), 32);
+    fast::fill(bytes_at(dst), val, steps);
+    fast::fill_bytes(bytes_at(dst) + steps, static_cast<u8>(val), size - steps);
+}
+
+void zelt_mclr_x64(void* dst, int n) { fast::fill_bytes(bytes_at(dst), 0, 4 * whole_steps(std::max(n, 0), 64)); }
+
+void zelt_mset16(int16_t* dst, int val, int n) {
+    fast::fill(bytes_at(dst), static_cast<u16>(val) * 0x10001u, 2 * s64{n});
+}
+
+void zelt_mcpy_pic(uint8_t* dst, const uint8_t* src, int s_dst, int s_src, int w, int h) {
+    copy_area(bytes_of(dst, src, s_dst, s_src, w, h), 1);
+}
+
+void zelt_mcpy_pic_16(int16_t* dst, const int16_t* src, int s_dst, int s_src, int w, int h) {
+    copy_area(bytes_of(dst, src, s_dst, s_src, w, h), 2);
+}
+
+void zelt_mcpy_blk(uint8_t* dst, const uint8_t* src, int s_dst, int s_src, int w, int h) {
+    copy_block<1>(bytes_of(dst, src, s_dst, s_src, w, h), w);
+}
+
+void zelt_mcpy_blk_16(int16_t* dst, const int16_t* src, int s_dst, int s_src, int w, int h) {
+    copy_block<2>(bytes_of(dst, src, s_dst, s_src, w, h), w);
+}

@@ -1,0 +1,166 @@
+// Models and rows of the fills and copies: step by step, as their documentation counts.
+#include "kernels/kernel.h"
+#include "zelt/mem.h"
+
+#include <algorithm>
+
+namespace zelt::test {
+namespace {
+// --------------------------------------------------------------------------------------------------------------- fills
+
+constexpr u32 word = 0x9c3a51e4;
+
+struct fill {
+    const char* name;
+    function exported;
+    int (*length)(int size);      // bytes that are written
+    u8 (*byte)(int i, int size);  // the one at place i
+    int element = 1;
+};
+
+u8 low_byte(int, int) { return word & 255; }
+u8 of_word(int i, int) { return static_cast<u8>(word >> i % 4 * 8); }
+
+const fill fills[] = {
+    {"zelt_mset_x128", reinterpret_cast<function>(zelt_mset_x128),
+     [](int size) {
+         int length = 0;
+         for (long long left = size; left == size || left > 0; left -= 128) length += 128;
+         return length;
+     },
+     of_word},
+    {"zelt_mset_x64", reinterpret_cast<function>(zelt_mset_x64),
+     [](int size) { return size < 128 ? 0 : size / 128 * 128; }, low_byte},
+    {"zelt_mset_x64a", reinterpret_cast<function>(zelt_mset_x64a), [](int size) { return std::max(size, 0); },
+     low_byte},
+    {"zelt_mset_x32", reinterpret_cast<function>(zelt_mset_x32),
+     [](int size) { return size < 32 ? 0 : size / 32 * 32; }, of_word},
+    {"zelt_mset_x32ax4", reinterpret_cast<function>(zelt_mset_x32ax4), [](int size) { return std::max(size, 32); },
+     [](int i, int size) { return i < 32 || i < size / 32 * 32 ? of_word(i, size) : low_byte(i, size); }},
+    {"zelt_mclr_x64", reinterpret_cast<function>(+[](void* dst, u32, int n) { zelt_mclr_x64(dst, n); }),
+     [](int n) { return n < 64 ? 0 : n / 64 * 256; }, [](int, int) { return u8{0}; }},
+    {"zelt_mset16", reinterpret_cast<function>(zelt_mset16), [](int n) { return n < 1 ? 0 : 2 * n; },
+     [](int i, int) { return of_word(i % 2, 0); }, 2},
+};
+
+std::vector<shape> fill_shapes() {
+    std::vector<shape> all;
+    for (int n = -1; n < 70; ++n) all.push_back({n, 1});
+    for (const int n : {95, 96, 127, 128, 129, 160, 192, 255, 256, 257, 300, 511, 520, 1023, 1024, 2047, 2048, 5000})
+        all.push_back({n, 1});
+    all.push_back({-0x7fffffff - 1, 1});
+    return all;
+}
+
+kernel row(const fill& f) {
+    return {.name = f.name,
+            .exported = f.exported,
+            .shapes = fill_shapes(),
+            .operands =
+                [=](shape s) {
+                    // One sample stays as it is where nothing is to be written.
+                    const int samples = std::max(f.length(s.w) / f.element, 1);
+                    return std::vector<operand>{{.width = samples, .rows = 1, .element = f.element, .written = true}};
+                },
+            .call =
+                [](function fn, shape s, const view* v) {
+                    reinterpret_cast<void (*)(void*, u32, int)>(fn)(v[0].p, word, s.w);
+                    return u64{0};
+                },
+            .model =
+                [=](shape s, const view* v) {
+                    for (int i = 0; i < f.length(s.w); ++i) v[0].p[i] = f.byte(i, s.w);
+                    return u64{0};
+                }};
+}
+
+// -------------------------------------------------------------------------------------------------------------- copies
+
+struct copy {
+    std::string name;
+    function exported;
+    int element;
+    bool contiguous;  // both strides are the width
+    std::vector<shape> shapes;
+    int (*width)(const copy&, shape);  // bytes that are copied of each row, or of the only one
+
+    shape laid_out(shape s) const {
+        const shape area = contiguous ? shape{s.w * s.h, 1} : s;
+        return {width(*this, area) / element, area.h};
+    }
+};
+
+int exact(const copy& c, shape s) { return s.w * c.element; }
+
+/// Pieces of 64 bytes, 32 at the end of a row, and what is left as so many samples of 16 bits
+int doubled(const copy& c, shape s) {
+    const int bytes = 2 * s.w, left = bytes % 64;
+    return bytes < 64 || (left == 32 && !c.contiguous) ? bytes : bytes - left + 2 * left;
+}
+
+int block(const copy& c, shape s) {
+    for (const int w : {2, 4, 6, 8, 12, 16, 24, 32, 48})
+        if (s.w == w) return w * c.element;
+    return 64 * c.element;
+}
+
+kernel row(const copy& c) {
+    return {.name = c.name,
+            .exported = c.exported,
+            .shapes = c.shapes,
+            .operands =
+                [=](shape s) {
+                    const shape all = c.laid_out(s);
+                    operand o{
+                        .width = all.w, .rows = all.h, .element = c.element, .high = c.element == 2 ? 0xffff : 255};
+                    std::vector<operand> both{o, o};
+                    both[0].written = true;
+                    return both;
+                },
+            .call =
+                [=](function fn, shape s, const view* v) {
+                    const auto samples = [&](int i) {
+                        return c.contiguous ? s.w : static_cast<int>(v[i].stride) / c.element;
+                    };
+                    reinterpret_cast<void (*)(void*, const void*, int, int, int, int)>(fn)(v[0].p, v[1].p, samples(0),
+                                                                                           samples(1), s.w, s.h);
+                    return u64{0};
+                },
+            .model =
+                [=](shape s, const view* v) {
+                    const shape all = c.laid_out(s);
+                    for (int y = 0; y < all.h; ++y)
+                        std::copy_n(v[1].p + y * v[1].stride, all.w * c.element, v[0].p + y * v[0].stride);
+                    return u64{0};
+                }};
+}
+
+std::vector<shape> area_shapes() {
+    std::vector<shape> all = picture_shapes();
+    for (const int w : {36, 40, 80, 112, 128, 176, 320, 511, 512, 513, 1024, 1500, 2100}) all.push_back({w, 1 + w % 4});
+    return all;
+}
+
+std::vector<shape> block_shapes() {
+    std::vector<shape> all;
+    for (const int w : {2, 4, 6, 8, 12, 16, 24, 32, 48, 64, 0, 1, 3, 20, 128, -8})
+        for (const int h : {1, 2, 3, 4, 8, 13}) all.push_back({w, h});
+    return all;
+}
+}  // namespace
+
+std::vector<kernel> memory_kernels() {
+    std::vector<kernel> rows;
+    for (const fill& f : fills) rows.push_back(row(f));
+    const function pic = reinterpret_cast<function>(zelt_mcpy_pic),
+                   pic_16 = reinterpret_cast<function>(zelt_mcpy_pic_16);
+    rows.push_back(row({"zelt_mcpy_pic", pic, 1, false, area_shapes(), exact}));
+    rows.push_back(row({"zelt_mcpy_pic contiguous", pic, 1, true, area_shapes(), exact}));
+    rows.push_back(row({"zelt_mcpy_pic_16", pic_16, 2, false, area_shapes(), doubled}));
+    rows.push_back(row({"zelt_mcpy_pic_16 contiguous", pic_16, 2, true, area_shapes(), doubled}));
+    rows.push_back(row({"zelt_mcpy_blk", reinterpret_cast<function>(zelt_mcpy_blk), 1, false, block_shapes(), block}));
+    rows.push_back(
+        row({"zelt_mcpy_blk_16", reinterpret_cast<function>(zelt_mcpy_blk_16), 2, false, block_shapes(), block}));
+    return rows;
+}
+}  // namespace zelt::test
