@@ -59,6 +59,34 @@ template <int W, int R> auto load_words(const s16* samples, std::ptrdiff_t strid
 template <int W, int R> auto load_words(const u16* p, std::ptrdiff_t stride) {
     return load_words<W, R>(reinterpret_cast<const s16*>(p), stride);
 }
+/// Each byte of a row once for sums, once for differences
+template <int W, int R> auto double_rows(const u8* p, std::ptrdiff_t stride) {
+    const auto eight = [](const u8* from) {
+        long long v;
+        std::memcpy(&v, from, sizeof v);
+        return v;
+    };
+    if constexpr (W == 16)
+        return _mm256_broadcastsi128_si256(load_xmm(p));
+    else if constexpr (R == 2)
+        return _mm256_blend_epi32(_mm256_set1_epi64x(eight(p)), _mm256_set1_epi64x(eight(p + stride)), 0xF0);
+    else
+        return _mm_set1_epi64x(eight(p));
+}
+template <int W, int R> auto paired_residual(const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
+    if constexpr (W * R == 16) {
+        constexpr int together = 0x01010101, apart = static_cast<int>(0xFF01FF01);
+        const __m256i signs =
+            W == 16 ? _mm256_setr_epi32(together, together, together, together, apart, apart, apart, apart)
+                    : _mm256_setr_epi32(together, together, apart, apart, together, together, apart, apart);
+        return (uhalf)_mm256_maddubs_epi16(double_rows<W, R>(a, sa), signs) -
+               (uhalf)_mm256_maddubs_epi16(double_rows<W, R>(b, sb), signs);
+    } else {
+        const __m128i signs = _mm_set_epi64x(static_cast<s64>(0xFF01FF01FF01FF01), 0x0101010101010101);
+        return (words8)_mm_maddubs_epi16(double_rows<W, R>(a, sa), signs) -
+               (words8)_mm_maddubs_epi16(double_rows<W, R>(b, sb), signs);
+    }
+}
 template <int W, int R, class V> void store_words(s16* p, std::ptrdiff_t stride, V v) {
     if constexpr (is_wide<V>) {
         store_register(reinterpret_cast<u8*>(p), (__m256i)v);
@@ -75,6 +103,18 @@ template <int W, int R, class V> void store_words(s16* p, std::ptrdiff_t stride,
         }
     }
 }
+
+inline void store_difference(s16* p, bytes a, bytes b) {
+    const words d = dot<1, -1>(a, b);  // of each 128 bits the low and the high half
+    u8* to = reinterpret_cast<u8*>(p);
+    store_register(to, _mm256_permute2x128_si256((__m256i)d.lo, (__m256i)d.hi, 0x20));
+    store_register(to + lanes, _mm256_permute2x128_si256((__m256i)d.lo, (__m256i)d.hi, 0x31));
+}
+
+inline sums extend(sums4 s) { return (sums)_mm256_zextsi128_si256((__m128i)s); }
+inline sums extend(sums s) { return s; }
+inline uhalf extend(words8 s) { return (uhalf)_mm256_zextsi128_si256((__m128i)s); }
+inline uhalf extend(uhalf s) { return s; }
 
 inline u32 total(sums4 s) {
     const __m128i two = _mm_add_epi32((__m128i)s, _mm_shuffle_epi32((__m128i)s, 0xEE));
@@ -122,6 +162,12 @@ template <class V> V sub_sat(V a, V b) {
     else
         return (V)_mm_subs_epi16((__m128i)a, (__m128i)b);
 }
+template <class V> V add_sat_signed(V a, V b) {
+    if constexpr (is_wide<V>)
+        return (V)_mm256_adds_epi16((__m256i)a, (__m256i)b);
+    else
+        return (V)_mm_adds_epi16((__m128i)a, (__m128i)b);
+}
 template <class V> V add_sat(V a, V b) {
     if constexpr (is_wide<V>)
         return (V)_mm256_adds_epu16((__m256i)a, (__m256i)b);
@@ -138,15 +184,11 @@ template <class V> sums_of<V> multiply_pairs(V a, V b) {
 
 /// A difference out of range saturates, and one that did takes the sum to 32767 or more.
 template <class V> V add_abs_diff(V s, V a, V b) { return add_sat(s, abs(sub_sat(a, b))); }
-template <class V> bool any_from_32768(V a) {
+template <class V> bool any_high(V a) {
     if constexpr (is_wide<V>)
         return _mm256_movemask_epi8((__m256i)a) & static_cast<int>(0xAAAAAAAA);
     else
         return _mm_movemask_epi8((__m128i)a) & 0xAAAA;
-}
-template <class V> bool any_over(V a) { return any_from_32768(add_sat(a, V{} + 1)); }
-template <int N, class V> bool any_from(V a) {
-    return any_from_32768(add_sat(a, V{} + static_cast<u16>(32768 - (1 << N))));
 }
 
 template <class V> sums_of<V> add_pairs(sums_of<V> s, V a) { return s + multiply_pairs(a, V{} + 1); }
@@ -162,6 +204,10 @@ template <class V> square_sums<V> add_squares(square_sums<V> s, V a, V b) {
     const V d = sub_sat(a, b);
     const sums_of<V> squares = multiply_pairs(d, d);
     return {s.sum + squares, s.seen | squares};
+}
+inline square_sums<uhalf> add_squares(square_sums<uhalf> s, bytes a, bytes b) {
+    const words d = dot<1, -1>(a, b);
+    return {s.sum + (multiply_pairs((uhalf)d.lo, (uhalf)d.lo) + multiply_pairs((uhalf)d.hi, (uhalf)d.hi)), s.seen};
 }
 template <class V> bool exact(square_sums<V> s) {
     sums4 seen;
@@ -206,11 +252,4 @@ template <class V> void exchange_lanes(V& a, V& b) {
     const __m256i va = (__m256i)a, vb = (__m256i)b;
     a = (V)_mm256_blend_epi32(va, vb, 0xF0), b = (V)_mm256_permute2x128_si256(va, vb, 0x21);
 }
-
-inline void widen_butterfly(uhalf a, sums& sum, sums& difference) {
-    sum = multiply_pairs(a, uhalf{} + 1);
-    difference = multiply_pairs(a, (uhalf)(sums{} + 0xFFFF0001));
-}
-inline sums abs(sums a) { return (sums)_mm256_abs_epi32((__m256i)a); }
-inline sums max(sums a, sums b) { return (sums)_mm256_max_epu32((__m256i)a, (__m256i)b); }
 }  // namespace zelt::simd

@@ -50,12 +50,25 @@ template <int W, int R> uhalf load_words(const s16* p, std::ptrdiff_t stride) {
 template <int W, int R> uhalf load_words(const u16* p, std::ptrdiff_t stride) {
     return load_words<W, R>(reinterpret_cast<const s16*>(p), stride);
 }
+template <int W, int R> uhalf paired_residual(const u8* a, const u8* b, std::ptrdiff_t, std::ptrdiff_t) {
+    const int16x8_t d = vreinterpretq_s16_u16(vsubl_u8(vld1_u8(a), vld1_u8(b)));
+    const int16x4x2_t pairs = vuzp_s16(vget_low_s16(d), vget_high_s16(d));
+    return (uhalf)vcombine_s16(vadd_s16(pairs.val[0], pairs.val[1]), vsub_s16(pairs.val[0], pairs.val[1]));
+}
 template <int W, int R> void store_words(s16* p, std::ptrdiff_t stride, uhalf v) {
     if constexpr (W == 8)
         vst1q_u16(reinterpret_cast<u16*>(p), (uint16x8_t)v);
     else
         for (int i = 0; i < R; ++i) std::memcpy(p + i * stride, reinterpret_cast<const u8*>(&v) + 2 * W * i, 2 * W);
 }
+
+inline void store_difference(s16* p, bytes a, bytes b) {
+    const words d = difference(a, b);
+    vst1q_s16(p, (int16x8_t)d.lo), vst1q_s16(p + 8, (int16x8_t)d.hi);
+}
+
+inline sums extend(sums s) { return s; }
+inline uhalf extend(uhalf s) { return s; }
 
 inline u32 total(uint32x4_t s) {
 #ifdef __aarch64__
@@ -76,6 +89,7 @@ inline u32 total(byte_sums<bytes> s) { return total(vpadalq_u16(vpaddlq_u16((uin
 inline uhalf abs(uhalf a) { return (uhalf)vabsq_s16((int16x8_t)a); }
 inline uhalf max(uhalf a, uhalf b) { return (uhalf)vmaxq_u16((uint16x8_t)a, (uint16x8_t)b); }
 inline uhalf mean_up(uhalf a, uhalf b) { return (uhalf)vrhaddq_u16((uint16x8_t)a, (uint16x8_t)b); }
+inline uhalf add_sat_signed(uhalf a, uhalf b) { return (uhalf)vqaddq_s16((int16x8_t)a, (int16x8_t)b); }
 inline uhalf sub_sat(uhalf a, uhalf b) { return (uhalf)vqsubq_s16((int16x8_t)a, (int16x8_t)b); }
 
 inline uhalf add_abs_diff(uhalf s, uhalf a, uhalf b) {
@@ -90,8 +104,7 @@ inline u16 largest(uhalf a) {
     return vget_lane_u16(vpmax_u16(v, v), 0);
 #endif
 }
-inline bool any_over(uhalf a) { return largest(a) >= 32767; }
-template <int N> bool any_from(uhalf a) { return largest(a) >= 1 << N; }
+inline bool any_high(uhalf a) { return largest(a) >> 15; }
 
 inline sums add_pairs(sums s, uhalf a) { return (sums)vpadalq_u16((uint32x4_t)s, (uint16x8_t)a); }
 inline sums add_pairs_to(sums s, uhalf a) { return add_pairs(s, a); }
@@ -103,6 +116,11 @@ inline square_sums<uhalf> add_squares(square_sums<uhalf> s, uhalf a, uhalf b) {
     const uint32x4_t lo = (uint32x4_t)vsubl_s16(vget_low_s16(va), vget_low_s16(vb));
     const uint32x4_t hi = (uint32x4_t)vsubl_s16(vget_high_s16(va), vget_high_s16(vb));
     return {(sums)vmlaq_u32((uint32x4_t)s.lo, lo, lo), (sums)vmlaq_u32((uint32x4_t)s.hi, hi, hi)};
+}
+inline square_sums<uhalf> add_squares(square_sums<uhalf> s, bytes a, bytes b) {
+    const uint8x16_t d = vabdq_u8((uint8x16_t)a, (uint8x16_t)b);
+    const uint16x8_t lo = vmull_u8(vget_low_u8(d), vget_low_u8(d)), hi = vmull_u8(vget_high_u8(d), vget_high_u8(d));
+    return {add_pairs(s.lo, (uhalf)lo), add_pairs(s.hi, (uhalf)hi)};
 }
 inline bool exact(square_sums<uhalf>) { return true; }
 inline u32 total(square_sums<uhalf> s) { return total(s.lo + s.hi); }
@@ -120,11 +138,4 @@ template <class V> void exchange_qwords(V& a, V& b) {
     a = (V)vcombine_u32(vget_low_u32(va), vget_low_u32(vb));
     b = (V)vcombine_u32(vget_high_u32(va), vget_high_u32(vb));
 }
-
-inline void widen_butterfly(uhalf a, sums& sum, sums& difference) {
-    const int32x4_t odd = vshrq_n_s32((int32x4_t)a, 16), both = vpaddlq_s16((int16x8_t)a);
-    sum = (sums)both, difference = (sums)vsubq_s32(both, vaddq_s32(odd, odd));
-}
-inline sums abs(sums a) { return (sums)vabsq_s32((int32x4_t)a); }
-inline sums max(sums a, sums b) { return (sums)vmaxq_u32((uint32x4_t)a, (uint32x4_t)b); }
 }  // namespace zelt::simd

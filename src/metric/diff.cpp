@@ -10,8 +10,8 @@
 using namespace zelt;
 
 #define KERNEL(W, H, suffix, A, B)                                                                                \
-    void zelt_diff##W##x##H##suffix(const void* src1, const void* src2, int s_src1, int s_src2, int s_diff,       \
-                                    int16_t* diff) {                                                              \
+    [[gnu::flatten]] void zelt_diff##W##x##H##suffix(const void* src1, const void* src2, int s_src1, int s_src2,  \
+                                                     int s_diff, int16_t* diff) {                                 \
         fast::diff<W, H>(static_cast<const A*>(src1), static_cast<const B*>(src2), s_src1, s_src2, s_diff, diff); \
     }
 #define EXPORT_16(W, H) KERNEL(W, H, _16, s16, s16)

@@ -10,9 +10,9 @@
 
 using namespace zelt;
 
-#define KERNEL(W, H, suffix, A, B)                                                                        \
-    uint32_t zelt_sad##W##x##H##suffix(const void* src1, const void* src2, int s_src1, int s_src2) {      \
-        return fast::sad<W, H>(static_cast<const A*>(src1), static_cast<const B*>(src2), s_src1, s_src2); \
+#define KERNEL(W, H, suffix, A, B)                                                                                    \
+    [[gnu::flatten]] uint32_t zelt_sad##W##x##H##suffix(const void* src1, const void* src2, int s_src1, int s_src2) { \
+        return fast::sad<W, H>(static_cast<const A*>(src1), static_cast<const B*>(src2), s_src1, s_src2);             \
     }
 #define MIXED_NONE(W, H)
 #define MIXED_ALIAS(W, H)      \

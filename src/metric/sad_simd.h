@@ -17,10 +17,11 @@ template <int W> using row_sums = byte_sums<std::conditional_t<(W >= lanes), byt
 
 template <int W, int H>
 row_sums<W> add_block(row_sums<W> sum, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
-    constexpr int rows = byte_step<W, H>::rows, columns = byte_step<W, H>::columns;
-    for (int y = 0; y < H; y += rows, a += rows * sa, b += rows * sb)
-        for (int x = 0; x < W; x += columns)
-            sum = add_abs_diff(sum, load_rows<columns, rows>(a + x, sa), load_rows<columns, rows>(b + x, sb));
+    using step = byte_step<W, H>;
+    each_step<step, W, H>(a, b, sa, sb, [&](const u8* pa, const u8* pb) {
+        sum = add_abs_diff(sum, load_rows<step::columns, step::rows>(pa, sa),
+                           load_rows<step::columns, step::rows>(pb, sb));
+    });
     return sum;
 }
 
@@ -29,18 +30,23 @@ requires worth_a_register<W, H, u8> u32 sad(const u8* a, const u8* b, int sa, in
     return total(add_block<W, H>(row_sums<W>{}, a, b, sa, sb));
 }
 
-/// Any number of rows, in pieces that the partial sums can take
-template <int W> u32 sad_rows(int h, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
+/// Up to as many rows as the partial sums can take
+constexpr int rows_at_once = 256;
+template <int W> u32 sad_few_rows(int h, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
+    row_sums<W> sum{};
+    for (; h >= 8; h -= 8, a += 8 * sa, b += 8 * sb) sum = add_block<W, 8>(sum, a, b, sa, sb);
+    for (; h > 0; --h, a += sa, b += sb) sum = add_block<W, 1>(sum, a, b, sa, sb);
+    return total(sum);
+}
+template <int W>
+[[gnu::noinline]] u32 sad_many_rows(int h, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
     u32 sum = 0;
-    while (h > 0) {
-        int rows = std::min(h, 256);
-        h -= rows;
-        row_sums<W> part{};
-        for (; rows >= 8; rows -= 8, a += 8 * sa, b += 8 * sb) part = add_block<W, 8>(part, a, b, sa, sb);
-        for (; rows > 0; --rows, a += sa, b += sb) part = add_block<W, 1>(part, a, b, sa, sb);
-        sum += total(part);
-    }
-    return sum;
+    for (; h > rows_at_once; h -= rows_at_once, a += rows_at_once * sa, b += rows_at_once * sb)
+        sum += sad_few_rows<W>(rows_at_once, a, b, sa, sb);
+    return sum + sad_few_rows<W>(h, a, b, sa, sb);
+}
+template <int W> u32 sad_rows(int h, const u8* a, const u8* b, int sa, int sb) {
+    return h == W ? sad<W, W>(a, b, sa, sb) : sad_many_rows<W>(h, a, b, sa, sb);
 }
 
 /// One row of any width
@@ -92,14 +98,20 @@ inline int sad_eskip(int w, int h, const u8* a, const u8* b, int sa, int sb, int
 // ------------------------------------------------------------------------------------------- 16-bit and mixed samples
 
 /// Sums of up to eight magnitudes, exact together as long as none of them reaches 32767. With samples of 12 bits none
-/// does; otherwise the scalar form has the result.
-template <class V> struct magnitudes {
+/// does; otherwise the scalar form has the result. Each sum starts with 1, so that those have the highest bit.
+template <class V> class magnitudes {
+public:
     static constexpr int at_once = 8;
-    sums_of<V> sum{};
-    V peak{};
+    static V start() { return V{} + 1; }
 
-    void add(V part) { sum = add_pairs(sum, part), peak = max(peak, part); }
-    bool exact() const { return !any_over(peak); }
+    void add(V part) { sum_ = add_pairs(sum_, part), all_ |= part, ++parts_; }
+    bool exact() const { return !any_high(all_); }
+    u32 total() const { return simd::total(sum_) - parts_ * static_cast<u32>(sizeof(V) / sizeof(u16)); }
+
+private:
+    sums_of<V> sum_{};
+    V all_{};
+    u32 parts_ = 0;
 };
 
 template <int W, int H, class A, class B>
@@ -109,27 +121,28 @@ template <int W, int H, class A, class B>
 
 template <int W, int H, class B>
 requires worth_a_register<W, H, s16> u32 sad(const s16* a, const B* b, int sa, int sb) {
-    constexpr int rows = word_step<W, H>::rows, columns = word_step<W, H>::columns;
-    using V = words_of<columns * rows>;
-    constexpr int group = std::min(magnitudes<V>::at_once * columns / W, H / rows) * rows;
-    const s16* pa = a;
-    const B* pb = b;
+    using step = word_step<W, H>;
+    using V = words_of<step::columns * step::rows>;
+    constexpr int group = std::min(magnitudes<V>::at_once * step::columns / W, H / step::rows) * step::rows;
     magnitudes<V> all;
+#pragma GCC unroll 1
     for (int y = 0; y < H; y += group) {
-        V part{};
-        for (int i = 0; i < group; i += rows, pa += rows * std::ptrdiff_t{sa}, pb += rows * std::ptrdiff_t{sb})
-            for (int x = 0; x < W; x += columns)
-                part = add_abs_diff(part, load_words<columns, rows>(pb + x, sb), load_words<columns, rows>(pa + x, sa));
+        V part = magnitudes<V>::start();
+        each_step<step, W, group>(a + y * std::ptrdiff_t{sa}, b + y * std::ptrdiff_t{sb}, sa, sb,
+                                  [&](const s16* pa, const B* pb) {
+                                      part = add_abs_diff(part, load_words<step::columns, step::rows>(pb, sb),
+                                                          load_words<step::columns, step::rows>(pa, sa));
+                                  });
         all.add(part);
     }
     if (!all.exact()) [[unlikely]]
         return sad_of_large<W, H>(a, b, sa, sb);
-    return total(all.sum);
+    return all.total();
 }
 
 /// W columns of a few rows
 template <int W> words_of<W> sad_part(int h, const s16* a, const s16* b, int sa, int sb) {
-    words_of<W> part{};
+    words_of<W> part = magnitudes<words_of<W>>::start();
     for (; h > 0; --h, a += sa, b += sb) part = add_abs_diff(part, load_words<W, 1>(b, sb), load_words<W, 1>(a, sa));
     return part;
 }
@@ -144,12 +157,13 @@ inline u32 sad(int w, int h, const s16* a, const s16* b, int sa, int sb) {
         const int rows = std::min(left, most);
         int x = 0;
         for (; w - x >= word_lanes; x += word_lanes) wide.add(sad_part<word_lanes>(rows, pa + x, pb + x, sa, sb));
-        for (; w - x >= 8; x += 8) narrow.add(sad_part<8>(rows, pa + x, pb + x, sa, sb));
-        for (; w - x >= 4; x += 4) narrow.add(sad_part<4>(rows, pa + x, pb + x, sa, sb));
-        sum += scalar::sad(w - x, rows, pa + x, pb + x, sa, sb);
+        if (w - x >= 8) narrow.add(sad_part<8>(rows, pa + x, pb + x, sa, sb)), x += 8;
+        if (w - x >= 4) narrow.add(sad_part<4>(rows, pa + x, pb + x, sa, sb)), x += 4;
+        if (w - x >= 2) narrow.add(sad_part<2>(rows, pa + x, pb + x, sa, sb)), x += 2;
+        if (w - x >= 1) sum += scalar::sad(1, rows, pa + x, pb + x, sa, sb);
     }
     if (!wide.exact() || !narrow.exact()) [[unlikely]]
         return scalar::sad(w, h, a, b, sa, sb);
-    return sum + total(wide.sum) + total(narrow.sum);
+    return sum + wide.total() + narrow.total();
 }
 }  // namespace zelt::simd

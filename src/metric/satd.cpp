@@ -8,10 +8,10 @@
 
 using namespace zelt;
 
-#define KERNEL(N, suffix, A, B)                                                                       \
-    int zelt_satd##N##suffix(const void* src1, const void* src2, int s_src1, int s_src2) {            \
-        return static_cast<int>(                                                                      \
-            fast::satd##N(static_cast<const A*>(src1), static_cast<const B*>(src2), s_src1, s_src2)); \
+#define KERNEL(N, suffix, A, B)                                                                             \
+    [[gnu::flatten]] int zelt_satd##N##suffix(const void* src1, const void* src2, int s_src1, int s_src2) { \
+        return static_cast<int>(                                                                            \
+            fast::satd##N(static_cast<const A*>(src1), static_cast<const B*>(src2), s_src1, s_src2));       \
     }
 extern "C" {
 KERNEL(4x4, , u8, u8)
@@ -26,10 +26,10 @@ KERNEL(8x8, _bi_16, s16, s16)
 
 int zelt_hadamard4x4(const int16_t* res) { return static_cast<int>(fast::hadamard4x4(res)); }
 
-int zelt_satd(int w, int h, const uint8_t* src1, const uint8_t* src2, int s_src1, int s_src2) {
+[[gnu::flatten]] int zelt_satd(int w, int h, const uint8_t* src1, const uint8_t* src2, int s_src1, int s_src2) {
     return static_cast<int>(fast::satd_tiles(w, h, src1, src2, s_src1, s_src2));
 }
 
-int zelt_satd_16(int w, int h, const int16_t* src1, const int16_t* src2, int s_src1, int s_src2) {
+[[gnu::flatten]] int zelt_satd_16(int w, int h, const int16_t* src1, const int16_t* src2, int s_src1, int s_src2) {
     return static_cast<int>(fast::satd_tiles(w, h, src1, src2, s_src1, s_src2));
 }
