@@ -10,7 +10,7 @@ struct picture_start {  // H.263: 00 00, then the bits 1000 00
     template <class V> static auto third(V c) { return (c & 0xFC) == 0x80; }
 };
 struct unit_or_picture_start {  // MPEG-4 part 2: either
-    template <class V> static auto third(V c) { return unit_start::third(c) | picture_start::third(c); }
+    template <class V> static auto third(V c) { return (c == 1) | ((c & 0xFC) == 0x80); }
 };
 
 /// Whether a start code begins at each place; `a b c` are the bytes there and at the two places after it.
