@@ -15,7 +15,7 @@ namespace {
     X(AUD_PCM) X(AUD_ALAW) X(AUD_MULAW) X(AUD_MPEG) X(AUD_MP3) X(AUD_AAC) X(AUD_AC3) X(AUD_DTS)            \
     X(AUD_AMR_NB) X(AUD_AMR_WB) X(AUD_QCELP) X(AUD_WMA) X(AUD_WMA_PRO) X(AUD_WMA_LOSSLESS) X(AUD_EVRC)     \
     X(AUD_SIPR) X(AUD_COOK) X(DRM_DIVX) X(SUB_SRT) X(SUB_TX3G) X(SUB_ASS) X(SUB_SSA)
-#define NAME(type) case ZELT_MT_##type: return #type + 4;
+#define NAME(type) case ZELT_MT_##type: return &#type[4];
 // clang-format on
 
 const char* name_of(int32_t media_type) {
