@@ -10,6 +10,7 @@ check_packages=(clang clang-format doxygen shellcheck)
 # the benchmark, and the libraries that it compares with
 bench_packages=("${build_packages[@]}" python3 libbenchmark-dev libyuv-dev libopencv-core-dev libturbojpeg0-dev
     libgstreamer1.0-dev libavutil-dev libx264-dev libx265-dev libnuma-dev libvpx-dev libaom-dev)
+fuzz_packages=(clang cmake ninja-build googletest libgtest-dev)
 instruction_packages=(g++ cmake ninja-build python3 qemu-user g++-arm-linux-gnueabi)
 }
 
