@@ -17,6 +17,16 @@
 //   any(mask)                    whether a byte is set, of bytes that are 0 or 255
 //   load_words, store_words      `lanes` samples of 16 bits; their order inside `words` is not that of widen
 //   dot_q10<A, B, C>(a, b, c)    (A a + B b + C c + 512) >> 10 of signed words, summed in 32 bits
+//
+// Pairs of bytes from anywhere in a row, for half of the samples of `words`. Samples are dealt with in eights, whose
+// bytes stand in Windows * 16 bytes of the row. Tables give an eight 16 bytes, pair_at(i, side) is the place of sample
+// i's; the eights of `words`, first those of lo, are in the order of eight_at.
+//
+//   pick<Windows>(row, at, masks)  pairs by their places in the windows that start at at[]; masks hold `lanes` bytes a
+//                                  window, 0x80 where another window has the byte
+//   weigh(p, weights)              sum of a pair's bytes times its weights, in 16 bits
+//   load_pairs(p, a, b)            all pairs of adjoining bytes from p on, those of lo and of hi
+//   narrow_q6                      unsigned words >> 6, to bytes
 #include "core/types.h"
 
 namespace zelt::simd {

@@ -176,4 +176,22 @@ template <int A, int B, int C> half dot_q10(half a, half b, half c) {
 template <int A, int B, int C> words dot_q10(words a, words b, words c) {
     return {dot_q10<A, B, C>(a.lo, b.lo, c.lo), dot_q10<A, B, C>(a.hi, b.hi, c.hi)};
 }
+
+using pairs = __m256i;  // a pair is a word
+constexpr int eight_at(int i) { return i % 2 * 2 + i / 2; }
+constexpr int pair_at(int i, int side) { return 2 * i + side; }
+
+template <int Windows> pairs pick(const u8* row, const std::ptrdiff_t* at, const u8* masks) {
+    const u8 *low = row + at[0], *high = row + at[1];
+    pairs p = _mm256_shuffle_epi8(load_halves(low, high), load_register(masks));
+    for (int i = 1; i < Windows; ++i)
+        p = _mm256_or_si256(
+            p, _mm256_shuffle_epi8(load_halves(low + 16 * i, high + 16 * i), load_register(masks + 32 * i)));
+    return p;
+}
+inline void load_pairs(const u8* p, pairs& lo, pairs& hi) {
+    lo = load_halves(p, p + 32), hi = load_halves(p + 16, p + 48);
+}
+inline half weigh(pairs p, const u8* weights) { return (half)_mm256_maddubs_epi16(p, load_register(weights)); }
+inline bytes narrow_q6(words a) { return narrow({(half)((uhalf)a.lo >> 6), (half)((uhalf)a.hi >> 6)}); }
 }  // namespace zelt::simd

@@ -27,10 +27,12 @@ struct axis {
     static int phase(s64 position) { return static_cast<int>(position >> 15 & 7); }
 };
 
-/// Two source rows, how many eighths below the first the wanted one lies, and the destination row
-struct row_pair {
-    const u8 *top, *bottom;
+/// A row to be made of two rows of each of N source planes: how many eighths below the upper ones it lies, and where it
+/// goes
+template <int N, class Dest> struct row_job {
+    const u8 *top[N], *bottom[N];
     int phase;
-    u8* dst;
+    Dest dst;
 };
+using row_pair = row_job<1, u8*>;
 }  // namespace zelt::csc

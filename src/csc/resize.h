@@ -1,6 +1,9 @@
 #pragma once  // every format of the resizer, and the handle
 #include "core/isa.h"
 #include "csc/resize_scalar.h"
+#if ZELT_SIMD
+#include "csc/resize_simd.h"
+#endif
 
 // clang-format off
 #define ZELT_RESIZERS(X)                                           \
@@ -44,13 +47,12 @@ public:
         rows_[count_++] = rows;
     }
     void flush() {
-        fast_rows(rows_, count_, x_, dst_w_);
+        fast::resize_rows<Format>(rows_, count_, x_, dst_w_);
         count_ = 0;
     }
 
 private:
     static constexpr int size = 64;
-    static constexpr auto fast_rows = &scalar::resize_rows<Format>;
     const axis x_;
     const int dst_w_;
     int count_ = 0;
@@ -64,7 +66,7 @@ void resize_picture(const u8* src, s64 src_stride, int dst_w, int dst_h, s64 dst
     s64 position = 0;
     for (int i = 0; i < dst_h; ++i, position += y.step) {
         const u8* top = src + y.sample(position) * src_stride;
-        batch.add({top, top + y.next * src_stride, axis::phase(position), dst + i * dst_stride});
+        batch.add({{top}, {top + y.next * src_stride}, axis::phase(position), dst + i * dst_stride});
     }
 }
 }  // namespace zelt::csc
