@@ -120,7 +120,10 @@ struct pairs {
     uint8x8_t left, right;
 };
 constexpr int eight_at(int i) { return i; }
-constexpr int pair_at(int i, int side) { return 8 * side + i; }
+inline eight pack(quad a, quad b) { return (eight)vcombine_u16(vmovn_u32((uint32x4_t)a), vmovn_u32((uint32x4_t)b)); }
+inline void store_pairs(u8* p, eight left, eight right) {
+    vst1q_u8(p, vcombine_u8(vmovn_u16((uint16x8_t)left), vmovn_u16((uint16x8_t)right)));
+}
 
 template <int Windows> pairs pick(const u8* row, const std::ptrdiff_t* at, const u8* masks) {
     row += *at;
@@ -134,14 +137,16 @@ template <int Windows> pairs pick(const u8* row, const std::ptrdiff_t* at, const
              vtbx2_u8(p.right, window(i), vld1_u8(masks + 16 * i + 8))};
     return p;
 }
-inline void load_pairs(const u8* p, pairs& lo, pairs& hi) {
-    const uint8x8x2_t a = vld2_u8(p), b = vld2_u8(p + 16);
-    lo = {a.val[0], a.val[1]}, hi = {b.val[0], b.val[1]};
+inline pairs load_pairs(const u8* p) {
+    const uint8x8x2_t v = vld2_u8(p);
+    return {v.val[0], v.val[1]};
 }
-inline half weigh(pairs p, const u8* weights) {
-    return (half)vmlal_u8(vmull_u8(p.left, vld1_u8(weights)), p.right, vld1_u8(weights + 8));
+inline half weigh(pairs p, bytes w) { return (half)vmlal_u8(vmull_u8(p.left, low8(w)), p.right, high8(w)); }
+inline half weigh(half sum, pairs p, bytes w) {
+    return (half)vmlal_u8(vmlal_u8((uint16x8_t)sum, p.left, low8(w)), p.right, high8(w));
 }
 inline bytes narrow_q6(words a) {
     return (bytes)vcombine_u8(vshrn_n_u16((uint16x8_t)a.lo, 6), vshrn_n_u16((uint16x8_t)a.hi, 6));
 }
+inline bytes narrow_q6_eights(words a) { return narrow_q6(a); }
 }  // namespace zelt::simd

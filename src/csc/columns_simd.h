@@ -5,6 +5,8 @@
 #include "core/simd.h"
 #include "csc/bilinear.h"
 
+#include <cstring>
+
 namespace zelt::simd {
 using csc::axis;
 
@@ -31,94 +33,107 @@ struct columns {
     std::ptrdiff_t first, last;     // first sample of the first and of the last group, which ends with the row
     const std::ptrdiff_t* offsets;  // of an eight's windows in a source row
     const u8 *masks, *weights;
-    const u8* adjoining;  // whether the pairs of a group stand one after another, as they do at a ratio of 2
+    bool
+        adjoining;  // whether all pairs stand one after another, as at a ratio of 2; eights are in their own order then
 
     std::ptrdiff_t at(int group) const { return std::min(first + group * lanes, last); }
-
     /// The part of a source row that is read
     std::ptrdiff_t source_start() const { return offsets[0]; }
     std::ptrdiff_t source_end(int windows) const { return offsets[groups * eights - 1] + 16 * windows; }
 
-    /// s of a group
-    template <int Windows> words sum(int group, const u8* row) const {
-        const u8* w = weights + group * 2 * lanes;
-        const std::ptrdiff_t* o = offsets + group * eights;
-        if (Windows == 1 && adjoining[group]) {
-            pairs low, high;
-            load_pairs(row + *o, low, high);
-            return {weigh(low, w), weigh(high, w + lanes)};
-        }
-        const u8* m = masks + group * 2 * Windows * lanes;
-        return {weigh(pick<Windows>(row, o, m), w),
-                weigh(pick<Windows>(row, o + eights / 2, m + Windows * lanes), w + lanes)};
+    /// Asks for the part of a row that will be needed soon: the processor does not foresee it where a run is not the
+    /// row.
+    void prefetch(const u8* row, int windows) const {
+        if (first == 0 && at(groups - 1) == last) return;
+        for (std::ptrdiff_t i = source_start(); i < source_end(windows); i += 64) __builtin_prefetch(row + i);
+    }
+
+    bytes weight(int half_group) const {
+        bytes w;
+        load(weights + half_group * lanes, w);
+        return w;
+    }
+    template <int Windows> pairs pick(int half_group, const u8* row) const {
+        return simd::pick<Windows>(row, offsets + half_group * (eights / 2), masks + half_group * Windows * lanes);
     }
 };
 
-/// The value between two sums, by the weights down
-inline bytes between(words top, words bottom, uhalf top_weight, uhalf bottom_weight) {
-    const auto down = [&](half t, half b) { return (half)((uhalf)t * top_weight + (uhalf)b * bottom_weight); };
-    return narrow_q6({down(top.lo, bottom.lo), down(top.hi, bottom.hi)});
+/// Pixel and channel of the eight samples from each channel on
+template <int Bytes> struct pixel_bytes {
+    u32 pixel[Bytes][8] = {};
+    u16 channel[Bytes][8] = {};
+    constexpr pixel_bytes() {
+        for (u32 c = 0; c < Bytes; ++c)
+            for (u32 i = 0; i < 8; ++i)
+                pixel[c][i] = (c + i) / Bytes, channel[c][i] = static_cast<u16>((c + i) % Bytes);
+    }
+};
+template <class Vector, class T> Vector load_lanes(const T* p) {
+    Vector v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
 }
 
 /// Memory for columns, on the stack
 template <int Size> class column_tables {
 public:
-    /// As many samples from `first` on as fit, at most `most`; pixels have Bytes samples.
-    template <int Bytes> columns prepare(const axis& x, const row_shape& row, std::ptrdiff_t first, int most) {
-        const int size = lanes * 2 * (1 + row.windows) + columns::eights * static_cast<int>(sizeof(std::ptrdiff_t)) + 1;
-        const int groups = static_cast<int>(
-            std::min<std::ptrdiff_t>({Size / size, most / lanes, (row.samples - first + lanes - 1) / lanes}));
-        weights_ = memory_, masks_ = weights_ + groups * 2 * lanes;
-        u8* const offsets = masks_ + groups * 2 * lanes * row.windows;
-        offsets_ = reinterpret_cast<std::ptrdiff_t*>(offsets);
-        u8* const adjoining = offsets + groups * columns::eights * static_cast<int>(sizeof(std::ptrdiff_t));
-        const columns c = {groups, first, row.samples - lanes, offsets_, masks_, weights_, adjoining};
-        for (int g = 0; g < groups; ++g) {
-            bool all = Bytes == 1 && row.windows == 1;
-            for (int i = 0; i < columns::eights; ++i) {
-                const int index = g * columns::eights + i, place = eight_at(i);
-                all &= eight<Bytes>(x, row, index, c.at(g) + 8 * place);
-                all &= offsets_[index] == offsets_[g * columns::eights] + 16 * place;
-            }
-            adjoining[g] = all;
+    /// Samples from `first` on, as many as fit, at most `most` and either all or none of them adjoining; pixels have
+    /// Bytes samples.
+    template <int Bytes>
+    columns prepare(const axis& x, const row_shape& row, std::ptrdiff_t first, s64 most, bool may_adjoin) {
+        const int group_size = lanes * 2 * (1 + row.windows) + columns::eights * static_cast<int>(sizeof *offsets_);
+        const int fitting = static_cast<int>(
+            std::min<s64>({Size / group_size, most / lanes, (row.samples - first + lanes - 1) / lanes}));
+        weights_ = memory_, masks_ = weights_ + fitting * 2 * lanes;
+        offsets_ = reinterpret_cast<std::ptrdiff_t*>(masks_ + fitting * 2 * lanes * row.windows);
+        store_pairs(adjoining_masks_, eight{0, 2, 4, 6, 8, 10, 12, 14}, eight{1, 3, 5, 7, 9, 11, 13, 15});
+        columns c = {0, first, row.samples - lanes, offsets_, masks_, weights_, false};
+        for (; c.groups < fitting; ++c.groups) {
+            const bool same = group<Bytes>(x, row, c.groups, c.at(c.groups), may_adjoin);
+            if (c.groups == 0) c.adjoining = same;
+            if (same != c.adjoining) break;
         }
         return c;
     }
 
 private:
-    /// Prepares eight samples; true where their pairs stand one after another from the window's start.
-    template <int Bytes> bool eight(const axis& x, const row_shape& row, int index, std::ptrdiff_t sample) {
+    template <int Bytes> bool group(const axis& x, const row_shape& row, int g, std::ptrdiff_t sample, bool adjoining) {
+        const int index = g * columns::eights;
+        for (int i = 0; i < columns::eights; ++i) prepare_eight<Bytes>(x, row, index + i, sample + 8 * eight_at(i));
+        if (!adjoining || Bytes > 1 || row.windows > 1) return false;
+        for (int i = 0; i < columns::eights; ++i) {
+            adjoining &= offsets_[index + i] == offsets_[index] + 16 * eight_at(i);
+            adjoining &= !std::memcmp(masks_ + 16 * (index + i), adjoining_masks_, 16);
+        }
+        if (adjoining)
+            for (int i = 0; i < columns::eights; ++i) prepare_eight<Bytes>(x, row, index + i, sample + 8 * i);
+        return adjoining;
+    }
+
+    template <int Bytes> void prepare_eight(const axis& x, const row_shape& row, int index, std::ptrdiff_t sample) {
         const s64 pixel = sample / Bytes, position = pixel * x.step, start = x.sample(position) * Bytes;
         const s64 window = std::min(start, row.limit - 16 * row.windows);
         offsets_[index] = static_cast<std::ptrdiff_t>(window);
-        const u32 skipped = static_cast<u32>(start - window), channel = static_cast<u32>(sample - pixel * Bytes);
+        static constexpr pixel_bytes<Bytes> of;
+        const auto c = static_cast<std::size_t>(sample - pixel * Bytes);  // channel of the first sample
+        const quad low = load_lanes<quad>(of.pixel[c]), high = load_lanes<quad>(of.pixel[c] + 4);
         const u32 fraction = static_cast<u32>(position) & 0x3FFFF, step = static_cast<u32>(x.step);
-        const u32 next = static_cast<u32>(x.next) * Bytes, shift = static_cast<u32>(x.shift);
-        u8* weights = weights_ + 16 * index;
-        u8 left[8];
-        bool adjoining = true;
-        for (u32 i = 0; i < 8; ++i) {
-            const u32 byte = channel + i, p = fraction + byte / Bytes * step;
-            const u8 phase = p >> 15 & 7;
-            left[i] = static_cast<u8>(skipped + (p >> 18 << shift) * Bytes + byte % Bytes);
-            weights[pair_at(static_cast<int>(i), 0)] = static_cast<u8>(8 - phase);
-            weights[pair_at(static_cast<int>(i), 1)] = phase;
-            adjoining &= left[i] == 2 * i;
-        }
+        const eight place = pack((low * step + fraction) >> 15, (high * step + fraction) >> 15);
+        const eight phase = place & 7;
+        store_pairs(weights_ + 16 * index, 8 - phase, phase);
+        const eight left = (place >> 3 << static_cast<u16>(x.shift)) * static_cast<u16>(Bytes) +
+                           load_lanes<eight>(of.channel[c]) + static_cast<u16>(start - window);
         constexpr int sharing = columns::eights / 2;  // eights whose masks are in one register
         for (int k = 0; k < row.windows; ++k) {
-            u8* masks = masks_ + (index / sharing * row.windows + k) * lanes + index % sharing * 16;
-            for (int i = 0; i < 8; ++i)
-                for (int side = 0; side < 2; ++side) {
-                    const u32 place = left[i] + (side ? next : 0) - static_cast<u32>(16 * k);
-                    masks[pair_at(i, side)] = static_cast<u8>(place < 16 ? place : 0x80);
-                }
+            const eight l = left - static_cast<u16>(16 * k), r = l + static_cast<u16>(x.next * Bytes);
+            store_pairs(masks_ + (index / sharing * row.windows + k) * lanes + index % sharing * 16,
+                        l > 15 ? eight{} + 0x80 : l, r > 15 ? eight{} + 0x80 : r);
         }
-        return adjoining && next == 1;
     }
 
     u8 *weights_, *masks_;
     std::ptrdiff_t* offsets_;
+    u8 adjoining_masks_[16];
     alignas(lanes) u8 memory_[Size];
 };
 }  // namespace zelt::simd

@@ -52,7 +52,7 @@ public:
     }
 
 private:
-    static constexpr int size = 64;
+    static constexpr int size = 128;
     const axis x_;
     const int dst_w_;
     int count_ = 0;

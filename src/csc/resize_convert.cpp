@@ -56,7 +56,7 @@ void resize_convert(void* const* src_a, int src_w, int src_h, const int* src_s, 
     const planes<N> src(src_a, src_s);
     Dest dst(dst_a, dst_s);
     const axis x(src_w, dst_w), y(src_h, dst_h);
-    constexpr int batch = 32;
+    constexpr int batch = 64;
     row_job<N, Dest> jobs[batch];
     s64 position = 0;
     for (int done = 0, count = 0; done < dst_h; done += count) {
