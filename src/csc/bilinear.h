@@ -35,4 +35,23 @@ template <int N, class Dest> struct row_job {
     Dest dst;
 };
 using row_pair = row_job<1, u8*>;
+
+/// The rows of a whole picture
+template <int N, class Dest> struct picture_rows {
+    const u8* src[N];
+    s64 src_stride[N];
+    axis y;
+    Dest dst;  // its rows are dst.row(i)
+
+    auto operator[](int i) const {
+        const s64 position = i * y.step;
+        row_job<N, decltype(dst.row(i))> job;
+        for (int p = 0; p < N; ++p) {
+            job.top[p] = src[p] + y.sample(position) * src_stride[p];
+            job.bottom[p] = job.top[p] + y.next * src_stride[p];
+        }
+        job.phase = axis::phase(position), job.dst = dst.row(i);
+        return job;
+    }
+};
 }  // namespace zelt::csc

@@ -27,26 +27,24 @@ struct row_shape {
 };
 
 struct columns {
-    static constexpr int eights = lanes / 8;
+    static constexpr int eights = lanes / 8, longest_run = 64;
 
     int groups;                     // of `lanes` samples
     std::ptrdiff_t first, last;     // first sample of the first and of the last group, which ends with the row
     const std::ptrdiff_t* offsets;  // of an eight's windows in a source row
     const u8 *masks, *weights;
-    bool
-        adjoining;  // whether all pairs stand one after another, as at a ratio of 2; eights are in their own order then
+    // Groups whose pairs stand one after another, as at a ratio of 2. Their eights are in their own order.
+    int run, run_end;
 
     std::ptrdiff_t at(int group) const { return std::min(first + group * lanes, last); }
     /// The part of a source row that is read
     std::ptrdiff_t source_start() const { return offsets[0]; }
     std::ptrdiff_t source_end(int windows) const { return offsets[groups * eights - 1] + 16 * windows; }
 
-    /// Asks for the part of a row that will be needed soon: the processor does not foresee it where a run is not the
-    /// row.
-    void prefetch(const u8* row, int windows) const {
-        if (first == 0 && at(groups - 1) == last) return;
-        for (std::ptrdiff_t i = source_start(); i < source_end(windows); i += 64) __builtin_prefetch(row + i);
-    }
+    /// Asks for a group's part of a row that is needed soon.
+    void prefetch(int group, const u8* row) const { __builtin_prefetch(row + offsets[group * eights]); }
+    /// Whether the run is less than a row: the processor does not foresee the next one then.
+    bool partial() const { return first > 0 || at(groups - 1) < last; }
 
     bytes weight(int half_group) const {
         bytes w;
@@ -77,37 +75,45 @@ template <class Vector, class T> Vector load_lanes(const T* p) {
 /// Memory for columns, on the stack
 template <int Size> class column_tables {
 public:
-    /// Samples from `first` on, as many as fit, at most `most` and either all or none of them adjoining; pixels have
-    /// Bytes samples.
+    /// Samples from `first` on, as many as fit but at most `most`; pixels have Bytes samples.
     template <int Bytes>
-    columns prepare(const axis& x, const row_shape& row, std::ptrdiff_t first, s64 most, bool may_adjoin) {
+    columns prepare(const axis& x, const row_shape& row, std::ptrdiff_t first, s64 most, bool may_run) {
         const int group_size = lanes * 2 * (1 + row.windows) + columns::eights * static_cast<int>(sizeof *offsets_);
-        const int fitting = static_cast<int>(
+        const int groups = static_cast<int>(
             std::min<s64>({Size / group_size, most / lanes, (row.samples - first + lanes - 1) / lanes}));
-        weights_ = memory_, masks_ = weights_ + fitting * 2 * lanes;
-        offsets_ = reinterpret_cast<std::ptrdiff_t*>(masks_ + fitting * 2 * lanes * row.windows);
-        store_pairs(adjoining_masks_, eight{0, 2, 4, 6, 8, 10, 12, 14}, eight{1, 3, 5, 7, 9, 11, 13, 15});
-        columns c = {0, first, row.samples - lanes, offsets_, masks_, weights_, false};
-        for (; c.groups < fitting; ++c.groups) {
-            const bool same = group<Bytes>(x, row, c.groups, c.at(c.groups), may_adjoin);
-            if (c.groups == 0) c.adjoining = same;
-            if (same != c.adjoining) break;
-        }
+        weights_ = memory_, masks_ = weights_ + groups * 2 * lanes;
+        offsets_ = reinterpret_cast<std::ptrdiff_t*>(masks_ + groups * 2 * lanes * row.windows);
+        columns c = {groups, first, row.samples - lanes, offsets_, masks_, weights_, groups, groups};
+        for (int i = 0; i < groups * columns::eights; ++i)
+            prepare_eight<Bytes>(x, row, i, c.at(i / columns::eights) + 8 * eight_at(i % columns::eights));
+        if (!may_run || Bytes > 1 || row.windows > 1) return c;
+        for (c.run = 0; c.run < groups && !adjoins(c, c.run);) ++c.run;
+        const int longest = std::min(groups, c.run + columns::longest_run);
+        for (c.run_end = c.run; c.run_end < longest && adjoins(c, c.run_end);) ++c.run_end;
+        for (int i = c.run * columns::eights; i < c.run_end * columns::eights; i += columns::eights) order(i);
         return c;
     }
 
 private:
-    template <int Bytes> bool group(const axis& x, const row_shape& row, int g, std::ptrdiff_t sample, bool adjoining) {
-        const int index = g * columns::eights;
-        for (int i = 0; i < columns::eights; ++i) prepare_eight<Bytes>(x, row, index + i, sample + 8 * eight_at(i));
-        if (!adjoining || Bytes > 1 || row.windows > 1) return false;
-        for (int i = 0; i < columns::eights; ++i) {
-            adjoining &= offsets_[index + i] == offsets_[index] + 16 * eight_at(i);
-            adjoining &= !std::memcmp(masks_ + 16 * (index + i), adjoining_masks_, 16);
+    /// Whether the pairs of a group stand one after another and, within a run, after those of the group before
+    bool adjoins(const columns& c, int group) const {
+        constexpr u16 pairs[] = {0x100, 0x302, 0x504, 0x706, 0x908, 0xB0A, 0xD0C, 0xF0E};
+        const int index = group * columns::eights, from = c.run * columns::eights;
+        bool all = c.at(group) == c.first + group * lanes;
+        for (int i = 0; all && i < columns::eights; ++i) {
+            u8 masks[16];
+            store_pairs(masks, load_lanes<eight>(pairs) & 255, load_lanes<eight>(pairs) >> 8);
+            all &= offsets_[index + i] == offsets_[from] + 16 * (index - from + eight_at(i));
+            all &= !std::memcmp(masks_ + 16 * (index + i), masks, 16);
         }
-        if (adjoining)
-            for (int i = 0; i < columns::eights; ++i) prepare_eight<Bytes>(x, row, index + i, sample + 8 * i);
-        return adjoining;
+        return all;
+    }
+
+    /// Puts the weights of a group's eights in their own order.
+    void order(int index) {
+        u8 copy[2 * lanes];
+        std::memcpy(copy, weights_ + 16 * index, sizeof copy);
+        for (int i = 0; i < columns::eights; ++i) std::memcpy(weights_ + 16 * (index + eight_at(i)), copy + 16 * i, 16);
     }
 
     template <int Bytes> void prepare_eight(const axis& x, const row_shape& row, int index, std::ptrdiff_t sample) {
@@ -133,7 +139,6 @@ private:
 
     u8 *weights_, *masks_;
     std::ptrdiff_t* offsets_;
-    u8 adjoining_masks_[16];
     alignas(lanes) u8 memory_[Size];
 };
 }  // namespace zelt::simd

@@ -40,35 +40,28 @@ template <class Matrix> struct put_converted {
 };
 #endif
 
-template <int N, class Matrix, class Dest>
-void convert_rows(const row_job<N, Dest>* jobs, int count, const axis& x, int w) {
-#if ZELT_SIMD
-    if (go_through<in_place<N>, put_converted<Matrix>, 1>(jobs, count, x, w)) return;
-#endif
-    for (int i = 0; i < count; ++i)
-        convert_row<u8>(sampled<N, Dest>{jobs[i], weights_of(jobs[i].phase), x}, Matrix{}, jobs[i].dst, w);
-}
+template <class Dest> struct layout_rows {
+    Dest first;
+    Dest row(int i) const {
+        Dest dst = first;
+        for (int p = 0; p < Dest::count; ++p) dst.p[p] += i * dst.stride[p];
+        return dst;
+    }
+};
 
 template <int N, class Matrix, class Dest>
 void resize_convert(void* const* src_a, int src_w, int src_h, const int* src_s, void* const* dst_a, int dst_w,
                     int dst_h, const int* dst_s) {
     if (src_w < 1 || src_h < 1 || dst_w < 1 || dst_h < 1) return;
-    const planes<N> src(src_a, src_s);
-    Dest dst(dst_a, dst_s);
-    const axis x(src_w, dst_w), y(src_h, dst_h);
-    constexpr int batch = 64;
-    row_job<N, Dest> jobs[batch];
-    s64 position = 0;
-    for (int done = 0, count = 0; done < dst_h; done += count) {
-        for (count = 0; count < std::min(batch, dst_h - done); ++count, position += y.step, dst.next_row()) {
-            row_job<N, Dest>& job = jobs[count];
-            for (int p = 0; p < N; ++p) {
-                job.top[p] = src.p[p] + y.sample(position) * src.stride[p];
-                job.bottom[p] = job.top[p] + y.next * src.stride[p];
-            }
-            job.phase = axis::phase(position), job.dst = dst;
-        }
-        convert_rows<N, Matrix, Dest>(jobs, count, x, dst_w);
+    const axis x(src_w, dst_w);
+    picture_rows<N, layout_rows<Dest>> rows = {{}, {}, axis(src_h, dst_h), {Dest(dst_a, dst_s)}};
+    for (int p = 0; p < N; ++p) rows.src[p] = static_cast<const u8*>(src_a[p]), rows.src_stride[p] = src_s[p];
+#if ZELT_SIMD
+    if (go_through<in_place<N>, put_converted<Matrix>, 1>(rows, dst_h, x, dst_w)) return;
+#endif
+    for (int i = 0; i < dst_h; ++i) {
+        const row_job<N, Dest> job = rows[i];
+        convert_row<u8>(sampled<N, Dest>{job, weights_of(job.phase), x}, Matrix{}, job.dst, dst_w);
     }
 }
 }  // namespace

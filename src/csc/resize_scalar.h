@@ -65,7 +65,7 @@ template <class Format> void resize_row(const row_pair& rows, const axis& x, int
     }
 }
 
-template <class Format> void resize_rows(const row_pair* rows, int count, const axis& x, int dst_w) {
+template <class Format, class Rows> void resize_rows(const Rows& rows, int count, const axis& x, int dst_w) {
     for (int i = 0; i < count; ++i) resize_row<Format>(rows[i], x, dst_w);
 }
 }  // namespace zelt::scalar

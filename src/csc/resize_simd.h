@@ -64,16 +64,19 @@ struct put_rgb565 {
 
 template <class Format> struct registers;
 template <int N> struct registers<csc::channels<N>> {
-    static constexpr auto resize = go_through<in_place<1>, put_bytes, N, row_pair>;
+    template <class Rows> static bool resize(const Rows& rows, int count, const axis& x, int w) {
+        return go_through<in_place<1>, put_bytes, N>(rows, count, x, w);
+    }
 };
-template <> struct registers<csc::rgb565_words> {
-    static constexpr auto resize = go_through<taken_apart<csc::fields565, 2>, put_fields565, 1, row_pair>;
+template <class Source, class Out> struct apart {
+    template <class Rows> static bool resize(const Rows& rows, int count, const axis& x, int w) {
+        return go_through<Source, Out, 1>(rows, count, x, w);
+    }
 };
-template <> struct registers<csc::rgb888_to_565> {
-    static constexpr auto resize = go_through<taken_apart<csc::rgb888, 3>, put_rgb565, 1, row_pair>;
-};
+template <> struct registers<csc::rgb565_words> : apart<taken_apart<csc::fields565, 2>, put_fields565> {};
+template <> struct registers<csc::rgb888_to_565> : apart<taken_apart<csc::rgb888, 3>, put_rgb565> {};
 
-template <class Format> void resize_rows(const row_pair* rows, int count, const axis& x, int dst_w) {
+template <class Format, class Rows> void resize_rows(const Rows& rows, int count, const axis& x, int dst_w) {
     if (dst_w > 0 && !registers<Format>::resize(rows, count, x, dst_w))
         scalar::resize_rows<Format>(rows, count, x, dst_w);
 }

@@ -11,57 +11,73 @@ using csc::row_job;
 /// Weights across and down in one, at most 64
 inline bytes scaled(bytes weights, int factor) { return weights * static_cast<u8>(factor); }
 
-template <class Out, int N, class Dest>
-[[gnu::flatten]] void make_rows(const columns c, const row_job<N, Dest>* jobs, int count) {
-    for (; count > 0; --count, ++jobs) {
-        const row_job<N, Dest> job = *jobs;
-        for (int p = 0; p < N && count > 1; ++p) c.prefetch(jobs[1].top[p], 1), c.prefetch(jobs[1].bottom[p], 1);
-        for (int g = 0; g < c.groups; ++g) {
-            words sums[N];
-            for (int h = 0; h < 2; ++h) {
-                const bytes w = c.weight(2 * g + h), top = scaled(w, 8 - job.phase), bottom = scaled(w, job.phase);
-                for (int p = 0; p < N; ++p)
-                    (h ? sums[p].hi : sums[p].lo) = weigh(weigh(c.pick<1>(2 * g + h, job.top[p]), top),
-                                                          c.pick<1>(2 * g + h, job.bottom[p]), bottom);
-            }
-            bytes v[N];
-            for (int p = 0; p < N; ++p) v[p] = narrow_q6(sums[p]);
-            Out::put(job.dst, c.at(g), v);
+/// The weights of a run's groups, kept while the vertical phase stays the same, as it does for long at a ratio of 2
+class run_weights {
+public:
+    void scale(const columns& c, int phase) {
+        if (phase == phase_) return;
+        phase_ = phase;
+        for (int i = 0; i < 2 * (c.run_end - c.run); ++i) {
+            const bytes w = c.weight(2 * c.run + i);
+            top[i] = scaled(w, 8 - phase), bottom[i] = scaled(w, phase);
         }
+    }
+    bytes top[2 * columns::longest_run], bottom[2 * columns::longest_run];
+
+private:
+    int phase_ = -1;
+};
+
+template <class Out, int N, class Dest>
+[[gnu::flatten]] void make_groups(const columns& all, int g, int end, const row_job<N, Dest>& rows,
+                                  const row_job<N, Dest>& next) {
+    const columns c = all;
+    const row_job<N, Dest> job = rows;
+    const bool partial = c.partial();
+    for (; g < end; ++g) {
+        words sums[N];
+        for (int h = 0; h < 2; ++h) {
+            const bytes w = c.weight(2 * g + h), top = scaled(w, 8 - job.phase), bottom = scaled(w, job.phase);
+            for (int p = 0; p < N; ++p)
+                (h ? sums[p].hi : sums[p].lo) =
+                    weigh(weigh(c.pick<1>(2 * g + h, job.top[p]), top), c.pick<1>(2 * g + h, job.bottom[p]), bottom);
+        }
+        bytes v[N];
+        for (int p = 0; p < N; ++p) v[p] = narrow_q6(sums[p]);
+        if (partial)
+            for (int p = 0; p < N; ++p) c.prefetch(g, next.top[p]), c.prefetch(g, next.bottom[p]);
+        Out::put(job.dst, c.at(g), v);
     }
 }
 
-/// The same where all pairs adjoin. The vertical phase hardly changes at a ratio of 2, so the weights are scaled ahead.
 template <class Out, int N, class Dest>
-[[gnu::flatten]] void make_adjoining_rows(const columns c, const row_job<N, Dest>* jobs, int count) {
-    constexpr int most = 64;  // groups
-    bytes weights[2][2 * most];
-    for (int start = 0; start < c.groups; start += most) {
-        const int end = std::min(start + most, c.groups);
-        int phase = -1;
-        for (int i = 0; i < count; ++i) {
-            const row_job<N, Dest> job = jobs[i];
-            for (int p = 0; p < N && i + 1 < count; ++p)
-                c.prefetch(jobs[i + 1].top[p], 2), c.prefetch(jobs[i + 1].bottom[p], 2);
-            if (job.phase != phase)
-                for (int h = 2 * start; h < 2 * end; ++h) {
-                    weights[0][h - 2 * start] = scaled(c.weight(h), 8 - job.phase);
-                    weights[1][h - 2 * start] = scaled(c.weight(h), job.phase);
-                }
-            phase = job.phase;
-            for (int g = start; g < end; ++g) {
-                bytes v[N];
-                const bytes *top = &weights[0][2 * (g - start)], *bottom = &weights[1][2 * (g - start)];
-                for (int p = 0; p < N; ++p) {
-                    const u8* t = job.top[p] + c.offsets[columns::eights * g];
-                    const u8* b = job.bottom[p] + c.offsets[columns::eights * g];
-                    v[p] = narrow_q6_eights(
-                        {weigh(weigh(load_pairs(t), top[0]), load_pairs(b), bottom[0]),
-                         weigh(weigh(load_pairs(t + lanes), top[1]), load_pairs(b + lanes), bottom[1])});
-                }
-                Out::put(job.dst, c.at(g), v);
-            }
+[[gnu::flatten]] void make_run(const columns& c, const run_weights& weights, const row_job<N, Dest>& rows) {
+    const row_job<N, Dest> job = rows;
+    const int end = 2 * (c.run_end - c.run);
+    std::ptrdiff_t x = c.first + c.run * lanes, source = c.offsets[c.run * columns::eights];
+    for (int i = 0; i < end; i += 2, x += lanes, source += 2 * lanes) {
+        bytes v[N];
+        for (int p = 0; p < N; ++p) {
+            const u8 *top = job.top[p] + source, *bottom = job.bottom[p] + source;
+            const auto sum = [&](int half) {
+                return weigh(weigh(load_pairs(top + half * lanes), weights.top[i + half]),
+                             load_pairs(bottom + half * lanes), weights.bottom[i + half]);
+            };
+            v[p] = narrow_q6_eights({sum(0), sum(1)});
         }
+        Out::put(job.dst, x, v);
+    }
+}
+
+template <class Out, class Jobs> void make_rows(const columns& c, const Jobs& jobs, int count) {
+    run_weights run;
+    for (int i = 0; i < count; ++i) {
+        const auto job = jobs[i], next = jobs[i + (i + 1 < count)];
+        if (c.run > 0) make_groups<Out>(c, 0, c.run, job, next);
+        if (c.run == c.groups) continue;
+        run.scale(c, job.phase);
+        make_run<Out>(c, run, job);
+        if (c.run_end < c.groups) make_groups<Out>(c, c.run_end, c.groups, job, next);
     }
 }
 
@@ -69,8 +85,9 @@ template <class Out, int N, class Dest>
 
 /// The sums of a row of one plane, two halves a group
 template <int Windows> void sum_row(const columns c, const u8* row, const u8* next, half* to) {
-    c.prefetch(next, Windows);
+    const bool partial = c.partial();
     for (int h = 0; h < 2 * c.groups; ++h) {
+        if (partial && h % 2 == 0) c.prefetch(h / 2, next);
         to[h] = weigh(c.pick<Windows>(h, row), c.weight(h));
     }
 }
@@ -110,39 +127,46 @@ private:
     half sums_[2][planes * most / lanes * 2];
 };
 
-template <class Source, class Out, class Job>
-[[gnu::flatten]] void make_rows(const columns c, kept_sums<Source>& kept, const Job* jobs, int count) {
-    for (; count > 0; --count, ++jobs) {
-        const auto dst = jobs->dst;
-        const uhalf bottom_weight = uhalf{} + static_cast<u16>(jobs->phase), top_weight = 8 - bottom_weight;
-        const auto down = [=](half top, half bottom) {
-            return (half)((uhalf)top * top_weight + (uhalf)bottom * bottom_weight);
-        };
-        const half* top = kept.of(c, jobs->top, *jobs->bottom, jobs[count > 1].top);
-        const half* bottom = kept.of(c, jobs->bottom, *jobs->top, jobs[count > 1].bottom);
-        for (int g = 0; g < c.groups; ++g, top += 2, bottom += 2) {
-            bytes v[Source::planes];
-            for (int p = 0, i = 0; p < Source::planes; ++p, i += 2 * c.groups)
-                v[p] = narrow_q6({down(top[i], bottom[i]), down(top[i + 1], bottom[i + 1])});
-            Out::put(dst, c.at(g), v);
-        }
+template <class Out, int N, class Dest>
+[[gnu::flatten]] void put_between(const columns& all, const half* top, const half* bottom, int phase, const Dest& to) {
+    const columns c = all;
+    const Dest dst = to;
+    const uhalf bottom_weight = uhalf{} + static_cast<u16>(phase), top_weight = 8 - bottom_weight;
+    const auto down = [=](half t, half b) { return (half)((uhalf)t * top_weight + (uhalf)b * bottom_weight); };
+    for (int g = 0; g < c.groups; ++g, top += 2, bottom += 2) {
+        bytes v[N];
+        for (int p = 0, i = 0; p < N; ++p, i += 2 * c.groups)
+            v[p] = narrow_q6({down(top[i], bottom[i]), down(top[i + 1], bottom[i + 1])});
+        Out::put(dst, c.at(g), v);
+    }
+}
+
+template <class Out, class Source, class Jobs>
+void make_rows(const columns& c, kept_sums<Source>& kept, const Jobs& jobs, int count) {
+    for (int i = 0; i < count; ++i) {
+        const auto job = jobs[i], next = jobs[i + (i + 1 < count)];
+        const half* top = kept.of(c, job.top, *job.bottom, next.top);
+        const half* bottom = kept.of(c, job.bottom, *job.top, next.bottom);
+        put_between<Out, Source::planes>(c, top, bottom, job.phase, job.dst);
     }
 }
 
 // --------------------------------------------------------------------------------------------------------- all columns
 
 /// Whether source rows serve more than one destination row, by and large
-template <class Job> bool rows_are_shared(const Job* jobs, int count) {
+template <class Jobs> bool rows_are_shared(const Jobs& jobs, int count) {
+    const int some = std::min(count, 64);
     int fresh = 0;
-    for (int i = 1; i < count; ++i)
-        for (const u8* row : {*jobs[i].top, *jobs[i].bottom})
-            fresh += row != *jobs[i - 1].top && row != *jobs[i - 1].bottom;
-    return fresh < count - 1;
+    for (int i = 1; i < some; ++i) {
+        const auto job = jobs[i], before = jobs[i - 1];
+        for (const u8* row : {*job.top, *job.bottom}) fresh += row != *before.top && row != *before.bottom;
+    }
+    return fresh < some - 1;
 }
 
 /// Makes all rows, of pixels of Bytes samples in a plane; false where it cannot and nothing is done.
-template <class Source, class Out, int Bytes, class Job>
-bool go_through(const Job* jobs, int count, const axis& x, int dst_w) {
+template <class Source, class Out, int Bytes, class Jobs>
+bool go_through(const Jobs& jobs, int count, const axis& x, int dst_w) {
     const row_shape shape(x, dst_w, Bytes);
     const int windows = shape.windows;
     if (!windows) return false;
@@ -160,12 +184,12 @@ bool go_through(const Job* jobs, int count, const axis& x, int dst_w) {
         c = tables.template prepare<Bytes>(x, shape, first, most, !keep);
         if constexpr (as_is) {
             if (!keep) {
-                c.adjoining ? make_adjoining_rows<Out>(c, jobs, count) : make_rows<Out>(c, jobs, count);
+                make_rows<Out>(c, jobs, count);
                 continue;
             }
         }
         kept_sums<Source> kept(c, windows, sum);
-        make_rows<Source, Out>(c, kept, jobs, count);
+        make_rows<Out>(c, kept, jobs, count);
     }
     return true;
 }
