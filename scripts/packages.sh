@@ -3,13 +3,13 @@
 build_packages=(g++ cmake ninja-build pkg-config libpng-dev libcli11-dev)
 # shellcheck disable=SC2034 # used by the scripts that source this
 {
-test_packages=("${build_packages[@]}" googletest libgtest-dev binutils python3)
+test_packages=("${build_packages[@]}" googletest libgtest-dev binutils python3 libavformat-dev libavcodec-dev)
 arm_packages=(qemu-user g++-arm-linux-gnueabi g++-arm-linux-gnueabihf g++-aarch64-linux-gnu)
 i686_packages=(g++-i686-linux-gnu)
 check_packages=(clang clang-format doxygen shellcheck)
 # the benchmark, and the libraries that it compares with
 bench_packages=("${build_packages[@]}" python3 libbenchmark-dev libyuv-dev libopencv-core-dev libturbojpeg0-dev
-    libgstreamer1.0-dev)
+    libgstreamer1.0-dev libavutil-dev libx264-dev libx265-dev libnuma-dev libvpx-dev libaom-dev)
 instruction_packages=(g++ cmake ninja-build python3 qemu-user g++-arm-linux-gnueabi)
 }
 

@@ -8,4 +8,6 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-set(CMAKE_CROSSCOMPILING_EMULATOR "env;LD_LIBRARY_PATH=/usr/i686-linux-gnu/lib")
+# Through its own loader: the one that the system may have for 32-bit programs can be of another release than this libc,
+# and then threads do not start.
+set(CMAKE_CROSSCOMPILING_EMULATOR "/usr/i686-linux-gnu/lib/ld-linux.so.2;--library-path;/usr/i686-linux-gnu/lib")

@@ -65,14 +65,14 @@ enum {
     ZELT_CS_R8G8B8A8 = 700     /**< planes R, G, B, A (converters only) */
 };
 
-/** A block of audio samples, see audb.h. */
-typedef struct ZELT_AUDB ZELT_AUDB;
-/** A byte buffer for coded data, see bitb.h. */
-typedef struct ZELT_BITB ZELT_BITB;
 /** A bit reader, see bsr.h. */
 typedef struct ZELT_BSR ZELT_BSR;
 /** A bit writer, see bsw.h. */
 typedef struct ZELT_BSW ZELT_BSW;
+/** A block of audio samples, see audb.h. */
+typedef struct ZELT_AUDB ZELT_AUDB;
+/** A byte buffer for coded data, see bitb.h. */
+typedef struct ZELT_BITB ZELT_BITB;
 /** An image buffer, see imgb.h. */
 typedef struct ZELT_IMGB ZELT_IMGB;
 /** A doubly linked list with a cursor, see list.h. */

@@ -181,6 +181,108 @@ ZELT_API void zelt_csc_r8g8b8a8_to_rgba5658(void *const *src_a, int32_t src_w, i
                                             const int32_t *dst_s, int32_t dst_cs);
 /** @} */
 
+/** Converts a picture of 10-bit samples to another of the same size. Samples stand in the low bits of 16-bit words at
+ *  any address, 0 to 1023, chroma centred on 512. Arguments, sharing of memory and threads are as for the converters to
+ *  RGB; strides are in bytes.
+ *
+ *  The transform is full-range BT.601 in 10 fractional bits. With d = U - 512, e = V - 512,
+ *  R = Y + ((1436 e + 512) >> 10), G = Y - ((352 d + 732 e + 512) >> 10), B = Y + ((1816 d + 512) >> 10), each clamped
+ *  to 0..1023, and back Y = (308 R + 600 G + 116 B + 512) >> 10, U = 512 + ((-172 R - 340 G + 512 B + 512) >> 10),
+ *  V = 512 + ((512 R - 428 G - 84 B + 512) >> 10). Pure blue and pure red give U and V of 1024, which P410 sources may
+ *  have; larger words give any values.
+ *  @param src_a   source planes
+ *  @param src_w   width in pixels
+ *  @param src_h   height in rows
+ *  @param src_s   source strides in bytes, negative ones included
+ *  @param src_cs  ignored
+ *  @param dst_a   destination planes
+ *  @param dst_w   ignored
+ *  @param dst_h   ignored
+ *  @param dst_s   destination strides in bytes
+ *  @param dst_cs  ignored */
+/** @{ */
+ZELT_API void zelt_csc_p410_to_r10g10b10(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
+                                         int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
+                                         const int32_t *dst_s, int32_t dst_cs);
+ZELT_API void zelt_csc_r10g10b10_to_p410(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
+                                         int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
+                                         const int32_t *dst_s, int32_t dst_cs);
+/** @} */
+
+/** Reduces a 4:2:0 picture of 10-bit samples to 8 bits: the low 8 bits of each 16-bit word >> 2. Three planes on either
+ *  side, the chroma planes of (w + 1) >> 1 by (h + 1) >> 1 samples. Called directly, the dispatch does not know it.
+ *  Sharing of memory and threads are as for the converters to RGB.
+ *  @param src_a   source planes Y, U, V of 16-bit words at any address
+ *  @param src_w   width in luma samples
+ *  @param src_h   height in luma rows
+ *  @param src_s   source strides in bytes, negative ones included
+ *  @param src_cs  ignored
+ *  @param dst_a   destination planes Y, U, V of bytes
+ *  @param dst_w   ignored
+ *  @param dst_h   ignored
+ *  @param dst_s   destination strides in bytes
+ *  @param dst_cs  ignored */
+ZELT_API void zelt_csc_p010_to_yuv420(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
+                                      int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
+                                      const int32_t *dst_s, int32_t dst_cs);
+
+/** Copies the planes Y, U, V of a 4:4:4 picture, and the alpha plane where dst_cs is ZELT_CS_YUV444A8. Sharing of
+ * memory and threads are as for the converters to RGB.
+ *  @param src_a   source planes
+ *  @param src_w   width in pixels
+ *  @param src_h   height in rows
+ *  @param src_s   source strides in bytes, negative ones included
+ *  @param src_cs  ignored
+ *  @param dst_a   destination planes
+ *  @param dst_w   ignored
+ *  @param dst_h   ignored
+ *  @param dst_s   destination strides in bytes
+ *  @param dst_cs  ZELT_CS_YUV444A8 copies four planes, anything else three */
+ZELT_API void zelt_csc_yuv444x_to_yuv444x(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
+                                          int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
+                                          const int32_t *dst_s, int32_t dst_cs);
+
+/** Converts a picture to RGB of another size in one pass. Source samples are interpolated bilinearly by the rule of
+ *  zelt/irsz.h, each plane by itself, and then converted as by the converter of one size. Nothing is allocated, no
+ *  sample outside the source picture is read, and nothing is written where a size is below 1. Source and destination
+ *  lie apart, at any address. Any thread.
+ *  @param src_a   source planes
+ *  @param src_w   source width in pixels
+ *  @param src_h   source height in rows
+ *  @param src_s   source strides in bytes, one per plane, negative ones included
+ *  @param src_cs  ignored
+ *  @param dst_a   destination planes; for RGB565A8 the words and the alpha bytes
+ *  @param dst_w   destination width in pixels
+ *  @param dst_h   destination height in rows
+ *  @param dst_s   destination strides in bytes
+ *  @param dst_cs  ignored */
+/** @{ */
+ZELT_API void zelt_csc_rsz_r8g8b8_to_rgb888(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
+                                            int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
+                                            const int32_t *dst_s, int32_t dst_cs);
+ZELT_API void zelt_csc_rsz_r8g8b8_to_rgba8888(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
+                                              int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
+                                              const int32_t *dst_s, int32_t dst_cs);
+ZELT_API void zelt_csc_rsz_r8g8b8a8_to_rgba8888(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
+                                                int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
+                                                const int32_t *dst_s, int32_t dst_cs);
+ZELT_API void zelt_csc_rsz_yuv444_to_rgb888(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
+                                            int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
+                                            const int32_t *dst_s, int32_t dst_cs);
+ZELT_API void zelt_csc_rsz_yuv444_to_rgba8888(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
+                                              int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
+                                              const int32_t *dst_s, int32_t dst_cs);
+ZELT_API void zelt_csc_rsz_yuv444a8_to_rgba8888(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
+                                                int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
+                                                const int32_t *dst_s, int32_t dst_cs);
+ZELT_API void zelt_csc_rsz_yuv444_to_rgb565(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
+                                            int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
+                                            const int32_t *dst_s, int32_t dst_cs);
+ZELT_API void zelt_csc_rsz_yuv444a8_to_rgb565a8(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
+                                                int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
+                                                const int32_t *dst_s, int32_t dst_cs);
+/** @} */
+
 ZELT_END_DECLS
 
 #endif

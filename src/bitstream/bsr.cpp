@@ -34,13 +34,13 @@ inline void consume(ZELT_BSR* bs, s32 size) {
 inline bool in_cache(const ZELT_BSR* bs, s32 size) { return static_cast<u32>(size) <= 32 && size <= bs->leftbits; }
 
 /// Whether the default refill would load a whole word and the cache is as reads leave it.
-inline bool word_ahead(const ZELT_BSR* bs) {
+[[maybe_unused]] inline bool word_ahead(const ZELT_BSR* bs) {
     return bs->flush_fn == zelt_bsr_flush && bytes_left(bs) >= 4 && static_cast<u32>(bs->leftbits) <= 32;
 }
 
 /// Reads 0..32 bits with a word ahead. Fields of any width meet the end of the cache at random, and a mispredicted
 /// branch costs more than all of this.
-inline u32 take_branchless(ZELT_BSR* bs, s32 size) {
+[[maybe_unused]] inline u32 take_branchless(ZELT_BSR* bs, s32 size) {
     const u32 code = bs->code, next = load_be32(bs->cur);
     const s32 left = bs->leftbits - size, refilled = left >> 31;
     const u32 value = shr(code | shr(next, bs->leftbits), 32 - size), mask = static_cast<u32>(refilled);

@@ -10,10 +10,13 @@
 //   dot<A, B>(a, b)              A a + B b of unsigned bytes; the sum of either sign's terms stays in 16 bits
 //   interleave, dot<A, B, C>     the same of three, modulo 2^16
 //   centred_product<F>(a)        (F (a - 128) + 128) >> 8 of unsigned bytes
+//   mul_q15(a, b)                (a b + 2^14) >> 15
 //   sub_sat(a, b)                a - b with saturation to 16 bits
 //   shift_add<N>(a, b)           a + (b >> N)
 //   shift_insert<N>(a, b)        the high N bits of bytes a above b >> N
 //   any(mask)                    whether a byte is set, of bytes that are 0 or 255
+//   load_words, store_words      `lanes` samples of 16 bits; their order inside `words` is not that of widen
+//   dot_q10<A, B, C>(a, b, c)    (A a + B b + C c + 512) >> 10 of signed words, summed in 32 bits
 #include "core/types.h"
 
 namespace zelt::simd {
@@ -44,6 +47,12 @@ inline words splat(int value) {
 }
 inline words operator+(words a, int b) { return a + splat(b); }
 inline words operator>>(words a, int n) { return {a.lo >> n, a.hi >> n}; }
+inline words operator<<(words a, int n) { return {a.lo << n, a.hi << n}; }
+inline words clamp(words a, int low, int high) {
+    const half least = splat(low).lo, most = splat(high).lo;
+    a = {a.lo < most ? a.lo : most, a.hi < most ? a.hi : most};
+    return {a.lo > least ? a.lo : least, a.hi > least ? a.hi : least};
+}
 }  // namespace zelt::simd
 
 #ifdef __AVX2__

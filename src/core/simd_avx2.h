@@ -126,6 +126,10 @@ template <int F> words centred_product(bytes a) {
                splat(offset);
     }
 }
+inline words mul_q15(words a, int b) {
+    const __m256i factor = _mm256_set1_epi16(static_cast<s16>(b));
+    return {(half)_mm256_mulhrs_epi16((__m256i)a.lo, factor), (half)_mm256_mulhrs_epi16((__m256i)a.hi, factor)};
+}
 template <int N> words shift_add(words a, words b) { return a + (b >> N); }
 template <int N> bytes shift_insert(bytes a, bytes b) {
     const bytes low = bytes{} + static_cast<u8>(255 >> N);
@@ -154,5 +158,22 @@ template <int A, int B, int C> words dot(triples v) {
     const __m256i ab = per_pair<A, b0>(), cb = per_pair<C, B - b0>();
     return words{(half)_mm256_maddubs_epi16(v.ab_lo, ab), (half)_mm256_maddubs_epi16(v.ab_hi, ab)} +
            words{(half)_mm256_maddubs_epi16(v.cb_lo, cb), (half)_mm256_maddubs_epi16(v.cb_hi, cb)};
+}
+
+inline void load_words(const u8* p, words& a) { a = {(half)load_register(p), (half)load_register(p + 32)}; }
+inline void store_words(u8* p, words a) { store_register(p, (__m256i)a.lo), store_register(p + 32, (__m256i)a.hi); }
+
+template <int A, int B, int C> half dot_q10(half a, half b, half c) {
+    const __m256i ab = _mm256_set1_epi32((A & 0xFFFF) | B * 65536), cr = _mm256_set1_epi32((C & 0xFFFF) | 512 << 16);
+    const __m256i one = _mm256_set1_epi16(1);  // times 512 is the rounding
+    const auto sum = [&](__m256i two, __m256i third) {
+        return _mm256_srai_epi32(_mm256_add_epi32(_mm256_madd_epi16(two, ab), _mm256_madd_epi16(third, cr)), 10);
+    };
+    return (half)_mm256_packs_epi32(
+        sum(_mm256_unpacklo_epi16((__m256i)a, (__m256i)b), _mm256_unpacklo_epi16((__m256i)c, one)),
+        sum(_mm256_unpackhi_epi16((__m256i)a, (__m256i)b), _mm256_unpackhi_epi16((__m256i)c, one)));
+}
+template <int A, int B, int C> words dot_q10(words a, words b, words c) {
+    return {dot_q10<A, B, C>(a.lo, b.lo, c.lo), dot_q10<A, B, C>(a.hi, b.hi, c.hi)};
 }
 }  // namespace zelt::simd

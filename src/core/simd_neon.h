@@ -58,6 +58,10 @@ template <int F> words centred_product(bytes a) {
     return {(half)vqrdmulhq_n_s16(vshll_n_s8(vget_low_s8(centred), 7), F),
             (half)vqrdmulhq_n_s16(vshll_n_s8(vget_high_s8(centred), 7), F)};
 }
+inline words mul_q15(words a, int b) {
+    const s16 factor = static_cast<s16>(b);
+    return {(half)vqrdmulhq_n_s16((int16x8_t)a.lo, factor), (half)vqrdmulhq_n_s16((int16x8_t)a.hi, factor)};
+}
 template <int N> words shift_add(words a, words b) {
     return {(half)vsraq_n_s16((int16x8_t)a.lo, (int16x8_t)b.lo, N),
             (half)vsraq_n_s16((int16x8_t)a.hi, (int16x8_t)b.hi, N)};
@@ -95,5 +99,20 @@ inline triples interleave(bytes a, bytes b, bytes c) { return {a, b, c}; }
 template <int A, int B, int C> words dot(triples v) {
     const words ab = dot<A, B>(v.a, v.b);
     return {(half)multiply_add<C>((uint16x8_t)ab.lo, low8(v.c)), (half)multiply_add<C>((uint16x8_t)ab.hi, high8(v.c))};
+}
+
+inline void load_words(const u8* p, words& a) { a = {(half)vld1q_u8(p), (half)vld1q_u8(p + 16)}; }
+inline void store_words(u8* p, words a) { vst1q_u8(p, (uint8x16_t)a.lo), vst1q_u8(p + 16, (uint8x16_t)a.hi); }
+
+template <int A, int B, int C> int16x4_t dot_q10(int16x4_t a, int16x4_t b, int16x4_t c) {
+    return vrshrn_n_s32(vmlal_n_s16(vmlal_n_s16(vmull_n_s16(a, A), b, B), c, C), 10);
+}
+template <int A, int B, int C> half dot_q10(half a, half b, half c) {
+    const auto low = [](half v) { return vget_low_s16((int16x8_t)v); };
+    const auto high = [](half v) { return vget_high_s16((int16x8_t)v); };
+    return (half)vcombine_s16(dot_q10<A, B, C>(low(a), low(b), low(c)), dot_q10<A, B, C>(high(a), high(b), high(c)));
+}
+template <int A, int B, int C> words dot_q10(words a, words b, words c) {
+    return {dot_q10<A, B, C>(a.lo, b.lo, c.lo), dot_q10<A, B, C>(a.hi, b.hi, c.hi)};
 }
 }  // namespace zelt::simd

@@ -21,17 +21,34 @@ const zelt_csc_fn zelt_tbl_fn_csc_to_rgb[2 * 6 * 11] = {
     // YUV444A8
     nullptr, F(yuv444a8_to_rgba8888), nullptr, F(yuv444a8_to_rgba5658), F(yuv444a8_to_rgb565a8),
     F(yuv444a8_to_argb8888), F(yuv444a8_to_bgra8888), nullptr, nullptr, nullptr, nullptr,
-    // P410, R10G10B10, and everything where the sizes differ: none
+    // P410
+    nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, F(p410_to_r10g10b10),
+    // R10G10B10. Kept: to itself it is converted to P410.
+    nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, F(r10g10b10_to_p410),
+
+    // sizes differ, from R8G8B8
+    F(rsz_r8g8b8_to_rgb888), F(rsz_r8g8b8_to_rgba8888), nullptr, nullptr, nullptr,
+    nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+    // R8G8B8A8
+    nullptr, F(rsz_r8g8b8a8_to_rgba8888), nullptr, nullptr, nullptr,
+    nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+    // YUV444
+    F(rsz_yuv444_to_rgb888), F(rsz_yuv444_to_rgba8888), F(rsz_yuv444_to_rgb565), nullptr, nullptr,
+    nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+    // YUV444A8
+    nullptr, F(rsz_yuv444a8_to_rgba8888), nullptr, nullptr, F(rsz_yuv444a8_to_rgb565a8),
+    nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+    // P410, R10G10B10: none
 };
 
 // destination:  YUV444, YUV444A8, P410
 const zelt_csc_fn zelt_tbl_fn_csc_to_yuvplanar[2 * 8 * 3] = {
     F(r8g8b8_to_yuv444), nullptr, nullptr,      // sizes equal, from R8G8B8
     nullptr, F(r8g8b8a8_to_yuv444a8), nullptr,  // Kept: no source selects this row
-    nullptr, nullptr, nullptr,                  // YUV444
-    nullptr, nullptr, nullptr,                  // YUV444A8
+    F(yuv444x_to_yuv444x), nullptr, nullptr,    // YUV444
+    F(yuv444x_to_yuv444x), F(yuv444x_to_yuv444x), nullptr,  // YUV444A8
     F(rgb565_to_yuv444), nullptr, nullptr,      // RGB565
-    nullptr, nullptr, nullptr,                  // R10G10B10
+    nullptr, nullptr, F(r10g10b10_to_p410),     // R10G10B10
     F(rgb888_to_yuv444), nullptr, nullptr,      // RGB888
     nullptr, F(rgba8888_to_yuv444a8), nullptr,  // RGBA8888
     // sizes differ: none

@@ -4,17 +4,17 @@
 namespace zelt {
 // Kinds of start code. `third` tells of a byte, or of every byte of a register, whether it may be the third one.
 struct unit_start {  // H.264, HEVC: 00 00 01
-    template <class V> static auto third(V c) { return c == 1; }
+    template <class V> static V third(V c) { return (V)(c == 1); }
 };
 struct picture_start {  // H.263: 00 00, then the bits 1000 00
-    template <class V> static auto third(V c) { return (c & 0xFC) == 0x80; }
+    template <class V> static V third(V c) { return (V)((c & 0xFC) == 0x80); }
 };
 struct unit_or_picture_start {  // MPEG-4 part 2: either
-    template <class V> static auto third(V c) { return unit_start::third(c) | picture_start::third(c); }
+    template <class V> static V third(V c) { return unit_start::third(c) | picture_start::third(c); }
 };
 
 /// Whether a start code begins at each place; `a b c` are the bytes there and at the two places after it.
-template <class Kind, class V> auto starts(V a, V b, V c) { return ((a | b) == 0) & Kind::third(c); }
+template <class Kind, class V> V starts(V a, V b, V c) { return (V)((a | b) == 0) & Kind::third(c); }
 }  // namespace zelt
 
 namespace zelt::scalar {
@@ -24,7 +24,7 @@ constexpr s32 places = 64;  // tested at once
 /// the same time whatever the bytes are, and the compiler makes vectors of it.
 template <class Kind> bool any_start(const u8* p) {
     u8 found = 0;
-    for (s32 i = 0; i < places; ++i) found |= static_cast<u8>(starts<Kind, u8>(p[i], p[i + 1], p[i + 2]));
+    for (s32 i = 0; i < places; ++i) found |= starts<Kind, u8>(p[i], p[i + 1], p[i + 2]);
     return found != 0;
 }
 }  // namespace zelt::scalar

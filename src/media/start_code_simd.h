@@ -10,7 +10,7 @@ template <class Kind> bool any_start(const u8* p) {
     for (s32 i = 0; i < places; i += lanes) {
         bytes a, b, c;
         load(p + i, a), load(p + i + 1, b), load(p + i + 2, c);
-        found |= (bytes)starts<Kind>(a, b, c);
+        found |= starts<Kind>(a, b, c);
     }
     return any(found);
 }

@@ -1,6 +1,7 @@
 #!/bin/sh
 # exports.sh NM LIST LIBRARY: the names that a library exports are those of the list, with the same kind of symbol.
 nm=$1 list=$2 library=$3
+[ -s "$list" ] || { echo "no list: $list"; exit 1; }
 "$nm" -D --defined-only --format=posix "$library" | sed 's/@[^ ]*//' | awk '
     FNR == NR { listed[$0] = 1; next }
     $2 == "A" { next }  # the version itself

@@ -32,13 +32,15 @@ private:
     u64 value_ = 0xCBF29CE484222325;
 };
 
-enum class fill { low, high, opposed, extremes, small, random };
-constexpr fill fills[] = {fill::low, fill::high, fill::opposed, fill::extremes, fill::small, fill::random};
-constexpr const char* fill_names[] = {"low", "high", "opposed", "extremes", "small", "random"};
+enum class fill { low, high, opposed, extremes, small, random, single };
+constexpr fill fills[] = {fill::low,   fill::high,   fill::opposed, fill::extremes,
+                          fill::small, fill::random, fill::single};
+constexpr const char* fill_names[] = {"low", "high", "opposed", "extremes", "small", "random", "single"};
 
-enum class placement { at_start, at_end, upside_down };
-constexpr placement placements[] = {placement::at_start, placement::at_end, placement::upside_down};
-constexpr const char* placement_names[] = {"after a guard page", "before a guard page", "with a negative stride"};
+enum class placement { at_start, at_end, upside_down, one_row };
+constexpr placement placements[] = {placement::at_start, placement::at_end, placement::upside_down, placement::one_row};
+constexpr const char* placement_names[] = {"after a guard page", "before a guard page", "with a negative stride",
+                                           "with a stride of 0"};
 
 /// The sample of an operand's place under a fill
 int sample(fill f, const operand& o, int index, std::mt19937_64& random) {
@@ -67,7 +69,9 @@ struct placed {
         what = o;
         const std::size_t row = static_cast<std::size_t>(o.width * o.element);
         const std::size_t stride = row + static_cast<std::size_t>(pad * o.element);
-        const std::size_t extent = stride * static_cast<std::size_t>(o.rows - 1) + row;
+        // rows that are written must not lie on each other
+        const bool one_row = where == placement::one_row && !o.written;
+        const std::size_t extent = one_row ? row : stride * static_cast<std::size_t>(o.rows - 1) + row;
         constexpr std::size_t margin = 128;
         used = extent + margin;
         if (!memory || memory->size() < used) memory = std::make_unique<guarded_memory>(used);
@@ -79,15 +83,21 @@ struct placed {
             block.p += stride * static_cast<std::size_t>(o.rows - 1);
             block.stride = -block.stride;
         }
+        if (one_row) block.stride = 0;
+    }
+    void put(int x, int y, int value) {
+        u8* at = block.p + y * block.stride + x * what.element;
+        at[0] = static_cast<u8>(value);
+        if (what.element == 2) at[1] = static_cast<u8>(value >> 8);
     }
     void put(fill f, int index, std::mt19937_64& random) {
+        const fill background = f == fill::single ? fill::small : f;
         for (int y = 0; y < what.rows; ++y)
-            for (int x = 0; x < what.width; ++x) {
-                const int value = sample(f, what, index, random);
-                u8* at = block.p + y * block.stride + x * what.element;
-                at[0] = static_cast<u8>(value);
-                if (what.element == 2) at[1] = static_cast<u8>(value >> 8);
-            }
+            for (int x = 0; x < what.width; ++x) put(x, y, sample(background, what, index, random));
+        if (f != fill::single) return;
+        const int x = static_cast<int>(random() % static_cast<u64>(what.width));
+        const int y = static_cast<int>(random() % static_cast<u64>(what.rows));
+        put(x, y, sample(fill::extremes, what, index, random));
     }
     u8* start() const { return (block.stride < 0 ? block.p + (what.rows - 1) * block.stride : block.p) - offset; }
     void copy_for_model() {
@@ -107,6 +117,7 @@ public:
         for (const shape s : kernel_.shapes)
             for (const fill f : fills)
                 for (const placement where : placements) {
+                    if (!kernel_.block && (f == fill::single || where == placement::one_row)) continue;
                     const std::string problem = run(s, f, where, random, results);
                     ++cases_run;
                     if (!problem.empty()) {

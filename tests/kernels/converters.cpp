@@ -8,14 +8,6 @@
 
 namespace zelt::test {
 namespace {
-struct layout {
-    const char* name;
-    bool yuv;
-    std::vector<int> bytes;  // bytes a pixel of each plane
-    components (*read)(const u8* const* p);
-    void (*write)(u8* const* p, components c);
-};
-
 int word565(components c) { return c.v[0] / 8 * 2048 + c.v[1] / 4 * 32 + c.v[2] / 8; }
 void write565(u8* p, components c) {
     p[0] = static_cast<u8>(word565(c) % 256), p[1] = static_cast<u8>(word565(c) / 256);
@@ -89,12 +81,6 @@ const layout layouts[] = {
      nullptr,
      [](u8* const* p, components c) { write565(p[0], c), p[0][2] = static_cast<u8>(c.v[3]); }},
 };
-
-const layout& find(const std::string& name) {
-    for (const layout& l : layouts)
-        if (l.name == name) return l;
-    std::abort();
-}
 
 /// How the packed writers that take four component pointers are given theirs
 enum class pointers { per_plane, four_of_one, four_apart };
@@ -172,6 +158,12 @@ struct converter {
 };
 }  // namespace
 
+const layout& layout_of(const std::string& name) {
+    for (const layout& l : layouts)
+        if (l.name == name) return l;
+    std::abort();
+}
+
 components rgb_of(components c) {
     const auto shifted = [](int v) { return static_cast<int>(std::floor((v + 128) / 256.0)); };
     const auto clamped = [](int v) { return v < 0 ? 0 : v > 255 ? 255 : v; };
@@ -191,7 +183,7 @@ std::vector<kernel> converter_kernels() {
     std::vector<kernel> rows;
     const auto add = [&](const char* name, zelt_csc_fn fn, const char* from, const char* to) {
         const bool four = !std::strcmp(to, "argb8888") || !std::strcmp(to, "bgra8888");
-        const converter plain = {fn, &find(from), &find(to)};
+        const converter plain = {fn, &layout_of(from), &layout_of(to)};
         rows.push_back(plain.row(name));  // for the four-pointer writers this is the null second pointer
         if (!four) return;
         for (const pointers given : {pointers::four_of_one, pointers::four_apart}) {
@@ -231,7 +223,7 @@ std::vector<kernel> converter_kernels() {
     add("zelt_csc_x8y8z8_to_xyz565a8", zelt_csc_x8y8z8_to_xyz565a8, "r8g8b8", "rgb565a8");
     add("zelt_csc_x8y8z8a8_to_xyz565a8", zelt_csc_x8y8z8a8_to_xyz565a8, "r8g8b8a8", "rgb565a8");
 
-    converter alpha_first = {zelt_csc_yuv444_to_rgba8888, &find("yuv444"), &find("argb8888")};
+    converter alpha_first = {zelt_csc_yuv444_to_rgba8888, &layout_of("yuv444"), &layout_of("argb8888")};
     alpha_first.dst_cs = ZELT_CS_ARGB8888;
     rows.push_back(alpha_first.row("zelt_csc_yuv444_to_rgba8888 alpha-first"));
     return rows;

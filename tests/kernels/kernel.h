@@ -54,10 +54,14 @@ struct kernel {
     std::function<u64(function, shape, const view*)> call;  // 0 where the kernel has no result
     std::function<u64(shape, const view*)> model;           // the same from the documentation alone, in plain C++
     timing timed = timing::none;
+    bool block = false;  // not pictures but blocks: any stride, zero too, and single samples that stand out
 };
 
 std::vector<kernel> converter_kernels();
+std::vector<kernel> high_depth_kernels();
 std::vector<kernel> memory_kernels();
+std::vector<kernel> metric_kernels();
+std::vector<kernel> resize_kernels();
 
 /// All rows of all families.
 std::vector<kernel> all_kernels();

@@ -2,5 +2,8 @@
 set(ZELT_KERNEL_ROWS
   ${CMAKE_CURRENT_LIST_DIR}/registry.cpp
   ${CMAKE_CURRENT_LIST_DIR}/converters.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/high_depth.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/resize.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/metrics.cpp
   ${CMAKE_CURRENT_LIST_DIR}/memory.cpp
 )

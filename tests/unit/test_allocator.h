@@ -20,7 +20,7 @@ public:
 
     int failing = 0;  ///< the call (from 1) that gives null
     int calls = 0;
-    std::uint32_t largest = 1 << 24;  ///< anything larger is refused
+    std::uint32_t largest = 1 << 20;  ///< anything larger is refused
     std::uint32_t next_aux = 0x1000;
     std::uint32_t last_size = 0;
 

@@ -1,5 +1,5 @@
 // zelt formats: what can be converted to what.
-#include "pictures/failure.h"
+#include "output.h"
 #include "pictures/format.h"
 #include "route.h"
 #include "verbs.h"
@@ -57,8 +57,7 @@ void add_formats(CLI::App& app) {
     app.add_subcommand("formats", "Lists the pixel formats and the conversions between them")->callback([] {
         print_matrix();
         print_names();
-        if (std::fflush(stdout) != 0 || std::ferror(stdout))
-            throw failure(status::output_failed, "standard output: cannot be written");
+        finish_output();
     });
 }
 

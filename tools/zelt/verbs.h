@@ -10,5 +10,7 @@ namespace zelt::tool {
 
 void add_convert(CLI::App& app);
 void add_formats(CLI::App& app);
+void add_keyframes(CLI::App& app);
+void add_probe(CLI::App& app);
 
 }  // namespace zelt::tool

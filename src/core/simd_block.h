@@ -1,0 +1,76 @@
+#pragma once
+// The vector vocabulary of sample blocks: the rows of a narrow block share a register, and everything is summed up. The
+// types are here; a back end adds the same operations on each target. V is words8 or uhalf, values of 16 bits:
+//
+//   load_rows<W, R>              R rows of W bytes, one after the other; what is left of a register is 0
+//   load_words<W, R>             the same of 16-bit samples, and of bytes widened to 16 bits
+//   store_words<W, R>            R rows of W values
+//   store_difference             a - b of bytes, in 16 bits
+//   byte_sums, add_abs_diff      sum of |a - b| of bytes; at most 256 additions
+//   add_abs_diff(V s, a, b)      s + |a - b| of signed a and b; where that is 32767 + s or more, any such value
+//   any_high(V)                  whether any value is 2^15 or more
+//   add_pairs(sums, V)           adds values below 2^15 two by two; add_pairs_to(sums, V) those up to 2^15
+//   square_sums, add_squares     sum of (a - b)^2 modulo 2^32; `exact` unless a difference was too large for the target
+//   total                        a sum over all lanes
+//   abs, max, mean_up            magnitudes as unsigned; of unsigned values the larger, and (a + b + 1) / 2
+//   exchange_words, _dwords, _qwords, _lanes
+//                                of each pair of neighbours in a and in b, the first ones to a, the second ones to b;
+//                                dwords come in any order; lanes are those of 128 bits
+//   extend                       the same values in a whole register, the others 0
+//   paired_residual<W, R>        differences of R rows of W bytes, of two neighbours each the sum and the difference:
+//                                those of a row in order, the sums of a row (of eight) together and the differences
+//   add_sat_signed, sub_sat      of signed values with saturation
+#include "core/simd.h"
+
+namespace zelt::simd {
+constexpr int word_lanes = lanes / 2;
+
+typedef u8 bytes16 __attribute__((vector_size(16)));
+typedef u16 words8 __attribute__((vector_size(16)));
+typedef u32 sums4 __attribute__((vector_size(16)));
+typedef u32 sums __attribute__((vector_size(lanes)));
+
+template <class V> using sums_of = std::conditional_t<sizeof(V) == 16, sums4, sums>;
+/// A register of n words
+template <int N> using words_of = std::conditional_t<(N > 8), uhalf, words8>;
+
+/// What one register takes of a block of W columns and H rows, in samples of N to a register of 16 bytes
+template <int W, int H, int N, int Widest> struct step {
+    static constexpr int columns = W < Widest ? W : Widest;
+    static constexpr int rows = W >= N ? 1 : H < N / W ? H : N / W;
+};
+template <int W, int H> using byte_step = step<W, H, 16, lanes>;
+template <int W, int H> using word_step = step<W, H, 8, word_lanes>;
+
+/// Calls f(a, b) at the place of every register of a block, four down a column in a turn of the loop: their addresses
+/// need no more than a stride and three of it. Small blocks are straight code; larger ones would only have the compiler
+/// keep all of what is added up.
+template <class Step, int W, int H, class A, class B, class F>
+[[gnu::always_inline]] inline void each_step(const A* a, const B* b, std::ptrdiff_t sa, std::ptrdiff_t sb, F f) {
+    constexpr bool straight = W / Step::columns * (H / Step::rows) <= 16;
+    constexpr int turn = straight || H < 4 * Step::rows ? H : 4 * Step::rows;
+#pragma GCC unroll 1
+    for (int y = 0; y < H; y += turn, a += turn * sa, b += turn * sb)
+        for (int i = 0; i < turn; i += Step::rows)
+            for (int x = 0; x < W; x += Step::columns) f(a + i * sa + x, b + i * sb + x);
+}
+
+/// (a, b) to (a + b, a - b)
+template <class V> void butterfly(V& a, V& b) {
+    const V sum = a + b;
+    b = a - b, a = sum;
+}
+}  // namespace zelt::simd
+
+#ifdef __AVX2__
+#include "core/simd_block_avx2.h"
+#else
+#include "core/simd_block_neon.h"
+#endif
+
+namespace zelt::simd {
+template <class V> void butterfly_sat(V& a, V& b) {
+    const V sum = add_sat_signed(a, b);
+    b = sub_sat(a, b), a = sum;
+}
+}  // namespace zelt::simd

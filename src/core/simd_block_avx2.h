@@ -1,0 +1,255 @@
+#pragma once  // the vocabulary of sample blocks on AVX2, in registers of 128 bits where a row or two fill no more
+#include <cstring>
+
+namespace zelt::simd {
+template <class V> constexpr bool is_wide = sizeof(V) == 32;
+
+inline __m128i load_xmm(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
+template <class T> int load_as_int(const void* p) {
+    T v;
+    std::memcpy(&v, p, sizeof v);
+    return static_cast<int>(v);
+}
+
+/// R rows of `Bytes` bytes each, in one register of 128 bits
+template <int Bytes, int R> __m128i pack_rows(const u8* p, std::ptrdiff_t stride) {
+    static_assert(Bytes * R <= 16);
+    if constexpr (Bytes == 16) {
+        return load_xmm(p);
+    } else if constexpr (Bytes == 8) {
+        const __m128i v = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
+        if constexpr (R == 1) return v;
+        return _mm_castps_si128(_mm_loadh_pi(_mm_castsi128_ps(v), reinterpret_cast<const __m64*>(p + stride)));
+    } else if constexpr (Bytes == 4) {
+        __m128i v = _mm_cvtsi32_si128(load_as_int<u32>(p));
+        if constexpr (R >= 2) v = _mm_insert_epi32(v, load_as_int<u32>(p + stride), 1);
+        if constexpr (R >= 3) v = _mm_insert_epi32(v, load_as_int<u32>(p + 2 * stride), 2);
+        if constexpr (R >= 4) v = _mm_insert_epi32(v, load_as_int<u32>(p + 3 * stride), 3);
+        return v;
+    } else {
+        __m128i v = _mm_cvtsi32_si128(load_as_int<u16>(p));
+        if constexpr (R >= 2) v = _mm_insert_epi16(v, load_as_int<u16>(p + stride), 1);
+        if constexpr (R >= 3) v = _mm_insert_epi16(v, load_as_int<u16>(p + 2 * stride), 2);
+        if constexpr (R >= 4) v = _mm_insert_epi16(v, load_as_int<u16>(p + 3 * stride), 3);
+        return v;
+    }
+}
+
+template <int W, int R> auto load_rows(const u8* p, std::ptrdiff_t stride) {
+    if constexpr (W == 32)
+        return (bytes)load_register(p);
+    else
+        return (bytes16)pack_rows<W, R>(p, stride);
+}
+template <int W, int R> auto load_words(const u8* p, std::ptrdiff_t stride) {
+    if constexpr (W * R == 16)
+        return (uhalf)_mm256_cvtepu8_epi16(pack_rows<W, R>(p, stride));
+    else
+        return (words8)_mm_cvtepu8_epi16(pack_rows<W, R>(p, stride));
+}
+template <int W, int R> auto load_words(const s16* samples, std::ptrdiff_t stride) {
+    const u8* p = reinterpret_cast<const u8*>(samples);
+    if constexpr (W == 16)
+        return (uhalf)load_register(p);
+    else if constexpr (W == 8 && R == 2)
+        return (uhalf)load_halves(p, p + 2 * stride);
+    else
+        return (words8)pack_rows<2 * W, R>(p, 2 * stride);
+}
+template <int W, int R> auto load_words(const u16* p, std::ptrdiff_t stride) {
+    return load_words<W, R>(reinterpret_cast<const s16*>(p), stride);
+}
+/// Each byte of a row once for sums, once for differences
+template <int W, int R> auto double_rows(const u8* p, std::ptrdiff_t stride) {
+    const auto eight = [](const u8* from) {
+        long long v;
+        std::memcpy(&v, from, sizeof v);
+        return v;
+    };
+    if constexpr (W == 16)
+        return _mm256_broadcastsi128_si256(load_xmm(p));
+    else if constexpr (R == 2)
+        return _mm256_blend_epi32(_mm256_set1_epi64x(eight(p)), _mm256_set1_epi64x(eight(p + stride)), 0xF0);
+    else
+        return _mm_set1_epi64x(eight(p));
+}
+template <int W, int R> auto paired_residual(const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
+    if constexpr (W * R == 16) {
+        constexpr int together = 0x01010101, apart = static_cast<int>(0xFF01FF01);
+        const __m256i signs =
+            W == 16 ? _mm256_setr_epi32(together, together, together, together, apart, apart, apart, apart)
+                    : _mm256_setr_epi32(together, together, apart, apart, together, together, apart, apart);
+        return (uhalf)_mm256_maddubs_epi16(double_rows<W, R>(a, sa), signs) -
+               (uhalf)_mm256_maddubs_epi16(double_rows<W, R>(b, sb), signs);
+    } else {
+        const __m128i signs = _mm_set_epi64x(static_cast<s64>(0xFF01FF01FF01FF01), 0x0101010101010101);
+        return (words8)_mm_maddubs_epi16(double_rows<W, R>(a, sa), signs) -
+               (words8)_mm_maddubs_epi16(double_rows<W, R>(b, sb), signs);
+    }
+}
+template <int W, int R, class V> void store_words(s16* p, std::ptrdiff_t stride, V v) {
+    if constexpr (is_wide<V>) {
+        store_register(reinterpret_cast<u8*>(p), (__m256i)v);
+    } else if constexpr (W == 8) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(p), (__m128i)v);
+    } else if constexpr (W == 4) {
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(p), (__m128i)v);
+        if constexpr (R == 2) _mm_storeh_pi(reinterpret_cast<__m64*>(p + stride), _mm_castsi128_ps((__m128i)v));
+    } else {
+        const sums4 pairs = (sums4)v;
+        for (int i = 0; i < R; ++i) {
+            const u32 pair = pairs[i];
+            std::memcpy(p + i * stride, &pair, sizeof pair);
+        }
+    }
+}
+
+inline void store_difference(s16* p, bytes a, bytes b) {
+    const words d = dot<1, -1>(a, b);  // of each 128 bits the low and the high half
+    u8* to = reinterpret_cast<u8*>(p);
+    store_register(to, _mm256_permute2x128_si256((__m256i)d.lo, (__m256i)d.hi, 0x20));
+    store_register(to + lanes, _mm256_permute2x128_si256((__m256i)d.lo, (__m256i)d.hi, 0x31));
+}
+
+inline sums extend(sums4 s) { return (sums)_mm256_zextsi128_si256((__m128i)s); }
+inline sums extend(sums s) { return s; }
+inline uhalf extend(words8 s) { return (uhalf)_mm256_zextsi128_si256((__m128i)s); }
+inline uhalf extend(uhalf s) { return s; }
+
+inline u32 total(sums4 s) {
+    const __m128i two = _mm_add_epi32((__m128i)s, _mm_shuffle_epi32((__m128i)s, 0xEE));
+    return static_cast<u32>(_mm_cvtsi128_si32(_mm_add_epi32(two, _mm_shuffle_epi32(two, 0x55))));
+}
+inline sums4 fold(sums s) {
+    return (sums4)_mm256_castsi256_si128((__m256i)s) + (sums4)_mm256_extracti128_si256((__m256i)s, 1);
+}
+inline u32 total(sums s) { return total(fold(s)); }
+
+template <class B> struct byte_sums { sums_of<B> in_64_bits; };
+inline byte_sums<bytes16> add_abs_diff(byte_sums<bytes16> s, bytes16 a, bytes16 b) {
+    return {s.in_64_bits + (sums4)_mm_sad_epu8((__m128i)a, (__m128i)b)};
+}
+inline byte_sums<bytes> add_abs_diff(byte_sums<bytes> s, bytes a, bytes b) {
+    return {s.in_64_bits + (sums)_mm256_sad_epu8((__m256i)a, (__m256i)b)};
+}
+inline u32 total(byte_sums<bytes16> s) {
+    const __m128i v = (__m128i)s.in_64_bits;
+    return static_cast<u32>(_mm_cvtsi128_si32(_mm_add_epi32(v, _mm_shuffle_epi32(v, 0xEE))));
+}
+inline u32 total(byte_sums<bytes> s) { return total(byte_sums<bytes16>{fold(s.in_64_bits)}); }
+
+template <class V> V abs(V a) {
+    if constexpr (is_wide<V>)
+        return (V)_mm256_abs_epi16((__m256i)a);
+    else
+        return (V)_mm_abs_epi16((__m128i)a);
+}
+template <class V> V max(V a, V b) {
+    if constexpr (is_wide<V>)
+        return (V)_mm256_max_epu16((__m256i)a, (__m256i)b);
+    else
+        return (V)_mm_max_epu16((__m128i)a, (__m128i)b);
+}
+template <class V> V mean_up(V a, V b) {
+    if constexpr (is_wide<V>)
+        return (V)_mm256_avg_epu16((__m256i)a, (__m256i)b);
+    else
+        return (V)_mm_avg_epu16((__m128i)a, (__m128i)b);
+}
+template <class V> V sub_sat(V a, V b) {
+    if constexpr (is_wide<V>)
+        return (V)_mm256_subs_epi16((__m256i)a, (__m256i)b);
+    else
+        return (V)_mm_subs_epi16((__m128i)a, (__m128i)b);
+}
+template <class V> V add_sat_signed(V a, V b) {
+    if constexpr (is_wide<V>)
+        return (V)_mm256_adds_epi16((__m256i)a, (__m256i)b);
+    else
+        return (V)_mm_adds_epi16((__m128i)a, (__m128i)b);
+}
+template <class V> V add_sat(V a, V b) {
+    if constexpr (is_wide<V>)
+        return (V)_mm256_adds_epu16((__m256i)a, (__m256i)b);
+    else
+        return (V)_mm_adds_epu16((__m128i)a, (__m128i)b);
+}
+/// Sums of neighbouring products of signed values, modulo 2^32
+template <class V> sums_of<V> multiply_pairs(V a, V b) {
+    if constexpr (is_wide<V>)
+        return (sums)_mm256_madd_epi16((__m256i)a, (__m256i)b);
+    else
+        return (sums4)_mm_madd_epi16((__m128i)a, (__m128i)b);
+}
+
+/// A difference out of range saturates, and one that did takes the sum to 32767 or more.
+template <class V> V add_abs_diff(V s, V a, V b) { return add_sat(s, abs(sub_sat(a, b))); }
+template <class V> bool any_high(V a) {
+    if constexpr (is_wide<V>)
+        return _mm256_movemask_epi8((__m256i)a) & static_cast<int>(0xAAAAAAAA);
+    else
+        return _mm_movemask_epi8((__m128i)a) & 0xAAAA;
+}
+
+template <class V> sums_of<V> add_pairs(sums_of<V> s, V a) { return s + multiply_pairs(a, V{} + 1); }
+/// 2^15 has no signed form, its negative has.
+template <class V> sums_of<V> add_pairs_to(sums_of<V> s, V a) {
+    return s + multiply_pairs(V{} - a, V{} + static_cast<u16>(-1));
+}
+
+/// Differences saturate: one that did makes a sum of squares of 2^29 at least, one that would not and is taken for it
+/// only costs time.
+template <class V> struct square_sums { sums_of<V> sum, seen; };
+template <class V> square_sums<V> add_squares(square_sums<V> s, V a, V b) {
+    const V d = sub_sat(a, b);
+    const sums_of<V> squares = multiply_pairs(d, d);
+    return {s.sum + squares, s.seen | squares};
+}
+inline square_sums<uhalf> add_squares(square_sums<uhalf> s, bytes a, bytes b) {
+    const words d = dot<1, -1>(a, b);
+    return {s.sum + (multiply_pairs((uhalf)d.lo, (uhalf)d.lo) + multiply_pairs((uhalf)d.hi, (uhalf)d.hi)), s.seen};
+}
+template <class V> bool exact(square_sums<V> s) {
+    sums4 seen;
+    if constexpr (is_wide<V>)
+        seen = (sums4)_mm256_castsi256_si128((__m256i)s.seen) | (sums4)_mm256_extracti128_si256((__m256i)s.seen, 1);
+    else
+        seen = s.seen;
+    return _mm_testz_si128((__m128i)seen, _mm_set1_epi32(7 << 29));
+}
+template <class V> u32 total(square_sums<V> s) { return total(s.sum); }
+
+template <class V> void exchange_words(V& a, V& b) {
+    if constexpr (is_wide<V>) {
+        const __m256i va = (__m256i)a, vb = (__m256i)b;
+        a = (V)_mm256_blend_epi16(va, _mm256_slli_epi32(vb, 16), 0xAA);
+        b = (V)_mm256_blend_epi16(_mm256_srli_epi32(va, 16), vb, 0xAA);
+    } else {
+        const __m128i va = (__m128i)a, vb = (__m128i)b;
+        a = (V)_mm_blend_epi16(va, _mm_slli_epi32(vb, 16), 0xAA);
+        b = (V)_mm_blend_epi16(_mm_srli_epi32(va, 16), vb, 0xAA);
+    }
+}
+template <class V> void exchange_dwords(V& a, V& b) {
+    if constexpr (is_wide<V>) {
+        const __m256 va = (__m256)a, vb = (__m256)b;
+        a = (V)_mm256_shuffle_ps(va, vb, 0x88), b = (V)_mm256_shuffle_ps(va, vb, 0xDD);
+    } else {
+        const __m128 va = (__m128)a, vb = (__m128)b;
+        a = (V)_mm_shuffle_ps(va, vb, 0x88), b = (V)_mm_shuffle_ps(va, vb, 0xDD);
+    }
+}
+template <class V> void exchange_qwords(V& a, V& b) {
+    if constexpr (is_wide<V>) {
+        const __m256i va = (__m256i)a, vb = (__m256i)b;
+        a = (V)_mm256_unpacklo_epi64(va, vb), b = (V)_mm256_unpackhi_epi64(va, vb);
+    } else {
+        const __m128i va = (__m128i)a, vb = (__m128i)b;
+        a = (V)_mm_unpacklo_epi64(va, vb), b = (V)_mm_unpackhi_epi64(va, vb);
+    }
+}
+template <class V> void exchange_lanes(V& a, V& b) {
+    const __m256i va = (__m256i)a, vb = (__m256i)b;
+    a = (V)_mm256_blend_epi32(va, vb, 0xF0), b = (V)_mm256_permute2x128_si256(va, vb, 0x21);
+}
+}  // namespace zelt::simd

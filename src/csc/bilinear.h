@@ -1,0 +1,36 @@
+#pragma once  // the sampling grid of an axis, shared by the resizer and the fused converters
+#include "core/types.h"
+
+#include <algorithm>
+
+namespace zelt::csc {
+/// Position of destination samples among the source samples of one axis. Destination sample i lies at i * step / 2^18
+/// on the grid of every 2^shift-th source sample; the top three bits of the fraction are its phase.
+struct axis {
+    int shift = 0;
+    s64 next = 0;  // distance of the second source sample; 0 with step 0, where the first is the only one to be read
+    s64 step = 0;
+
+    axis() = default;
+    axis(int shift, s64 next, s64 step) : shift(shift), next(step ? next : 0), step(step) {}
+    axis(int src, int dst) {
+        if (src < 1 || dst < 1) return;
+        const int ratio = std::min(src / dst, 31);
+        shift = ratio < 3 ? 0 : ratio < 5 ? 1 : ratio < 9 ? 2 : ratio < 17 ? 3 : 4;
+        step = (static_cast<s64>((src - 1) >> shift) << 18) / dst;  // src - 1: the second sample lies inside, too
+        next = step ? 1 << shift : 0;
+    }
+    explicit axis(u32 packed) : axis(packed & 7, 1 << (packed & 7), packed >> 3) {}
+
+    u32 packed() const { return static_cast<u32>(step << 3) | static_cast<u32>(shift); }
+    s64 sample(s64 position) const { return (position >> 18) * (s64{1} << shift); }
+    static int phase(s64 position) { return static_cast<int>(position >> 15 & 7); }
+};
+
+/// Two source rows, how many eighths below the first the wanted one lies, and the destination row
+struct row_pair {
+    const u8 *top, *bottom;
+    int phase;
+    u8* dst;
+};
+}  // namespace zelt::csc

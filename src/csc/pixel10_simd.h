@@ -1,0 +1,23 @@
+#pragma once  // 10-bit samples in 16-bit words over whole registers
+#include "core/simd.h"
+#include "csc/pixel10_scalar.h"
+
+namespace zelt::scalar {
+template <> struct wide<simd::bytes> { using type = simd::words; };
+}  // namespace zelt::scalar
+
+namespace zelt::simd {
+/// (1436 e + 512) >> 10 is a rounding high-half product of e << 5, which fits 16 bits up to e = 512.
+inline pixel<words> yuv_to_rgb10(pixel<words> p) {
+    const auto clamped = [](words v) { return clamp(v, 0, 1023); };
+    const words y = p.c0, d = p.c1 + -512, e = p.c2 + -512;
+    return {clamped(y + mul_q15(e << 5, 1436)), clamped(y - dot_q10<352, 732, 0>(d, e, words{})),
+            clamped(y + mul_q15(d << 5, 1816)), p.a};
+}
+
+inline pixel<words> rgb_to_yuv10(pixel<words> p) {
+    const words r = p.c0, g = p.c1, b = p.c2;
+    return {dot_q10<308, 600, 116>(r, g, b), dot_q10<-172, -340, 512>(r, g, b) + 512,
+            dot_q10<512, -428, -84>(r, g, b) + 512, p.a};
+}
+}  // namespace zelt::simd

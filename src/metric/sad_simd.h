@@ -1,0 +1,169 @@
+#pragma once
+#include "core/simd_block.h"
+#include "metric/sad_scalar.h"
+
+#include <algorithm>
+
+namespace zelt::simd {
+using scalar::sad;  // blocks that are too small for a register
+
+/// Whether a block fills half a register at least
+template <int W, int H, class Sample> constexpr bool worth_a_register = W* H* static_cast<int>(sizeof(Sample)) >= 8;
+
+// ------------------------------------------------------------------------------------------------------- 8-bit samples
+
+/// What the rows of W bytes are summed up in
+template <int W> using row_sums = byte_sums<std::conditional_t<(W >= lanes), bytes, bytes16>>;
+
+template <int W, int H>
+row_sums<W> add_block(row_sums<W> sum, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
+    using step = byte_step<W, H>;
+    each_step<step, W, H>(a, b, sa, sb, [&](const u8* pa, const u8* pb) {
+        sum = add_abs_diff(sum, load_rows<step::columns, step::rows>(pa, sa),
+                           load_rows<step::columns, step::rows>(pb, sb));
+    });
+    return sum;
+}
+
+template <int W, int H>
+requires worth_a_register<W, H, u8> u32 sad(const u8* a, const u8* b, int sa, int sb) {
+    return total(add_block<W, H>(row_sums<W>{}, a, b, sa, sb));
+}
+
+/// Up to as many rows as the partial sums can take
+constexpr int rows_at_once = 256;
+template <int W> u32 sad_few_rows(int h, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
+    row_sums<W> sum{};
+    for (; h >= 8; h -= 8, a += 8 * sa, b += 8 * sb) sum = add_block<W, 8>(sum, a, b, sa, sb);
+    for (; h > 0; --h, a += sa, b += sb) sum = add_block<W, 1>(sum, a, b, sa, sb);
+    return total(sum);
+}
+template <int W>
+[[gnu::noinline]] u32 sad_many_rows(int h, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
+    u32 sum = 0;
+    for (; h > rows_at_once; h -= rows_at_once, a += rows_at_once * sa, b += rows_at_once * sb)
+        sum += sad_few_rows<W>(rows_at_once, a, b, sa, sb);
+    return sum + sad_few_rows<W>(h, a, b, sa, sb);
+}
+template <int W> u32 sad_rows(int h, const u8* a, const u8* b, int sa, int sb) {
+    return h == W ? sad<W, W>(a, b, sa, sb) : sad_many_rows<W>(h, a, b, sa, sb);
+}
+
+/// One row of any width
+inline u32 sad_row(int w, const u8* a, const u8* b) {
+    u32 sum = 0;
+    for (; w >= 64; w -= 64, a += 64, b += 64) sum += sad<64, 1>(a, b, 0, 0);
+    for (; w >= 16; w -= 16, a += 16, b += 16) sum += sad<16, 1>(a, b, 0, 0);
+    return sum + scalar::sad(w, 1, a, b, 0, 0);
+}
+
+/// Goes four rows at a time while the threshold is not reached, then row by row to the one that exceeds it.
+template <class Four, class One>
+int sad_eskip(int h, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb, int threshold, Four four,
+              One one) {
+    u32 sum = 0;
+    for (; h >= 4; h -= 4, a += 4 * sa, b += 4 * sb) {
+        const u32 next = sum + four(a, b);
+        if (static_cast<int>(next) > threshold) break;
+        sum = next;
+    }
+    for (; h > 0; --h, a += sa, b += sb) {
+        sum += one(a, b);
+        if (static_cast<int>(sum) > threshold) break;
+    }
+    return static_cast<int>(sum);
+}
+template <int W> int sad_eskip(int h, const u8* a, const u8* b, int sa, int sb, int threshold) {
+    return sad_eskip(
+        h, a, b, sa, sb, threshold, [=](const u8* pa, const u8* pb) { return sad<W, 4>(pa, pb, sa, sb); },
+        [](const u8* pa, const u8* pb) { return sad<W, 1>(pa, pb, 0, 0); });
+}
+inline int sad_eskip(int w, int h, const u8* a, const u8* b, int sa, int sb, int threshold) {
+    switch (w) {
+    case 4: return sad_eskip<4>(h, a, b, sa, sb, threshold);
+    case 8: return sad_eskip<8>(h, a, b, sa, sb, threshold);
+    case 16: return sad_eskip<16>(h, a, b, sa, sb, threshold);
+    case 32: return sad_eskip<32>(h, a, b, sa, sb, threshold);
+    case 64: return sad_eskip<64>(h, a, b, sa, sb, threshold);
+    }
+    const auto row = [=](const u8* pa, const u8* pb) { return sad_row(w, pa, pb); };
+    const auto four = [=](const u8* pa, const u8* pb) {
+        u32 sum = 0;
+        for (std::ptrdiff_t y = 0; y < 4; ++y) sum += sad_row(w, pa + y * sa, pb + y * sb);
+        return sum;
+    };
+    return sad_eskip(h, a, b, sa, sb, threshold, four, row);
+}
+
+// ------------------------------------------------------------------------------------------- 16-bit and mixed samples
+
+/// Sums of up to eight magnitudes, exact together as long as none of them reaches 32767. With samples of 12 bits none
+/// does; otherwise the scalar form has the result. Each sum starts with 1, so that those have the highest bit.
+template <class V> class magnitudes {
+public:
+    static constexpr int at_once = 8;
+    static V start() { return V{} + 1; }
+
+    void add(V part) { sum_ = add_pairs(sum_, part), all_ |= part, ++parts_; }
+    bool exact() const { return !any_high(all_); }
+    u32 total() const { return simd::total(sum_) - parts_ * static_cast<u32>(sizeof(V) / sizeof(u16)); }
+
+private:
+    sums_of<V> sum_{};
+    V all_{};
+    u32 parts_ = 0;
+};
+
+template <int W, int H, class A, class B>
+[[gnu::cold, gnu::noinline]] u32 sad_of_large(const A* a, const B* b, int sa, int sb) {
+    return scalar::sad<W, H>(a, b, sa, sb);
+}
+
+template <int W, int H, class B>
+requires worth_a_register<W, H, s16> u32 sad(const s16* a, const B* b, int sa, int sb) {
+    using step = word_step<W, H>;
+    using V = words_of<step::columns * step::rows>;
+    constexpr int group = std::min(magnitudes<V>::at_once * step::columns / W, H / step::rows) * step::rows;
+    magnitudes<V> all;
+#pragma GCC unroll 1
+    for (int y = 0; y < H; y += group) {
+        V part = magnitudes<V>::start();
+        each_step<step, W, group>(a + y * std::ptrdiff_t{sa}, b + y * std::ptrdiff_t{sb}, sa, sb,
+                                  [&](const s16* pa, const B* pb) {
+                                      part = add_abs_diff(part, load_words<step::columns, step::rows>(pb, sb),
+                                                          load_words<step::columns, step::rows>(pa, sa));
+                                  });
+        all.add(part);
+    }
+    if (!all.exact()) [[unlikely]]
+        return sad_of_large<W, H>(a, b, sa, sb);
+    return all.total();
+}
+
+/// W columns of a few rows
+template <int W> words_of<W> sad_part(int h, const s16* a, const s16* b, int sa, int sb) {
+    words_of<W> part = magnitudes<words_of<W>>::start();
+    for (; h > 0; --h, a += sa, b += sb) part = add_abs_diff(part, load_words<W, 1>(b, sb), load_words<W, 1>(a, sa));
+    return part;
+}
+
+inline u32 sad(int w, int h, const s16* a, const s16* b, int sa, int sb) {
+    constexpr int most = magnitudes<uhalf>::at_once;
+    magnitudes<uhalf> wide;
+    magnitudes<words8> narrow;
+    u32 sum = 0;
+    const s16 *pa = a, *pb = b;
+    for (int left = h; left > 0; left -= most, pa += most * std::ptrdiff_t{sa}, pb += most * std::ptrdiff_t{sb}) {
+        const int rows = std::min(left, most);
+        int x = 0;
+        for (; w - x >= word_lanes; x += word_lanes) wide.add(sad_part<word_lanes>(rows, pa + x, pb + x, sa, sb));
+        if (w - x >= 8) narrow.add(sad_part<8>(rows, pa + x, pb + x, sa, sb)), x += 8;
+        if (w - x >= 4) narrow.add(sad_part<4>(rows, pa + x, pb + x, sa, sb)), x += 4;
+        if (w - x >= 2) narrow.add(sad_part<2>(rows, pa + x, pb + x, sa, sb)), x += 2;
+        if (w - x >= 1) sum += scalar::sad(1, rows, pa + x, pb + x, sa, sb);
+    }
+    if (!wide.exact() || !narrow.exact()) [[unlikely]]
+        return scalar::sad(w, h, a, b, sa, sb);
+    return sum + wide.total() + narrow.total();
+}
+}  // namespace zelt::simd

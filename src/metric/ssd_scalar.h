@@ -1,0 +1,15 @@
+#pragma once  // sums of squared differences, sample by sample
+#include "core/types.h"
+
+namespace zelt::scalar {
+/// Modulo 2^32
+template <int W, class A> u32 ssd(int h, const A* a, const A* b, int sa, int sb) {
+    u32 sum = 0;
+    for (int y = 0; y < h; ++y, a += sa, b += sb)
+        for (int x = 0; x < W; ++x) {
+            const u32 d = static_cast<u32>(a[x] - b[x]);
+            sum += d * d;
+        }
+    return sum;
+}
+}  // namespace zelt::scalar

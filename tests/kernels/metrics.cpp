@@ -1,0 +1,318 @@
+// Models and rows of the block metrics. The models are the formulas of the header in 64 bits.
+#include "kernels/kernel.h"
+#include "zelt/sad.h"
+
+#include <bit>
+#include <climits>
+#include <cstdlib>
+
+namespace zelt::test {
+namespace {
+using s64 = std::int64_t;
+
+/// How a kernel reads its samples
+enum class sample { u8, s16, u16 };
+struct kinds {
+    sample a, b;
+};
+constexpr kinds bytes = {sample::u8, sample::u8}, words = {sample::s16, sample::s16}, mixed = {sample::s16, sample::u8},
+                unsigned_words = {sample::u16, sample::u16};
+
+int size_of(sample k) { return k == sample::u8 ? 1 : 2; }
+s64 at(const view& v, sample kind, int x, int y) {
+    const u8* p = v.p + y * v.stride + x * size_of(kind);
+    if (kind == sample::u8) return p[0];
+    const int word = p[0] + 256 * p[1];
+    return kind == sample::s16 && word >= 32768 ? word - 65536 : word;
+}
+s64 difference(kinds k, const view* v, int x, int y) { return at(v[0], k.a, x, y) - at(v[1], k.b, x, y); }
+
+u64 sad_model(kinds k, shape s, const view* v) {
+    s64 sum = 0;
+    for (int y = 0; y < s.h; ++y)
+        for (int x = 0; x < s.w; ++x) {
+            const s64 d = difference(k, v, x, y);
+            sum += std::abs(d);
+            if (k.b != sample::u8 && std::abs(d) > 32768 && d % 2) sum += d > 0 ? -2 : 2;
+        }
+    return static_cast<u32>(sum);
+}
+
+u64 ssd_model(kinds k, shape s, const view* v) {
+    u64 sum = 0;
+    for (int y = 0; y < s.h; ++y)
+        for (int x = 0; x < s.w; ++x) {
+            const s64 d = difference(k, v, x, y);
+            sum += static_cast<u64>(d * d);
+        }
+    return static_cast<u32>(sum);
+}
+
+/// S, the sum of the magnitudes of H D H^T for the n x n block at (x0, y0), each coefficient first reduced to 16 bits
+/// where `wrap` says so
+s64 hadamard_sum(kinds k, int n, bool wrap, const view* v, int x0, int y0) {
+    const auto h = [](int i, int j) { return std::popcount(static_cast<unsigned>(i & j)) % 2 ? -1 : 1; };
+    s64 sum = 0;
+    for (int i = 0; i < n; ++i)
+        for (int j = 0; j < n; ++j) {
+            s64 t = 0;
+            for (int y = 0; y < n; ++y)
+                for (int x = 0; x < n; ++x) t += h(i, y) * difference(k, v, x0 + x, y0 + y) * h(j, x);
+            if (wrap) t = (t % 65536 + 65536) % 65536, t = t > 32768 ? 65536 - t : t;
+            sum += std::abs(t);
+        }
+    return sum;
+}
+u64 satd_model(kinds k, shape s, const view* v) {
+    s64 sum = 0;
+    for (int y = 0; y < s.h; y += 4)
+        for (int x = 0; x < s.w; x += 4) sum += hadamard_sum(k, 4, true, v, x, y) / 2;
+    return static_cast<u64>(sum);
+}
+u64 satd8x8_model(kinds k, shape, const view* v) {
+    return static_cast<u64>((hadamard_sum(k, 8, false, v, 0, 0) + 2) / 4);
+}
+
+u64 diff_model(kinds k, shape s, const view* v) {
+    for (int y = 0; y < s.h; ++y)
+        for (int x = 0; x < s.w; ++x) {
+            const s64 d = difference(k, v, x, y);
+            u8* p = v[2].p + y * v[2].stride + 2 * x;
+            p[0] = static_cast<u8>(d), p[1] = static_cast<u8>(d >> 8);
+        }
+    return 0;
+}
+
+/// A threshold for each way to end: after the first row, somewhere on the way, never
+std::vector<int> thresholds(shape s) { return {-1, 0, 100 * s.w, 60 * s.w * s.h, INT_MAX}; }
+u64 eskip_model(kinds k, shape s, const view* v) {
+    u64 all = 0;
+    for (const int threshold : thresholds(s)) {
+        s64 sum = 0;
+        for (int y = 0; y < s.h && (y == 0 || sum <= threshold); ++y)
+            for (int x = 0; x < s.w; ++x) sum += std::abs(difference(k, v, x, y));
+        all = all * 1000003 + static_cast<u64>(sum);
+    }
+    return all;
+}
+
+/// What each sample kind is filled with: all that it can hold, and for 16 bits also what a picture of 10 bits has,
+/// which is timed, and differences of up to 12 bits.
+struct range {
+    const char* name;
+    int low, high;
+};
+std::vector<range> ranges(kinds k) {
+    if (k.a == sample::u8) return {{"", 0, 255}};
+    if (k.b == sample::u8) return {{"", -255, 510}, {" full", -32768, 32767}};
+    return {{"", 0, 1023}, {" signed", -2047, 2048}, {" full", -32768, 32767}};
+}
+
+/// Strides as the kernels count them
+struct strides {
+    int a, b;
+    strides(kinds k, const view* v)
+        : a(static_cast<int>(v[0].stride) / size_of(k.a)), b(static_cast<int>(v[1].stride) / size_of(k.b)) {}
+};
+
+using caller = std::function<u64(function, shape, const view*)>;
+using model = std::function<u64(shape, const view*)>;
+using model_of_kinds = u64 (*)(kinds, shape, const view*);
+
+/// `read` is what the kernel reads for the size that it is given
+using area = shape (*)(shape);
+shape same(shape s) { return s; }
+
+class table {
+public:
+    std::vector<kernel> rows;
+
+    /// Kernels of a fixed size: metrics give a result, differences write one.
+    template <class F, class M> void metric(const std::string& name, F* fn, kinds k, shape s, M expected) {
+        const caller call = [=](function f, shape, const view* v) {
+            const strides n(k, v);
+            return static_cast<u64>(reinterpret_cast<F*>(f)(v[0].p, v[1].p, n.a, n.b));
+        };
+        add({name, reinterpret_cast<function>(fn), {s, s}, {}, call, with(expected, k, same), timing::pair}, k, same);
+    }
+    template <class F> void diff(const std::string& name, F* fn, kinds k, shape s) {
+        const caller call = [=](function f, shape, const view* v) {
+            const strides n(k, v);
+            reinterpret_cast<F*>(f)(v[0].p, v[1].p, n.a, n.b, stride_of_result(v), reinterpret_cast<s16*>(v[2].p));
+            return u64{0};
+        };
+        add({name, reinterpret_cast<function>(fn), {s, s}, {}, call, with(diff_model, k, same), timing::difference}, k,
+            same);
+    }
+
+    /// Kernels that are given a size
+    template <class Sample, class R, class M>
+    void metric(const std::string& name, R (*fn)(int, int, const Sample*, const Sample*, int, int), kinds k, area read,
+                M expected, std::vector<shape> shapes, const std::vector<shape>& timed) {
+        const caller call = [=](function f, shape s, const view* v) {
+            const strides n(k, v);
+            return static_cast<u64>(reinterpret_cast<decltype(fn)>(f)(
+                s.w, s.h, reinterpret_cast<const Sample*>(v[0].p), reinterpret_cast<const Sample*>(v[1].p), n.a, n.b));
+        };
+        kernel row = {name, reinterpret_cast<function>(fn), std::move(shapes), {}, call, with(expected, k, read)};
+        add(row, k, read);
+        row.timed = timing::sized_pair;
+        add_sizes(row, k, read, timed);
+    }
+    template <class Sample>
+    void diff(const std::string& name, void (*fn)(int, int, const Sample*, const Sample*, int, int, int, s16*), kinds k,
+              std::vector<shape> shapes, const std::vector<shape>& timed) {
+        const caller call = [=](function f, shape s, const view* v) {
+            const strides n(k, v);
+            reinterpret_cast<decltype(fn)>(f)(s.w, s.h, reinterpret_cast<const Sample*>(v[0].p),
+                                              reinterpret_cast<const Sample*>(v[1].p), n.a, n.b, stride_of_result(v),
+                                              reinterpret_cast<s16*>(v[2].p));
+            return u64{0};
+        };
+        kernel row = {name, reinterpret_cast<function>(fn), std::move(shapes), {}, call, with(diff_model, k, same)};
+        add(row, k, same);
+        row.timed = timing::sized_difference;
+        add_sizes(row, k, same, timed);
+    }
+
+    /// A row per range
+    void add(kernel row, kinds k, area read) {
+        const std::string name = row.name;
+        const timing timed = row.timed;
+        for (const range& r : ranges(k)) {
+            row.name = name + r.name;
+            row.timed = *r.name ? timing::none : timed;
+            add(row, k, read, r);
+        }
+    }
+
+private:
+    static int stride_of_result(const view* v) { return static_cast<int>(v[2].stride) / 2; }
+    static model with(model_of_kinds expected, kinds k, area read) {
+        return [=](shape s, const view* v) { return expected(k, read(s), v); };
+    }
+    void add_sizes(const kernel& row, kinds k, area read, const std::vector<shape>& sizes) {
+        for (const shape s : sizes) {
+            kernel one = row;
+            one.name += ' ' + std::to_string(s.w) + 'x' + std::to_string(s.h);
+            one.shapes = {s};
+            add(one, k, read, ranges(k)[0]);
+        }
+    }
+    void add(kernel row, kinds k, area read, range r) {
+        const bool writes = row.name.find("diff") != std::string::npos;
+        row.operands = [=](shape s) {
+            const auto [w, h] = read(s);
+            std::vector<operand> all = {{w, h, size_of(k.a), r.low, r.high}, {w, h, size_of(k.b), r.low, r.high}};
+            if (k.b == sample::u8) all[1].low = 0, all[1].high = 255;
+            if (writes) all.push_back({w, h, 2, -32768, 32767, true});
+            return all;
+        };
+        row.block = true;
+        rows.push_back(std::move(row));
+    }
+};
+
+const std::vector<shape> any_shapes = {{1, 1},  {2, 3},   {3, 8},  {4, 4},   {5, 9},   {7, 2},   {8, 8},  {11, 17},
+                                       {12, 5}, {16, 16}, {19, 7}, {24, 33}, {31, 10}, {32, 24}, {45, 3}, {100, 20}};
+const std::vector<shape> tiled_shapes = {{4, 4},   {4, 8},   {8, 8},   {12, 4}, {8, 16}, {16, 16}, {20, 12},
+                                         {24, 20}, {28, 24}, {32, 32}, {1, 1},  {6, 9},  {17, 7},  {64, 64}};
+const std::vector<shape> sad_shapes = {{8, 1},   {8, 8},  {8, 13}, {8, 257}, {16, 8},
+                                       {16, 15}, {12, 8}, {0, 3},  {16, 600}};
+const std::vector<shape> ssd_shapes = {{4, 1},  {4, 4},  {4, 9},   {8, 4},  {8, 7},  {16, 4}, {16, 13}, {32, 2},
+                                       {32, 5}, {64, 1}, {64, 64}, {12, 1}, {-1, 2}, {9, 3},  {32, 32}, {16, 16}};
+const std::vector<shape> ssd_16_shapes = {{4, 2},  {4, 4},  {4, 3},  {4, -5}, {8, 2},   {8, 8},
+                                          {8, 4},  {8, 0},  {16, 2}, {16, 4}, {16, 16}, {16, 5},
+                                          {32, 2}, {32, 9}, {64, 1}, {64, 7}, {5, 4},   {0, 9}};
+const std::vector<shape> eskip_shapes = {{4, 1},  {4, 7},   {8, 8}, {12, 6}, {16, 16}, {20, 5},
+                                         {32, 9}, {64, 64}, {7, 6}, {1, 4},  {100, 13}};
+const std::vector<shape> timed_shapes = {{4, 4}, {8, 8}, {16, 16}, {32, 32}, {64, 64}};
+}  // namespace
+
+std::vector<kernel> metric_kernels() {
+    table t;
+    // clang-format off
+#define SAD(W, H) t.metric("zelt_sad" #W "x" #H, zelt_sad##W##x##H, bytes, {W, H}, sad_model); \
+                  t.metric("zelt_sad" #W "x" #H "_16", zelt_sad##W##x##H##_16, words, {W, H}, sad_model);
+#define SAD_MIXED(W, H) SAD(W, H) t.metric("zelt_sad" #W "x" #H "_bi", zelt_sad##W##x##H##_bi, mixed, {W, H}, sad_model); \
+                  t.metric("zelt_sad" #W "x" #H "_bi_16", zelt_sad##W##x##H##_bi_16, words, {W, H}, sad_model);
+    SAD(2, 2) SAD(2, 4) SAD(4, 2) SAD(4, 4)
+    SAD_MIXED(4, 8) SAD_MIXED(8, 4) SAD_MIXED(8, 8) SAD_MIXED(8, 16) SAD_MIXED(16, 8) SAD_MIXED(16, 16)
+    SAD_MIXED(16, 32) SAD_MIXED(32, 16) SAD_MIXED(32, 32) SAD_MIXED(32, 64) SAD_MIXED(64, 32) SAD_MIXED(64, 64)
+#define DIFF_16(W, H) t.diff("zelt_diff" #W "x" #H "_16", zelt_diff##W##x##H##_16, words, {W, H});
+#define DIFF(W, H) t.diff("zelt_diff" #W "x" #H, zelt_diff##W##x##H, bytes, {W, H}); DIFF_16(W, H)
+    DIFF(2, 2) DIFF(2, 4) DIFF(4, 2) DIFF(4, 4) DIFF(4, 8) DIFF(8, 4) DIFF(8, 8) DIFF(8, 16) DIFF(16, 8) DIFF(16, 16)
+    DIFF(16, 32) DIFF(32, 16) DIFF(32, 32) DIFF(32, 64) DIFF(64, 32) DIFF(64, 64)
+    DIFF_16(2, 8) DIFF_16(4, 16) DIFF_16(8, 32) DIFF_16(16, 64)
+#undef SAD
+#undef SAD_MIXED
+#undef DIFF
+#undef DIFF_16
+        // clang-format on
+        t.diff("zelt_diff4x4_bi", zelt_diff4x4_bi, mixed, {4, 4});
+    t.diff("zelt_diff4x4_bi_16", zelt_diff4x4_bi_16, words, {4, 4});
+    t.diff("zelt_diff", zelt_diff, bytes, any_shapes, {{16, 16}});
+    t.diff("zelt_diff_16", zelt_diff_16, words, any_shapes, {{16, 16}});
+
+    t.metric("zelt_satd4x4", zelt_satd4x4, bytes, {4, 4}, satd_model);
+    t.metric("zelt_satd4x4_16", zelt_satd4x4_16, words, {4, 4}, satd_model);
+    t.metric("zelt_satd4x4_bi", zelt_satd4x4_bi, mixed, {4, 4}, satd_model);
+    t.metric("zelt_satd4x4_bi_16", zelt_satd4x4_bi_16, words, {4, 4}, satd_model);
+    t.metric("zelt_satd8x8", zelt_satd8x8, bytes, {8, 8}, satd8x8_model);
+    t.metric("zelt_satd8x8_16", zelt_satd8x8_16, unsigned_words, {8, 8}, satd8x8_model);
+    t.metric("zelt_satd8x8_bi", zelt_satd8x8_bi, mixed, {8, 8}, satd8x8_model);
+    t.metric("zelt_satd8x8_bi_16", zelt_satd8x8_bi_16, words, {8, 8}, satd8x8_model);
+
+    const area tiles = [](shape s) { return shape{(s.w + 3) / 4 * 4, (s.h + 3) / 4 * 4}; };
+    t.metric("zelt_satd", zelt_satd, bytes, tiles, satd_model, tiled_shapes, timed_shapes);
+    t.metric("zelt_satd_16", zelt_satd_16, words, tiles, satd_model, tiled_shapes, timed_shapes);
+
+    const area sad_area = [](shape s) { return shape{s.w == 8 ? 8 : 16, s.h}; };
+    t.metric("zelt_sad", zelt_sad, bytes, sad_area, sad_model, sad_shapes, {{8, 8}, {16, 16}});
+    t.metric("zelt_sad_16", zelt_sad_16, words, same, sad_model, any_shapes, {{16, 16}});
+
+    const area ssd_area = [](shape s) {
+        const bool listed = s.w == 4 || s.w == 8 || s.w == 16 || s.w == 32;
+        return shape{listed ? s.w : 64, s.h};
+    };
+    const area ssd_16_area = [](shape s) {
+        if (s.w == 16 || s.w == 32 || s.w == 64) return s;
+        const int side = s.w == 8 ? 8 : 4;
+        return shape{side, s.h == side ? side : 2};
+    };
+    t.metric("zelt_ssd", zelt_ssd, bytes, ssd_area, ssd_model, ssd_shapes, timed_shapes);
+    t.metric("zelt_ssd_16", zelt_ssd_16, words, ssd_16_area, ssd_model, ssd_16_shapes, timed_shapes);
+
+    const caller eskip = [](function f, shape s, const view* v) {
+        const strides n(bytes, v);
+        u64 all = 0;
+        for (const int threshold : thresholds(s))
+            all = all * 1000003 + static_cast<u64>(reinterpret_cast<decltype(&zelt_sad_eskip)>(f)(
+                                      s.w, s.h, v[0].p, v[1].p, n.a, n.b, threshold));
+        return all;
+    };
+    t.add({"zelt_sad_eskip",
+           reinterpret_cast<function>(zelt_sad_eskip),
+           eskip_shapes,
+           {},
+           eskip,
+           [](shape s, const view* v) { return eskip_model(bytes, s, v); }},
+          bytes, same);
+
+    // The stored residual is a block whose rows lie together, against one of zeros.
+    const caller hadamard = [](function f, shape, const view* v) {
+        return static_cast<u64>(reinterpret_cast<decltype(&zelt_hadamard4x4)>(f)(reinterpret_cast<const s16*>(v[0].p)));
+    };
+    const model hadamard_model = [](shape, const view* v) {
+        u8 zeros[16] = {};
+        const view block[] = {{v[0].p, 8}, {zeros, 4}};
+        return satd_model(mixed, {4, 4}, block);
+    };
+    for (const range& r : {range{"", -255, 255}, range{" full", -32768, 32767}}) {
+        const auto residual = [=](shape s) { return std::vector<operand>{{s.w, s.h, 2, r.low, r.high}}; };
+        t.rows.push_back({std::string("zelt_hadamard4x4") + r.name, reinterpret_cast<function>(zelt_hadamard4x4),
+                          std::vector<shape>(8, {16, 1}), residual, hadamard, hadamard_model, timing::none, true});
+    }
+    return t.rows;
+}
+}  // namespace zelt::test

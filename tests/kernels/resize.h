@@ -1,0 +1,36 @@
+#pragma once  // bilinear resizing as the tests know it
+#include "kernels/kernel.h"
+#include "zelt/irsz.h"
+
+namespace zelt::test {
+/// Where a destination sample lies on an axis: its two source samples and the phase between them
+struct place {
+    int first, second, phase;
+};
+
+/// The sampling grid of an axis, from the documented table and formula
+struct grid {
+    int shift;
+    long long step;
+
+    grid(int src, int dst);
+    place operator[](int i) const;
+};
+
+int interpolated(int tl, int tr, int bl, int br, int fx, int fy);
+
+/// A format of the resizer
+struct resizer {
+    std::string name;
+    int32_t (*resize)(ZELT_IRSZ*, const u8*, int32_t, int32_t);
+    void (*line)(const u8* const*, const u8*, int32_t, int32_t, int32_t, int32_t, u8*);
+    void (*full)(const u8*, int32_t, int32_t, int32_t, int32_t, u8*, u32, u32);
+    int id, src_bytes, dst_bytes;
+    std::vector<int> (*get)(const u8*);
+    void (*put)(u8*, const std::vector<int>&);
+};
+extern const std::vector<resizer> resizers;
+
+void model_row(const resizer& r, const u8* top, const u8* bottom, int phase, const grid& x, int w, u8* dst);
+void model_picture(const resizer& r, view src, shape from, view dst, shape to);
+}  // namespace zelt::test
