@@ -15,7 +15,7 @@ template <class T> void copy_ends(u8* dst, const u8* src, s64 n) {
 }
 
 inline void copy(u8* dst, const u8* src, s64 n) {
-    constexpr s64 long_run = 1024;  // from here on the C library's way is as fast or faster
+    constexpr s64 long_run = 512;  // from here on the C library's way is as fast or faster
     if (n >= long_run) {
         std::memcpy(dst, src, static_cast<std::size_t>(n));
     } else if (n >= lanes) {
@@ -31,6 +31,18 @@ inline void copy(u8* dst, const u8* src, s64 n) {
     } else {
         for (; n > 0; --n) *dst++ = *src++;
     }
+}
+
+/// A row of an area that no cache near the processor holds: there string instructions need not read what they
+/// overwrite.
+inline void copy_far(u8* dst, const u8* src, s64 n) {
+#ifdef __AVX2__
+    if (n >= 512) {
+        asm volatile("rep movsb" : "+D"(dst), "+S"(src), "+c"(n) : : "memory");
+        return;
+    }
+#endif
+    copy(dst, src, n);
 }
 
 template <int N> void copy_fixed(u8* dst, const u8* src) {

@@ -3,6 +3,9 @@
 #include "core/loose.h"
 #include "core/simd.h"
 
+#include <bit>
+#include <cwchar>
+
 namespace zelt::simd {
 typedef u32 word_register __attribute__((vector_size(lanes)));
 typedef u32 word_quad __attribute__((vector_size(16)));
@@ -25,16 +28,36 @@ inline void fill_short(u8* dst, u32 word, s64 n) {
         scalar::fill(dst, word, n);
 }
 
+#ifdef __AVX2__
+constexpr s64 long_fill = 1 << 15;
+/// As long as a cache near the processor holds it, the C library's registers may be wider; beyond, string instructions
+/// need not read what they overwrite.
+inline void fill_long(u8* p, u32 word, s64 bytes) {
+    auto n = static_cast<std::size_t>(bytes) / 4;
+    if (bytes < 1 << 19)
+        std::wmemset(reinterpret_cast<wchar_t*>(p), static_cast<wchar_t>(word), n);
+    else
+        asm volatile("rep stosl" : "+D"(p), "+c"(n) : "a"(word) : "memory");
+}
+#endif
+
 /// As scalar::fill, for n that the word's own period divides: 1, 2 or 4.
 inline void fill(u8* dst, u32 word, s64 n) {
     if (n < lanes) return fill_short(dst, word, n);
-    fill_ends(dst, word_register{} + word, n);
+    const word_register all = word_register{} + word;
+    fill_ends(dst, all, n);
+    if (n <= 2 * lanes) return;
+    fill_ends(dst + lanes, all, n - 2 * lanes);
+    if (n <= 4 * lanes) return;
     // The rest in whole registers, which from here on stand at multiples of their size.
     const s64 first = lanes - static_cast<s64>(reinterpret_cast<std::uintptr_t>(dst) % lanes);
-    const int turned = static_cast<int>(first % 4) * 8;
-    const word_register value = word_register{} + (turned ? word >> turned | word << (32 - turned) : word);
+    const u32 turned = std::rotr(word, static_cast<int>(first % 4) * 8);
     u8* p = dst + first;
     u8* const end = dst + n - lanes;
+#ifdef __AVX2__
+    if (n >= long_fill) return fill_long(p, turned, (end - p + lanes - 1) / lanes * lanes);
+#endif
+    const word_register value = word_register{} + turned;
     for (; end - p >= 3 * lanes; p += 4 * lanes)
         for (int i = 0; i < 4; ++i) *reinterpret_cast<word_register*>(p + i * lanes) = value;
     for (; p < end; p += lanes) *reinterpret_cast<word_register*>(p) = value;
@@ -50,7 +73,7 @@ template <int N> void fill_fixed(u8* dst, u8 value) {
 }
 
 inline void fill_bytes(u8* dst, u8 value, s64 n) {
-    constexpr s64 long_run = 2048;  // from here on the C library's way is as fast or faster
+    constexpr s64 long_run = 1024;  // from here on the C library's way is as fast or faster
     if (n >= long_run)
         std::memset(dst, value, static_cast<std::size_t>(n));
     else

@@ -70,4 +70,30 @@ TEST(mem, nothing_is_copied_without_rows_or_columns) {
     EXPECT_EQ(sample, 7);
 }
 
+// Sizes at which processors and the C library have other ways.
+TEST(mem, long_runs_at_all_addresses) {
+    for (const int size : {1 << 15, (1 << 15) + 160, 100000, (1 << 19) + 288, 700000})
+        for (const int at : {0, 1, 2, 3, 30}) {
+            bytes memory(static_cast<size_t>(size) + 256, 0xee), expected = memory;
+            for (int i = 0; i < size; ++i)
+                expected[static_cast<size_t>(at + i)] =
+                    static_cast<uint8_t>(i < size / 32 * 32 ? 0x1a2b3c4d >> i % 4 * 8 : 0x4d);
+            zelt_mset_x32ax4(&memory[static_cast<size_t>(at)], 0x1a2b3c4d, size);
+            ASSERT_TRUE(memory == expected) << size << " at " << at;
+            std::fill(expected.begin() + at, expected.begin() + at + size, 0x77);
+            zelt_mset_x64a(&memory[static_cast<size_t>(at)], 0x177, size);
+            ASSERT_TRUE(memory == expected) << size << " at " << at;
+        }
+}
+
+TEST(mem, large_areas) {
+    bytes from(1100 * 1000 + 3), to(1111 * 1000, 0xee), expected = to;
+    for (size_t i = 0; i < from.size(); ++i) from[i] = static_cast<uint8_t>(i * i >> 7);
+    for (size_t y = 0; y < 1000; ++y)
+        std::copy_n(from.begin() + 3 + static_cast<std::ptrdiff_t>(y) * 1100, 1077,
+                    expected.begin() + 5 + static_cast<std::ptrdiff_t>(y) * 1111);
+    zelt_mcpy_pic(&to[5], &from[3], 1111, 1100, 1077, 1000);
+    EXPECT_TRUE(to == expected);
+}
+
 }  // namespace
