@@ -55,6 +55,9 @@ template <class Step, int W, int H, class A, class B, class F>
             for (int x = 0; x < W; x += Step::columns) f(a + i * sa + x, b + i * sb + x);
 }
 
+/// Where a register has two lanes
+template <class V> void exchange_lanes(V& a, V& b);
+
 /// (a, b) to (a + b, a - b)
 template <class V> void butterfly(V& a, V& b) {
     const V sum = a + b;

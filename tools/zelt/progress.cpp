@@ -12,8 +12,10 @@ void progress::tick() {
     if (now < next_ || !::isatty(STDERR_FILENO)) return;
     next_ = now + std::chrono::milliseconds(100);
     shown_ = true;
-    std::fprintf(stderr, total_ ? "\r%" PRIu64 " of at most %" PRIu64 " pictures" : "\r%" PRIu64 " pictures", done_,
-                 total_);
+    if (total_)
+        std::fprintf(stderr, "\r%" PRIu64 " of at most %" PRIu64 " %s", done_, total_, unit_);
+    else
+        std::fprintf(stderr, "\r%" PRIu64 " %s", done_, unit_);
 }
 
 progress::~progress() {

@@ -1,5 +1,5 @@
 #pragma once
-// A line that counts pictures, on a terminal only.
+// A line that counts pictures or other work, on a terminal only.
 #include <chrono>
 #include <cstdint>
 
@@ -7,13 +7,15 @@ namespace zelt::tool {
 
 class progress {
 public:
-    explicit progress(uint64_t total) : total_(total) {}  // 0: not known
-    ~progress();                                          // wipes the line
-    void tick();                                          // one picture more
+    /// 0: not known
+    explicit progress(uint64_t total, const char* unit = "pictures") : total_(total), unit_(unit) {}
+    ~progress();  // wipes the line
+    void tick();  // one more
 
 private:
     using clock = std::chrono::steady_clock;
     uint64_t total_, done_ = 0;
+    const char* unit_;
     clock::time_point next_ = clock::now() + std::chrono::milliseconds(300);
     bool shown_ = false;
 };

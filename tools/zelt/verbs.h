@@ -8,9 +8,11 @@ class App;
 
 namespace zelt::tool {
 
+void add_compare(CLI::App& app);
 void add_convert(CLI::App& app);
 void add_formats(CLI::App& app);
 void add_keyframes(CLI::App& app);
+void add_match(CLI::App& app);
 void add_probe(CLI::App& app);
 
 }  // namespace zelt::tool

@@ -1,0 +1,195 @@
+// zelt match: where the blocks of a picture come from in the one before, by full search.
+#include "match.h"
+
+#include "interrupt.h"
+#include "output.h"
+#include "pictures/reader.h"
+#include "pictures/writer.h"
+#include "plane.h"
+#include "progress.h"
+#include "route.h"
+#include "verbs.h"
+#include "zelt/sad.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <map>
+
+namespace zelt::tool {
+namespace {
+
+constexpr const char* notes = R"(
+Every block of a picture's luma is compared with all places within the range in
+the picture before, whose edges go on outside. Of equal costs the shortest way
+wins. The picture that is written has the vectors as arrows, from where a block
+comes to where it is, and beside them the costs, dark for the lowest. Without
+--frame all pictures but the first are matched, into a numbered series.)";
+
+struct options {
+    std::string in, out, metric = "sad";
+    int block = 16, range = 16, frame = 0;
+    bool csv = false;
+};
+
+/// A metric that is at least `bound(its value)` in absolute differences: what has more cannot be better.
+struct metric {
+    const char* name;
+    uint32_t (*cost)(int n, const uint8_t* a, const uint8_t* b, int sa, int sb);
+    double (*bound)(int n, double cost);
+};
+// In a 4x4 tile the coefficients' magnitudes sum up to at least 4 times the root of the squared differences' sum, and
+// that root is at least a quarter of the absolute ones' sum: a tile's SATD is half its SAD or more.
+constexpr metric metrics[] = {
+    {"sad", nullptr, [](int, double cost) { return cost; }},
+    {"satd",
+     [](int n, const uint8_t* a, const uint8_t* b, int sa, int sb) {
+         return static_cast<uint32_t>(zelt_satd(n, n, a, b, sa, sb));
+     },
+     [](int, double cost) { return 2 * cost; }},
+    {"ssd", [](int n, const uint8_t* a, const uint8_t* b, int sa, int sb) { return zelt_ssd(n, n, a, b, sa, sb); },
+     [](int n, double cost) { return n * std::sqrt(cost); }},
+};
+
+/// All ways within the range, the shortest first
+std::vector<vector> ways(int range) {
+    std::vector<vector> all;
+    for (int y = -range; y <= range; ++y)
+        for (int x = -range; x <= range; ++x) all.push_back({x, y});
+    std::ranges::stable_sort(all, {}, [](vector v) { return v.x * v.x + v.y * v.y; });
+    return all;
+}
+
+class searcher {
+public:
+    searcher(const options& opt)
+        : block_(opt.block), margin_(opt.block + opt.range),
+          metric_(*std::ranges::find(metrics, opt.metric, &metric::name)), ways_(ways(opt.range)) {}
+
+    motion_field match(const picture& before, const picture& now) {
+        const plane from(before, 0, margin_, surroundings::edges), to(now, 0, margin_, surroundings::edges);
+        motion_field field = {block_, {}};
+        progress line(static_cast<uint64_t>((now.h + block_ - 1) / block_), "rows of blocks");
+        for (int y = 0; y < now.h; y += block_, line.tick()) {
+            if (caught_signal()) throw failure(status::output_failed, "interrupted");
+            for (int x = 0; x < now.w; x += block_) field.blocks.push_back(match_block(from, to, x, y));
+        }
+        return field;
+    }
+    uint64_t tried() const { return tried_; }
+    uint64_t given_up() const { return given_up_; }
+
+private:
+    matched_block match_block(const plane& from, const plane& to, int x, int y) {
+        const uint8_t* block = to.at(x, y);
+        matched_block best = {x, y, {0, 0}, std::numeric_limits<int>::max()};
+        for (const vector v : ways_) {
+            const uint8_t* place = from.at(x + v.x, y + v.y);
+            // one less than what could be equal: only a better place is wanted
+            const double bound = std::min(metric_.bound(block_, best.cost - 1.0), 2147483647.0);
+            const int sad =
+                zelt_sad_eskip(block_, block_, block, place, to.stride, from.stride, static_cast<int>(bound));
+            ++tried_;
+            if (sad > bound) {
+                ++given_up_;
+                continue;
+            }
+            const uint32_t cost =
+                metric_.cost ? metric_.cost(block_, block, place, to.stride, from.stride) : static_cast<uint32_t>(sad);
+            if (cost < best.cost) best.from = v, best.cost = cost;
+            if (best.cost == 0) break;
+        }
+        return best;
+    }
+
+    int block_, margin_;
+    const metric& metric_;
+    std::vector<vector> ways_;
+    uint64_t tried_ = 0, given_up_ = 0;
+};
+
+void print_csv(const motion_field& field, int frame) {
+    for (const matched_block& b : field.blocks)
+        std::printf("%d,%d,%d,%d,%d,%u\n", frame, b.x, b.y, b.from.x, b.from.y, b.cost);
+}
+
+/// The mean cost, and the most frequent way
+void print_row(const motion_field& field, int frame) {
+    std::map<std::pair<int, int>, int> counts;
+    double cost = 0;
+    for (const matched_block& b : field.blocks) ++counts[{b.from.x, b.from.y}], cost += b.cost;
+    const auto most = std::ranges::max_element(counts, {}, [](const auto& entry) { return entry.second; });
+    const double blocks = static_cast<double>(field.blocks.size());
+    char way[32];
+    std::snprintf(way, sizeof way, "(%d, %d)", most->first.first, most->first.second);
+    std::printf("%7d  %6zu  %10.1f  %7zu  %12s  %5.1f %%\n", frame, field.blocks.size(), cost / blocks, counts.size(),
+                way, 100 * most->second / blocks);
+}
+
+void match(const options& opt) {
+    const file_kind& kind = kind_of_output("", opt.out);
+    const format& rgb = format_for(kind, "rgb888", false);
+    const std::unique_ptr<reader> in = open_reader(opt.in, "");
+    const clip about = in->about();
+    route to_yuv(*about.fmt, format_of(ZELT_CS_YUV444), about.w, about.h);
+    route to_rgb(*about.fmt, rgb, about.w, about.h);
+    searcher search(opt);
+    clip map = about;
+    map.fmt = &rgb, map.w = 2 * about.w;
+    writer out(kind, opt.out, map);
+
+    if (opt.csv)
+        std::printf("picture,x,y,from_x,from_y,cost\n");
+    else
+        std::printf("%7s  %6s  %10s  %7s  %12s  %7s\n", "picture", "blocks", ("mean " + opt.metric).c_str(), "vectors",
+                    "most often", "share");
+    picture even(*about.fmt, about.w, about.h), odd(*about.fmt, about.w, about.h);
+    int matched = 0;
+    for (int n = 0; in->more() && (opt.frame == 0 || n <= opt.frame); ++n) {
+        picture &now = n % 2 ? odd : even, &before = n % 2 ? even : odd;
+        in->read(now);
+        if (n == 0 || (opt.frame != 0 && n != opt.frame)) continue;
+        route before_to_yuv(*about.fmt, format_of(ZELT_CS_YUV444), about.w, about.h);
+        const motion_field field = search.match(before_to_yuv.run(before), to_yuv.run(now));
+        opt.csv ? print_csv(field, n) : print_row(field, n);
+        out.write(map_of(field, to_rgb.run(now)), opt.frame == 0 && in->more());
+        ++matched;
+    }
+    if (!matched)
+        throw failure(status::bad_input, opt.in + ": has no picture " + std::to_string(std::max(opt.frame, 1)) +
+                                             " (the first is 0, and is not matched)");
+    out.finish();
+    if (!opt.csv)
+        std::printf("%llu places, %.1f %% given up early; %s\n", static_cast<unsigned long long>(search.tried()),
+                    100.0 * static_cast<double>(search.given_up()) / static_cast<double>(search.tried()),
+                    out.summary().c_str());
+    finish_output();
+}
+
+}  // namespace
+
+void add_match(CLI::App& app) {
+    CLI::App* verb = app.add_subcommand("match", "Finds where the blocks of a picture come from in the one before");
+    const auto opt = std::make_shared<options>();
+    verb->add_option("-i,--input", opt->in, "A clip; - is standard input")->required()->type_name("FILE");
+    verb->add_option("-o,--output", opt->out, "Picture of the motion")->required()->type_name("FILE");
+    verb->add_option("--block", opt->block, "Size of a block")
+        ->check(CLI::IsMember({4, 8, 16, 32, 64}))
+        ->capture_default_str();
+    verb->add_option("--range", opt->range, "How far to look, in samples")
+        ->check(CLI::Range(1, 128))
+        ->capture_default_str();
+    verb->add_option("--metric", opt->metric, "What to compare by")
+        ->check(CLI::IsMember({"sad", "satd", "ssd"}))
+        ->capture_default_str();
+    verb->add_option("--frame", opt->frame, "Match this picture only (0 is the first)")
+        ->check(CLI::Range(1, 1 << 30))
+        ->type_name("N");
+    verb->add_flag("--csv", opt->csv, "Write all vectors as comma-separated values");
+    verb->footer(notes);
+    verb->callback([opt] { match(*opt); });
+}
+
+}  // namespace zelt::tool
