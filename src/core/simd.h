@@ -17,6 +17,18 @@
 //   any(mask)                    whether a byte is set, of bytes that are 0 or 255
 //   load_words, store_words      `lanes` samples of 16 bits; their order inside `words` is not that of widen
 //   dot_q10<A, B, C>(a, b, c)    (A a + B b + C c + 512) >> 10 of signed words, summed in 32 bits
+//
+// Pairs of bytes from anywhere in a row, for half of the samples of `words`. Samples are dealt with in eights, whose
+// bytes stand in Windows * 16 bytes of the row. Tables give an eight 16 bytes, pair_at(i, side) is the place of sample
+// i's; the eights of `words`, first those of lo, are in the order of eight_at.
+//
+//   pick<Windows>(row, at, masks)  pairs by their places in the windows that start at at[]; masks hold `lanes` bytes a
+//                                  window, 0x80 where another window has the byte
+//   load_pairs(p)                  the pairs of adjoining bytes from p on, eights in their own order
+//   weigh(p, w), weigh(sum, p, w)  sum of a pair's bytes times its weights, in 16 bits
+//   pack(quad, quad)               the low halves of eight 32-bit values
+//   store_pairs(p, l, r)           an eight's 16 bytes of a table from the low bytes of l and r
+//   narrow_q6, narrow_q6_eights    unsigned words >> 6, to bytes; from eights in their own order
 #include "core/types.h"
 
 namespace zelt::simd {
@@ -29,6 +41,9 @@ constexpr int lanes = 16;
 typedef u8 bytes __attribute__((vector_size(lanes)));   // one register of samples
 typedef s16 half __attribute__((vector_size(lanes)));   // half of the same samples as 16 bits
 typedef u16 uhalf __attribute__((vector_size(lanes)));  // likewise; arithmetic is unsigned, so that it may wrap
+
+typedef u16 eight __attribute__((vector_size(16)));  // an eight's places or weights
+typedef u32 quad __attribute__((vector_size(16)));
 
 /// Samples as 16 bits, in an order that is the target's own: `narrow` undoes `widen`.
 struct words {

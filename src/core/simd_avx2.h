@@ -176,4 +176,25 @@ template <int A, int B, int C> half dot_q10(half a, half b, half c) {
 template <int A, int B, int C> words dot_q10(words a, words b, words c) {
     return {dot_q10<A, B, C>(a.lo, b.lo, c.lo), dot_q10<A, B, C>(a.hi, b.hi, c.hi)};
 }
+
+using pairs = __m256i;  // a pair is a word
+constexpr int eight_at(int i) { return i % 2 * 2 + i / 2; }
+inline eight pack(quad a, quad b) { return (eight)_mm_packus_epi32((__m128i)a, (__m128i)b); }
+inline void store_pairs(u8* p, eight left, eight right) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), (__m128i)(left | right << 8));
+}
+
+template <int Windows> pairs pick(const u8* row, const std::ptrdiff_t* at, const u8* masks) {
+    const u8 *low = row + at[0], *high = row + at[1];
+    pairs p = _mm256_shuffle_epi8(load_halves(low, high), load_register(masks));
+    for (int i = 1; i < Windows; ++i)
+        p = _mm256_or_si256(
+            p, _mm256_shuffle_epi8(load_halves(low + 16 * i, high + 16 * i), load_register(masks + 32 * i)));
+    return p;
+}
+inline pairs load_pairs(const u8* p) { return load_register(p); }
+inline half weigh(pairs p, bytes w) { return (half)_mm256_maddubs_epi16(p, (__m256i)w); }
+inline half weigh(half sum, pairs p, bytes w) { return sum + weigh(p, w); }
+inline bytes narrow_q6(words a) { return narrow({(half)((uhalf)a.lo >> 6), (half)((uhalf)a.hi >> 6)}); }
+inline bytes narrow_q6_eights(words a) { return (bytes)_mm256_permute4x64_epi64((__m256i)narrow_q6(a), 0xD8); }
 }  // namespace zelt::simd

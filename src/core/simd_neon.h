@@ -115,4 +115,38 @@ template <int A, int B, int C> half dot_q10(half a, half b, half c) {
 template <int A, int B, int C> words dot_q10(words a, words b, words c) {
     return {dot_q10<A, B, C>(a.lo, b.lo, c.lo), dot_q10<A, B, C>(a.hi, b.hi, c.hi)};
 }
+
+struct pairs {
+    uint8x8_t left, right;
+};
+constexpr int eight_at(int i) { return i; }
+inline eight pack(quad a, quad b) { return (eight)vcombine_u16(vmovn_u32((uint32x4_t)a), vmovn_u32((uint32x4_t)b)); }
+inline void store_pairs(u8* p, eight left, eight right) {
+    vst1q_u8(p, vcombine_u8(vmovn_u16((uint16x8_t)left), vmovn_u16((uint16x8_t)right)));
+}
+
+template <int Windows> pairs pick(const u8* row, const std::ptrdiff_t* at, const u8* masks) {
+    row += *at;
+    const auto window = [row](int i) {
+        const uint8x16_t v = vld1q_u8(row + 16 * i);
+        return uint8x8x2_t{{vget_low_u8(v), vget_high_u8(v)}};
+    };
+    pairs p = {vtbl2_u8(window(0), vld1_u8(masks)), vtbl2_u8(window(0), vld1_u8(masks + 8))};
+    for (int i = 1; i < Windows; ++i)
+        p = {vtbx2_u8(p.left, window(i), vld1_u8(masks + 16 * i)),
+             vtbx2_u8(p.right, window(i), vld1_u8(masks + 16 * i + 8))};
+    return p;
+}
+inline pairs load_pairs(const u8* p) {
+    const uint8x8x2_t v = vld2_u8(p);
+    return {v.val[0], v.val[1]};
+}
+inline half weigh(pairs p, bytes w) { return (half)vmlal_u8(vmull_u8(p.left, low8(w)), p.right, high8(w)); }
+inline half weigh(half sum, pairs p, bytes w) {
+    return (half)vmlal_u8(vmlal_u8((uint16x8_t)sum, p.left, low8(w)), p.right, high8(w));
+}
+inline bytes narrow_q6(words a) {
+    return (bytes)vcombine_u8(vshrn_n_u16((uint16x8_t)a.lo, 6), vshrn_n_u16((uint16x8_t)a.hi, 6));
+}
+inline bytes narrow_q6_eights(words a) { return narrow_q6(a); }
 }  // namespace zelt::simd

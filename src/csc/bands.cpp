@@ -47,7 +47,7 @@ template <class Format> void resize_band(ZELT_IRSZ& z, const band& b, s64 end, s
             break;
         }
         if (top && bottom && z.row >= 0 && z.row < z.dst_h)
-            batch.add({top, bottom, axis::phase(z.position), z.dst + z.row * z.dst_stride});
+            batch.add({{top}, {bottom}, axis::phase(z.position), z.dst + z.row * z.dst_stride});
         ++z.row, z.position += z.y.step;
         if (z.carry && within(z, z.position, mask) < within(z, z.position - z.y.step, mask)) z.carry = false;
     }

@@ -27,10 +27,31 @@ struct axis {
     static int phase(s64 position) { return static_cast<int>(position >> 15 & 7); }
 };
 
-/// Two source rows, how many eighths below the first the wanted one lies, and the destination row
-struct row_pair {
-    const u8 *top, *bottom;
+/// A row to be made of two rows of each of N source planes: how many eighths below the upper ones it lies, and where it
+/// goes
+template <int N, class Dest> struct row_job {
+    const u8 *top[N], *bottom[N];
     int phase;
-    u8* dst;
+    Dest dst;
+};
+using row_pair = row_job<1, u8*>;
+
+/// The rows of a whole picture
+template <int N, class Dest> struct picture_rows {
+    const u8* src[N];
+    s64 src_stride[N];
+    axis y;
+    Dest dst;  // its rows are dst.row(i)
+
+    auto operator[](int i) const {
+        const s64 position = i * y.step;
+        row_job<N, decltype(dst.row(i))> job;
+        for (int p = 0; p < N; ++p) {
+            job.top[p] = src[p] + y.sample(position) * src_stride[p];
+            job.bottom[p] = job.top[p] + y.next * src_stride[p];
+        }
+        job.phase = axis::phase(position), job.dst = dst.row(i);
+        return job;
+    }
 };
 }  // namespace zelt::csc

@@ -1,6 +1,9 @@
 #pragma once  // every format of the resizer, and the handle
 #include "core/isa.h"
 #include "csc/resize_scalar.h"
+#if ZELT_SIMD
+#include "csc/resize_simd.h"
+#endif
 
 // clang-format off
 #define ZELT_RESIZERS(X)                                           \
@@ -31,7 +34,7 @@ struct ZELT_IRSZ {
 };
 
 namespace zelt::csc {
-/// Destination rows on their way to the row kernels, which want many at a time
+/// Destination rows of a band on their way to the row kernels, which want many at a time
 template <class Format> class row_batch {
 public:
     row_batch(const axis& x, int dst_w) : x_(x), dst_w_(dst_w) {}
@@ -44,27 +47,28 @@ public:
         rows_[count_++] = rows;
     }
     void flush() {
-        fast_rows(rows_, count_, x_, dst_w_);
+        fast::resize_rows<Format>(rows_, count_, x_, dst_w_);
         count_ = 0;
     }
 
 private:
     static constexpr int size = 64;
-    static constexpr auto fast_rows = &scalar::resize_rows<Format>;
     const axis x_;
     const int dst_w_;
     int count_ = 0;
     row_pair rows_[size];
 };
 
+struct byte_rows {
+    u8* start;
+    s64 stride;
+    u8* row(int i) const { return start + i * stride; }
+};
+
 template <class Format>
 void resize_picture(const u8* src, s64 src_stride, int dst_w, int dst_h, s64 dst_stride, u8* dst, const axis& x,
                     const axis& y) {
-    row_batch<Format> batch(x, dst_w);
-    s64 position = 0;
-    for (int i = 0; i < dst_h; ++i, position += y.step) {
-        const u8* top = src + y.sample(position) * src_stride;
-        batch.add({top, top + y.next * src_stride, axis::phase(position), dst + i * dst_stride});
-    }
+    const picture_rows<1, byte_rows> rows = {{src}, {src_stride}, y, {dst, dst_stride}};
+    fast::resize_rows<Format>(rows, dst_h, x, dst_w);
 }
 }  // namespace zelt::csc

@@ -3,14 +3,17 @@
 #include "csc/convert.h"
 #include "csc/resize_scalar.h"
 #include "zelt/csc.h"
+#if ZELT_SIMD
+#include "csc/rows_simd.h"
+#endif
 
 using namespace zelt;
 using namespace zelt::csc;
 
 namespace {
-/// Two rows of N planes, interpolated one pixel at a time
-template <int N> struct sampled {
-    const u8 *top[N], *bottom[N];
+/// N planes interpolated a pixel at a time
+template <int N, class Dest> struct sampled {
+    const row_job<N, Dest>& job;
     const u8* weights;
     axis x;
 
@@ -20,7 +23,8 @@ template <int N> struct sampled {
         const std::ptrdiff_t right = left + static_cast<std::ptrdiff_t>(x.next);
         const u8* w = weights + 32 * axis::phase(position);
         const auto sample = [&](int p) {
-            return static_cast<u8>(blend(w, top[p][left], top[p][right], bottom[p][left], bottom[p][right]));
+            const u8 *top = job.top[p], *bottom = job.bottom[p];
+            return static_cast<u8>(blend(w, top[left], top[right], bottom[left], bottom[right]));
         };
         pixel<V> v{sample(0), sample(1), sample(2), 255};
         if constexpr (N == 4) v.a = sample(3);
@@ -28,23 +32,36 @@ template <int N> struct sampled {
     }
 };
 
+#if ZELT_SIMD
+template <class Matrix> struct put_converted {
+    template <int N, class Dest> static void put(const Dest& dst, std::ptrdiff_t x, const bytes (&v)[N]) {
+        dst.put(x, Matrix{}(pixel<bytes>{v[0], v[1], v[2], N == 4 ? v[N - 1] : opaque<bytes>}));
+    }
+};
+#endif
+
+template <class Dest> struct layout_rows {
+    Dest first;
+    Dest row(int i) const {
+        Dest dst = first;
+        for (int p = 0; p < Dest::count; ++p) dst.p[p] += i * dst.stride[p];
+        return dst;
+    }
+};
+
 template <int N, class Matrix, class Dest>
 void resize_convert(void* const* src_a, int src_w, int src_h, const int* src_s, void* const* dst_a, int dst_w,
                     int dst_h, const int* dst_s) {
     if (src_w < 1 || src_h < 1 || dst_w < 1 || dst_h < 1) return;
-    const planes<N> src(src_a, src_s);
-    Dest dst(dst_a, dst_s);
-    const axis x(src_w, dst_w), y(src_h, dst_h);
-    sampled<N> rows;
-    rows.x = x;
-    s64 position = 0;
-    for (int i = 0; i < dst_h; ++i, position += y.step, dst.next_row()) {
-        for (int p = 0; p < N; ++p) {
-            rows.top[p] = src.p[p] + y.sample(position) * src.stride[p];
-            rows.bottom[p] = rows.top[p] + y.next * src.stride[p];
-        }
-        rows.weights = weights_of(axis::phase(position));
-        convert_row<u8>(rows, Matrix{}, dst, dst_w);
+    const axis x(src_w, dst_w);
+    picture_rows<N, layout_rows<Dest>> rows = {{}, {}, axis(src_h, dst_h), {Dest(dst_a, dst_s)}};
+    for (int p = 0; p < N; ++p) rows.src[p] = static_cast<const u8*>(src_a[p]), rows.src_stride[p] = src_s[p];
+#if ZELT_SIMD
+    if (go_through<in_place<N>, put_converted<Matrix>, 1>(rows, dst_h, x, dst_w)) return;
+#endif
+    for (int i = 0; i < dst_h; ++i) {
+        const row_job<N, Dest> job = rows[i];
+        convert_row<u8>(sampled<N, Dest>{job, weights_of(job.phase), x}, Matrix{}, job.dst, dst_w);
     }
 }
 }  // namespace

@@ -43,9 +43,14 @@ inline int blend(const u8* w, int tl, int tr, int bl, int br) {
     return (tl * w[0] + tr * w[1] + bl * w[2] + br * w[3]) >> 6;
 }
 
-namespace scalar {
+}  // namespace zelt::csc
+
+namespace zelt::scalar {
+using csc::axis;
+using csc::row_pair;
+
 template <class Format> void resize_row(const row_pair& rows, const axis& x, int dst_w) {
-    const u8 *top = rows.top, *bottom = rows.bottom, *weights = weights_of(rows.phase);
+    const u8 *top = rows.top[0], *bottom = rows.bottom[0], *weights = csc::weights_of(rows.phase);
     u8* dst = rows.dst;
     const std::ptrdiff_t next = static_cast<std::ptrdiff_t>(x.next) * Format::src_bytes;
     s64 position = 0;
@@ -54,14 +59,13 @@ template <class Format> void resize_row(const row_pair& rows, const axis& x, int
         const u8* w = weights + 32 * axis::phase(position);
         const auto tl = Format::get(top + left), tr = Format::get(top + left + next);
         const auto bl = Format::get(bottom + left), br = Format::get(bottom + left + next);
-        fields<Format::count> v;
-        for (int c = 0; c < Format::count; ++c) v[c] = blend(w, tl[c], tr[c], bl[c], br[c]);
+        csc::fields<Format::count> v;
+        for (int c = 0; c < Format::count; ++c) v[c] = csc::blend(w, tl[c], tr[c], bl[c], br[c]);
         Format::put(dst, v);
     }
 }
 
-template <class Format> void resize_rows(const row_pair* rows, int count, const axis& x, int dst_w) {
+template <class Format, class Rows> void resize_rows(const Rows& rows, int count, const axis& x, int dst_w) {
     for (int i = 0; i < count; ++i) resize_row<Format>(rows[i], x, dst_w);
 }
-}  // namespace scalar
-}  // namespace zelt::csc
+}  // namespace zelt::scalar

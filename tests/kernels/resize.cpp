@@ -82,13 +82,14 @@ struct ratio {
     static int apply(int n, int num, int den) { return std::max(1, (n * num + den - 1) / den); }
     shape source(shape s) const { return {apply(s.w, x_num, x_den), apply(s.h, y_num, y_den)}; }
 
-    /// Large pictures only where the ratio is small
+    /// Large pictures only where the ratio is small; some so wide that they are done in parts
     std::vector<shape> shapes() const {
         std::vector<shape> all;
         for (const shape s : picture_shapes()) {
             const shape to = {s.w, 1 + s.w % 7}, from = source(to);
             if (from.w * from.h < 6000) all.push_back(to);
         }
+        if (x_num > 0 && x_num <= 4 && x_den <= 3) all.insert(all.end(), {{1501, 2}, {5103, 1}});
         return all;
     }
 };

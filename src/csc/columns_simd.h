@@ -1,0 +1,144 @@
+#pragma once
+// A run of destination columns, prepared once for many rows: where in a source row their samples stand, and the weights
+// across. The weights separate: a value is ((8 - fy) s(top) + fy s(bottom)) >> 6 with s = (8 - fx) left + fx right, at
+// most 2040, so that all of it fits 16 bits, and s of a source row serves every destination row next to it.
+#include "core/simd.h"
+#include "csc/bilinear.h"
+
+#include <cstring>
+
+namespace zelt::simd {
+using csc::axis;
+
+/// How registers go over a row of pixels of `bytes` samples; `windows` is 0 where they cannot.
+struct row_shape {
+    std::ptrdiff_t samples;  // of a destination row
+    s64 limit;               // bytes of a source row up to the last one that is needed
+    int windows;
+
+    row_shape(const axis& x, int w, int bytes) : samples(std::ptrdiff_t{w} * bytes) {
+        limit = (x.sample((w - s64{1}) * x.step) + x.next + 1) * bytes;
+        const s64 pixels = 8 % bytes ? 8 / bytes + 2 : 8 / bytes;  // that an eight may touch
+        const s64 apart = ((pixels - 1) * x.step + (1 << 18) - 1) >> 18;
+        const s64 span = (apart * (s64{1} << x.shift) + x.next + 1) * bytes;
+        windows = span <= 16 ? 1 : span <= 32 ? 2 : span <= 64 ? 4 : span <= 128 ? 8 : 0;
+        if (limit < 16 * windows || samples < lanes || x.next != s64{1} << x.shift) windows = 0;
+    }
+};
+
+struct columns {
+    static constexpr int eights = lanes / 8, longest_run = 64;
+
+    int groups;                     // of `lanes` samples
+    std::ptrdiff_t first, last;     // first sample of the first and of the last group, which ends with the row
+    const std::ptrdiff_t* offsets;  // of an eight's windows in a source row
+    const u8 *masks, *weights;
+    // Groups whose pairs stand one after another, as at a ratio of 2. Their eights are in their own order.
+    int run, run_end;
+
+    std::ptrdiff_t at(int group) const { return std::min(first + group * lanes, last); }
+    /// The part of a source row that is read
+    std::ptrdiff_t source_start() const { return offsets[0]; }
+    std::ptrdiff_t source_end(int windows) const { return offsets[groups * eights - 1] + 16 * windows; }
+
+    /// Asks for a group's part of a row that is needed soon.
+    void prefetch(int group, const u8* row) const { __builtin_prefetch(row + offsets[group * eights]); }
+    /// Whether the run is less than a row: the processor does not foresee the next one then.
+    bool partial() const { return first > 0 || at(groups - 1) < last; }
+
+    bytes weight(int half_group) const {
+        bytes w;
+        load(weights + half_group * lanes, w);
+        return w;
+    }
+    template <int Windows> pairs pick(int half_group, const u8* row) const {
+        return simd::pick<Windows>(row, offsets + half_group * (eights / 2), masks + half_group * Windows * lanes);
+    }
+};
+
+/// Pixel and channel of the eight samples from each channel on
+template <int Bytes> struct pixel_bytes {
+    u32 pixel[Bytes][8] = {};
+    u16 channel[Bytes][8] = {};
+    constexpr pixel_bytes() {
+        for (u32 c = 0; c < Bytes; ++c)
+            for (u32 i = 0; i < 8; ++i)
+                pixel[c][i] = (c + i) / Bytes, channel[c][i] = static_cast<u16>((c + i) % Bytes);
+    }
+};
+template <class Vector, class T> Vector load_lanes(const T* p) {
+    Vector v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
+}
+
+/// Memory for columns, on the stack
+template <int Size> class column_tables {
+public:
+    /// Samples from `first` on, as many as fit but at most `most`; pixels have Bytes samples.
+    template <int Bytes>
+    columns prepare(const axis& x, const row_shape& row, std::ptrdiff_t first, s64 most, bool may_run) {
+        const int group_size = lanes * 2 * (1 + row.windows) + columns::eights * static_cast<int>(sizeof *offsets_);
+        const int groups = static_cast<int>(
+            std::min<s64>({Size / group_size, most / lanes, (row.samples - first + lanes - 1) / lanes}));
+        weights_ = memory_, masks_ = weights_ + groups * 2 * lanes;
+        offsets_ = reinterpret_cast<std::ptrdiff_t*>(masks_ + groups * 2 * lanes * row.windows);
+        columns c = {groups, first, row.samples - lanes, offsets_, masks_, weights_, groups, groups};
+        for (int i = 0; i < groups * columns::eights; ++i)
+            prepare_eight<Bytes>(x, row, i, c.at(i / columns::eights) + 8 * eight_at(i % columns::eights));
+        if (!may_run || Bytes > 1 || row.windows > 1) return c;
+        for (c.run = 0; c.run < groups && !adjoins(c, c.run);) ++c.run;
+        const int longest = std::min(groups, c.run + columns::longest_run);
+        for (c.run_end = c.run; c.run_end < longest && adjoins(c, c.run_end);) ++c.run_end;
+        for (int i = c.run * columns::eights; i < c.run_end * columns::eights; i += columns::eights) order(i);
+        return c;
+    }
+
+private:
+    /// Whether the pairs of a group stand one after another and, within a run, after those of the group before
+    bool adjoins(const columns& c, int group) const {
+        constexpr u16 pairs[] = {0x100, 0x302, 0x504, 0x706, 0x908, 0xB0A, 0xD0C, 0xF0E};
+        const int index = group * columns::eights, from = c.run * columns::eights;
+        bool all = c.at(group) == c.first + group * lanes;
+        for (int i = 0; all && i < columns::eights; ++i) {
+            u8 masks[16];
+            store_pairs(masks, load_lanes<eight>(pairs) & 255, load_lanes<eight>(pairs) >> 8);
+            all &= offsets_[index + i] == offsets_[from] + 16 * (index - from + eight_at(i));
+            all &= !std::memcmp(masks_ + 16 * (index + i), masks, 16);
+        }
+        return all;
+    }
+
+    /// Puts the weights of a group's eights in their own order.
+    void order(int index) {
+        u8 copy[2 * lanes];
+        std::memcpy(copy, weights_ + 16 * index, sizeof copy);
+        for (int i = 0; i < columns::eights; ++i) std::memcpy(weights_ + 16 * (index + eight_at(i)), copy + 16 * i, 16);
+    }
+
+    template <int Bytes> void prepare_eight(const axis& x, const row_shape& row, int index, std::ptrdiff_t sample) {
+        const s64 pixel = sample / Bytes, position = pixel * x.step, start = x.sample(position) * Bytes;
+        const s64 window = std::min(start, row.limit - 16 * row.windows);
+        offsets_[index] = static_cast<std::ptrdiff_t>(window);
+        static constexpr pixel_bytes<Bytes> of;
+        const auto c = static_cast<std::size_t>(sample - pixel * Bytes);  // channel of the first sample
+        const quad low = load_lanes<quad>(of.pixel[c]), high = load_lanes<quad>(of.pixel[c] + 4);
+        const u32 fraction = static_cast<u32>(position) & 0x3FFFF, step = static_cast<u32>(x.step);
+        const eight place = pack((low * step + fraction) >> 15, (high * step + fraction) >> 15);
+        const eight phase = place & 7;
+        store_pairs(weights_ + 16 * index, 8 - phase, phase);
+        const eight left = (place >> 3 << static_cast<u16>(x.shift)) * static_cast<u16>(Bytes) +
+                           load_lanes<eight>(of.channel[c]) + static_cast<u16>(start - window);
+        constexpr int sharing = columns::eights / 2;  // eights whose masks are in one register
+        for (int k = 0; k < row.windows; ++k) {
+            const eight l = left - static_cast<u16>(16 * k), r = l + static_cast<u16>(x.next * Bytes);
+            store_pairs(masks_ + (index / sharing * row.windows + k) * lanes + index % sharing * 16,
+                        l > 15 ? eight{} + 0x80 : l, r > 15 ? eight{} + 0x80 : r);
+        }
+    }
+
+    u8 *weights_, *masks_;
+    std::ptrdiff_t* offsets_;
+    alignas(lanes) u8 memory_[Size];
+};
+}  // namespace zelt::simd

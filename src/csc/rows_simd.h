@@ -1,0 +1,196 @@
+#pragma once
+// Rows through runs of columns: from the planes that Source makes of a caller's row, to values that Out::put takes.
+// Neither has a part in the arithmetic.
+#include "csc/columns_simd.h"
+
+namespace zelt::simd {
+using csc::row_job;
+
+// ------------------------------------------------------------------------------------------------- rows by themselves
+
+/// Weights across and down in one, at most 64
+inline bytes scaled(bytes weights, int factor) { return weights * static_cast<u8>(factor); }
+
+/// The weights of a run's groups, kept while the vertical phase stays the same, as it does for long at a ratio of 2
+class run_weights {
+public:
+    void scale(const columns& c, int phase) {
+        if (phase == phase_) return;
+        phase_ = phase;
+        for (int i = 0; i < 2 * (c.run_end - c.run); ++i) {
+            const bytes w = c.weight(2 * c.run + i);
+            top[i] = scaled(w, 8 - phase), bottom[i] = scaled(w, phase);
+        }
+    }
+    bytes top[2 * columns::longest_run], bottom[2 * columns::longest_run];
+
+private:
+    int phase_ = -1;
+};
+
+template <class Out, int N, class Dest>
+[[gnu::flatten]] void make_groups(const columns& all, int g, int end, const row_job<N, Dest>& rows,
+                                  const row_job<N, Dest>& next) {
+    const columns c = all;
+    const row_job<N, Dest> job = rows;
+    const bool partial = c.partial();
+    for (; g < end; ++g) {
+        words sums[N];
+        for (int h = 0; h < 2; ++h) {
+            const bytes w = c.weight(2 * g + h), top = scaled(w, 8 - job.phase), bottom = scaled(w, job.phase);
+            for (int p = 0; p < N; ++p)
+                (h ? sums[p].hi : sums[p].lo) =
+                    weigh(weigh(c.pick<1>(2 * g + h, job.top[p]), top), c.pick<1>(2 * g + h, job.bottom[p]), bottom);
+        }
+        bytes v[N];
+        for (int p = 0; p < N; ++p) v[p] = narrow_q6(sums[p]);
+        if (partial)
+            for (int p = 0; p < N; ++p) c.prefetch(g, next.top[p]), c.prefetch(g, next.bottom[p]);
+        Out::put(job.dst, c.at(g), v);
+    }
+}
+
+template <class Out, int N, class Dest>
+[[gnu::flatten]] void make_run(const columns& c, const run_weights& weights, const row_job<N, Dest>& rows) {
+    const row_job<N, Dest> job = rows;
+    const int end = 2 * (c.run_end - c.run);
+    std::ptrdiff_t x = c.first + c.run * lanes, source = c.offsets[c.run * columns::eights];
+    for (int i = 0; i < end; i += 2, x += lanes, source += 2 * lanes) {
+        bytes v[N];
+        for (int p = 0; p < N; ++p) {
+            const u8 *top = job.top[p] + source, *bottom = job.bottom[p] + source;
+            const auto sum = [&](int half) {
+                return weigh(weigh(load_pairs(top + half * lanes), weights.top[i + half]),
+                             load_pairs(bottom + half * lanes), weights.bottom[i + half]);
+            };
+            v[p] = narrow_q6_eights({sum(0), sum(1)});
+        }
+        Out::put(job.dst, x, v);
+    }
+}
+
+template <class Out, class Jobs> void make_rows(const columns& c, const Jobs& jobs, int count) {
+    run_weights run;
+    for (int i = 0; i < count; ++i) {
+        const auto job = jobs[i], next = jobs[i + (i + 1 < count)];
+        if (c.run > 0) make_groups<Out>(c, 0, c.run, job, next);
+        if (c.run == c.groups) continue;
+        run.scale(c, job.phase);
+        make_run<Out>(c, run, job);
+        if (c.run_end < c.groups) make_groups<Out>(c, c.run_end, c.groups, job, next);
+    }
+}
+
+// ----------------------------------------------------------------------------------------------------------- kept sums
+
+/// The sums of a row of one plane, two halves a group
+template <int Windows> void sum_row(const columns c, const u8* row, const u8* next, half* to) {
+    const bool partial = c.partial();
+    for (int h = 0; h < 2 * c.groups; ++h) {
+        if (partial && h % 2 == 0) c.prefetch(h / 2, next);
+        to[h] = weigh(c.pick<Windows>(h, row), c.weight(h));
+    }
+}
+using sum_row_fn = void (*)(columns, const u8*, const u8*, half*);
+
+/// Samples as they stand in memory
+template <int N> struct in_place {
+    static constexpr int planes = N, most = 1 << 30;
+    in_place(const columns&, int) {}
+    const u8* const* operator()(const u8* const* row) { return row; }
+};
+
+/// Sums of two source rows, kept while the rows next to them are made
+template <class Source> class kept_sums {
+public:
+    static constexpr int planes = Source::planes;
+    static constexpr int most = 4096 / planes / lanes * lanes;  // samples
+
+    kept_sums(const columns& c, int windows, sum_row_fn sum) : source_(c, windows), sum_(sum) {}
+
+    /// Those of a row, in place of any but the other row's
+    const half* of(const columns c, const u8* const* row, const u8* other, const u8* const* next) {
+        for (int i = 0; i < 2; ++i)
+            if (rows_[i] == *row) return sums_[i];
+        const int i = rows_[0] == other;
+        rows_[i] = *row;
+        const u8* const* samples = source_(row);
+        for (int p = 0; p < planes; ++p) sum_(c, samples[p], next[as_is ? p : 0], sums_[i] + 2 * c.groups * p);
+        return sums_[i];
+    }
+
+private:
+    static constexpr bool as_is = std::is_same_v<Source, in_place<planes>>;
+    Source source_;
+    sum_row_fn sum_;
+    const u8* rows_[2] = {};
+    half sums_[2][planes * most / lanes * 2];
+};
+
+template <class Out, int N, class Dest>
+[[gnu::flatten]] void put_between(const columns& all, const half* top, const half* bottom, int phase, const Dest& to) {
+    const columns c = all;
+    const Dest dst = to;
+    const uhalf bottom_weight = uhalf{} + static_cast<u16>(phase), top_weight = 8 - bottom_weight;
+    const auto down = [=](half t, half b) { return (half)((uhalf)t * top_weight + (uhalf)b * bottom_weight); };
+    for (int g = 0; g < c.groups; ++g, top += 2, bottom += 2) {
+        bytes v[N];
+        for (int p = 0, i = 0; p < N; ++p, i += 2 * c.groups)
+            v[p] = narrow_q6({down(top[i], bottom[i]), down(top[i + 1], bottom[i + 1])});
+        Out::put(dst, c.at(g), v);
+    }
+}
+
+template <class Out, class Source, class Jobs>
+void make_rows(const columns& c, kept_sums<Source>& kept, const Jobs& jobs, int count) {
+    for (int i = 0; i < count; ++i) {
+        const auto job = jobs[i], next = jobs[i + (i + 1 < count)];
+        const half* top = kept.of(c, job.top, *job.bottom, next.top);
+        const half* bottom = kept.of(c, job.bottom, *job.top, next.bottom);
+        put_between<Out, Source::planes>(c, top, bottom, job.phase, job.dst);
+    }
+}
+
+// --------------------------------------------------------------------------------------------------------- all columns
+
+/// Whether source rows serve more than one destination row, by and large
+template <class Jobs> bool rows_are_shared(const Jobs& jobs, int count) {
+    const int some = std::min(count, 64);
+    int fresh = 0;
+    for (int i = 1; i < some; ++i) {
+        const auto job = jobs[i], before = jobs[i - 1];
+        for (const u8* row : {*job.top, *job.bottom}) fresh += row != *before.top && row != *before.bottom;
+    }
+    return fresh < some - 1;
+}
+
+/// Makes all rows, of pixels of Bytes samples in a plane; false where it cannot and nothing is done.
+template <class Source, class Out, int Bytes, class Jobs>
+bool go_through(const Jobs& jobs, int count, const axis& x, int dst_w) {
+    const row_shape shape(x, dst_w, Bytes);
+    const int windows = shape.windows;
+    if (!windows) return false;
+    const sum_row_fn sum = windows == 1   ? sum_row<1>
+                           : windows == 2 ? sum_row<2>
+                           : windows == 4 ? sum_row<4>
+                                          : sum_row<8>;
+    constexpr bool as_is = std::is_same_v<Source, in_place<Source::planes>>;
+    const bool keep = !as_is || windows > 1 || rows_are_shared(jobs, count);
+    s64 most = keep ? kept_sums<Source>::most : 1 << 16;
+    most = std::min<s64>(most, ((Source::most - s64{128}) << 18) / (x.step << x.shift));
+    column_tables<24 * 1024> tables;
+    columns c;
+    for (std::ptrdiff_t first = 0; first < shape.samples; first += c.groups * lanes) {
+        c = tables.template prepare<Bytes>(x, shape, first, most, !keep);
+        if constexpr (as_is) {
+            if (!keep) {
+                make_rows<Out>(c, jobs, count);
+                continue;
+            }
+        }
+        kept_sums<Source> kept(c, windows, sum);
+        make_rows<Out>(c, kept, jobs, count);
+    }
+    return true;
+}
+}  // namespace zelt::simd
