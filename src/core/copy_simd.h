@@ -33,18 +33,6 @@ inline void copy(u8* dst, const u8* src, s64 n) {
     }
 }
 
-/// A row of an area that no cache near the processor holds: there string instructions need not read what they
-/// overwrite.
-inline void copy_far(u8* dst, const u8* src, s64 n) {
-#ifdef __AVX2__
-    if (n >= 512) {
-        asm volatile("rep movsb" : "+D"(dst), "+S"(src), "+c"(n) : : "memory");
-        return;
-    }
-#endif
-    copy(dst, src, n);
-}
-
 template <int N> void copy_fixed(u8* dst, const u8* src) {
     const auto piece = [&]<class T>(T) {
         store_loose(dst, load_loose<T>(src));

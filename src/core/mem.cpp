@@ -43,12 +43,11 @@ void copy_area(area a, int element) {
         a.h = 1;
     }
     const s64 n = element == 2 ? doubled_tail(a.w, contiguous) : a.w;
-    const bool far = n * a.h >= 1 << 20;
-    for (; a.h > 0; --a.h, a.dst += a.s_dst, a.src += a.s_src)
-        far ? fast::copy_far(a.dst, a.src, n) : fast::copy(a.dst, a.src, n);
+    for (; a.h > 0; --a.h, a.dst += a.s_dst, a.src += a.s_src) fast::copy(a.dst, a.src, n);
 }
 
 template <int N> void copy_rows(area a) {
+#pragma GCC unroll 4
     for (; a.h > 0; --a.h, a.dst += a.s_dst, a.src += a.s_src) fast::copy_fixed<N>(a.dst, a.src);
 }
 
