@@ -9,7 +9,7 @@
 
 namespace zelt::test {
 namespace {
-#ifdef ZELT_EMULATED
+#ifdef ZELT_SAMPLED
 constexpr int part = 40;  // one of so many sizes for all formats but the first
 #else
 constexpr int part = 8;

@@ -7,7 +7,7 @@
 using namespace zelt::test;
 
 namespace {
-#ifdef ZELT_EMULATED
+#ifdef ZELT_SAMPLED
 constexpr int step = 7;
 #else
 constexpr int step = 1;

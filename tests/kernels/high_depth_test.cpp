@@ -9,7 +9,7 @@ using namespace zelt::test;
 namespace {
 /// Converts all pairs of second and third components with some of the first: the ends, and every 37th.
 void check_dense(zelt_csc_fn convert, triple (*model)(triple), int high) {
-#ifdef ZELT_EMULATED
+#ifdef ZELT_SAMPLED
     constexpr int every = 341;
 #else
     constexpr int every = 37;
