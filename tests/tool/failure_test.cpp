@@ -74,8 +74,9 @@ TEST_F(tool, ends_with_its_documented_statuses) {
         {4, "convert -i - -o out.ppm", "255", "P6 1 1 65535\nabcdef"},
         {4, "convert -i - -o out.ppm", "P3", "P3 1 1 255 1 2 3"},
         {4, "convert -i - -o out.ppm", "ffmpeg -i", y4m(1, 1, "C444 XCOLORRANGE=LIMITED", {"abc"})},
-        {4, "convert -i - -o out.ppm", "C420jpeg", y4m(2, 2, "C420jpeg", {"abcdef"})},
-        {4, "convert -i - -o out.ppm", "C420;", y4m(2, 2, "F25:1", {"abcdef"})},
+        {4, "convert -i - -o out.ppm", "C411;", y4m(4, 1, "C411", {"abcdef"})},
+        {4, "convert -i - -o out.ppm", "C420p10", y4m(2, 2, "C420p10", {"abcdefabcdef"})},
+        {2, "convert -i - -o out.ppm", "cut short", y4m(2, 2, "C420jpeg", {"abcde"})},
         {4, "convert -i - -o out.ppm", "C444p10", y4m(1, 1, "C444p10", {"abcdef"})},
         {4, "convert -i - -o out.ppm", "C\?\?[1m;", y4m(1, 1, "C\x1B\a[1m", {"abcdef"})},
     };

@@ -1,6 +1,7 @@
 #include "route.h"
 
 #include "pictures/failure.h"
+#include "resize.h"
 
 #include <optional>
 
@@ -43,7 +44,21 @@ zelt_csc_fn resizing_converter(const format& from, const format& to) {
     return zelt_imgp_get_fn_csc(2, 2, from.cs, 1, 1, to.cs, nullptr);
 }
 
-route::route(const format& from, const format& to, int w, int h) : from_(&from) {
+route::route(const format& from, size from_size, const format& to, size to_size, int band_rows)
+    : from_(&from), from_size_(from_size), band_rows_(band_rows) {
+    const bool resizes = from_size != to_size;
+    if (const zelt_csc_fn fused = resizing_converter(from, to); resizes && fused && !band_rows) {
+        steps_.push_back({fused, picture(to, to_size.w, to_size.h)});
+        return;
+    }
+    if (resizes) {
+        if (!resizable(from))
+            throw failure(status::unsupported, std::string("pictures of ") + from.name + " cannot be resized");
+        if (band_rows && !bands_are_exact(band_rows, from_size.w, from_size.h, to_size.w, to_size.h))
+            throw failure(status::unsupported, "bands of " + std::to_string(band_rows) +
+                                                   " rows are too short for these sizes: not every row would be right");
+        steps_.push_back({nullptr, picture(from, to_size.w, to_size.h)});
+    }
     const auto hops = find(from, to);
     if (!hops) {
         std::string reached;
@@ -52,12 +67,17 @@ route::route(const format& from, const format& to, int w, int h) : from_(&from) 
         throw failure(status::unsupported, std::string("there is no way from ") + from.name + " to " + to.name + "; " +
                                                from.name + " can become" + reached);
     }
-    for (const hop& next : *hops) steps_.push_back({next.convert, picture(*next.to, w, h)});
+    for (const hop& next : *hops) steps_.push_back({next.convert, picture(*next.to, to_size.w, to_size.h)});
 }
 
 const picture& route::run(const picture& from) {
     const picture* at = &from;
     for (step& s : steps_) {
+        if (!s.convert) {
+            resize(*at, s.result, band_rows_);
+            at = &s.result;
+            continue;
+        }
         // Packed results have one plane; null in the second entry tells the ARGB8888 and BGRA8888 converters so.
         s.convert(at->plane, at->w, at->h, at->stride, at->fmt->cs, s.result.plane, s.result.w, s.result.h,
                   s.result.stride, s.result.fmt->cs);
@@ -69,7 +89,15 @@ const picture& route::run(const picture& from) {
 std::string route::text() const {
     if (steps_.empty()) return std::string(from_->name) + " as it is";
     std::string names = from_->name;
-    for (const step& s : steps_) names += std::string(" -> ") + s.result.fmt->name;
+    size at = from_size_;
+    for (const step& s : steps_) {
+        names += std::string(" -> ") + s.result.fmt->name;
+        const size now = {s.result.w, s.result.h};
+        if (now == at) continue;
+        names += ' ' + std::to_string(now.w) + 'x' + std::to_string(now.h);
+        if (s.convert) names += " in one pass";
+        at = now;
+    }
     return names;
 }
 

@@ -1,13 +1,15 @@
-// YUV4MPEG2 clips of full-range 4:4:4 or grey pictures.
+// YUV4MPEG2 clips of full-range pictures: 4:4:4, grey, and 4:2:0 or 4:2:2, whose chroma is brought to full size.
 #include "pictures/reader.h"
 #include "pictures/writer.h"
-#include "zelt/common.h"
+#include "zelt/irsz.h"
+
+#include <vector>
 
 namespace zelt::tool {
 namespace {
 
 constexpr std::size_t longest_header = 1024;
-constexpr const char* recipe = "; full-range 4:4:4 and mono are taken: "
+constexpr const char* recipe = "; full-range 8-bit 4:4:4, 4:2:2, 4:2:0 and mono are taken: "
                                "ffmpeg -i IN -vf scale=out_range=full -pix_fmt yuv444p -color_range pc OUT.y4m";
 
 class y4m_reader : public reader {
@@ -37,7 +39,10 @@ public:
         }
         if (w < 1 || h < 1) in_.bad("has a Y4M header without a usable width and height");
         grey_ = layout == "mono";
-        if (!grey_ && layout != "444") in_.unsupported("holds pictures of the kind C" + layout + recipe);
+        // The kinds of 4:2:0 differ in where chroma lies, by half a sample at most.
+        const bool halved = layout == "420" || layout == "420jpeg" || layout == "420mpeg2" || layout == "420paldv";
+        if (halved || layout == "422") chroma_ = {w / 2 + w % 2, halved ? h / 2 + h % 2 : h};
+        if (!grey_ && !chroma_.w && layout != "444") in_.unsupported("holds pictures of the kind C" + layout + recipe);
         shape(format_of(ZELT_CS_YUV444), w, h);
     }
 
@@ -47,11 +52,28 @@ public:
         const std::string header = in_.line(longest_header);
         if (header != "FRAME" && !header.starts_with("FRAME "))
             in_.bad("has something else where a frame should begin");
-        grey_ ? read_grey(into) : read_planes(into);
+        grey_ ? read_grey(into) : chroma_.w ? read_reduced(into) : read_planes(into);
     }
 
 private:
+    struct {
+        int w = 0, h = 0;
+    } chroma_;  // where it has not the picture's size
+    std::vector<uint8_t> plane_;
     bool grey_ = false;
+
+    void read_reduced(picture& into) {
+        const int64_t size = int64_t{chroma_.w} * chroma_.h;
+        in_.expect(int64_t{into.w} * into.h + 2 * size);
+        for (int y = 0; y < into.h; ++y) in_.read(into.row(0, y), into.row_bytes(0));
+        uint32_t x_step, y_step;
+        bilinear_rsz_step_size(chroma_.w, chroma_.h, into.w, into.h, &x_step, &y_step);
+        plane_.resize(static_cast<std::size_t>(size));
+        for (const int i : {1, 2}) {
+            in_.read(plane_.data(), plane_.size());
+            zelt_irsz8b_full(plane_.data(), chroma_.w, into.w, into.h, into.stride[i], into.row(i, 0), x_step, y_step);
+        }
+    }
 };
 
 }  // namespace
