@@ -170,7 +170,7 @@ int zelt_rbuf_get(ZELT_RBUF* rb, uint8_t* dst, int len) {
     const auto [before, behind] = take_wrapped(rb, len);
     copy(dst, src, before);
     const s64 drop = before < 0 ? -before : 0;  // what would land before dst
-    copy(dst + before + drop, rb->buf + drop, behind - drop);
+    copy(dst + (before + drop), rb->buf + drop, behind - drop);
     return static_cast<int>(before + behind);
 }
 
