@@ -17,7 +17,7 @@ template <int W, int H, class Sample>
 [[gnu::always_inline]] inline void add_block(typename square_step<W, Sample>::sums& sum, const Sample* a,
                                              const Sample* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
     using step = square_step<W, Sample>;
-    each_step<step, W, H>(a, b, sa, sb, [&](const Sample* pa, const Sample* pb) {
+    each_step<step, W, H, 8>(a, b, sa, sb, [&](const Sample* pa, const Sample* pb) {
         if constexpr (step::of_bytes)
             sum = add_squares(sum, load_rows<lanes, 1>(pa, sa), load_rows<lanes, 1>(pb, sb));
         else
