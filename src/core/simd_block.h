@@ -43,16 +43,32 @@ template <int W, int H> using byte_step = step<W, H, 16, lanes>;
 template <int W, int H> using word_step = step<W, H, 8, word_lanes>;
 
 /// Calls f(a, b) at the place of every register of a block, four down a column in a turn of the loop: their addresses
-/// need no more than a stride and three of it. Small blocks are straight code; larger ones would only have the compiler
-/// keep all of what is added up.
-template <class Step, int W, int H, class A, class B, class F>
+/// need no more than a stride and three of it. Blocks of few registers are straight code; of more the compiler would
+/// keep all that is added up.
+template <class Step, int W, int H, int Few, class A, class B, class F>
 [[gnu::always_inline]] inline void each_step(const A* a, const B* b, std::ptrdiff_t sa, std::ptrdiff_t sb, F f) {
-    constexpr bool straight = W / Step::columns * (H / Step::rows) <= 16;
+    constexpr bool straight = W / Step::columns * (H / Step::rows) <= Few;
     constexpr int turn = straight || H < 4 * Step::rows ? H : 4 * Step::rows;
 #pragma GCC unroll 1
     for (int y = 0; y < H; y += turn, a += turn * sa, b += turn * sb)
         for (int i = 0; i < turn; i += Step::rows)
             for (int x = 0; x < W; x += Step::columns) f(a + i * sa + x, b + i * sb + x);
+}
+
+/// Calls f(W, x, y, rows) for strips of W columns that make up an area of any size, W being an integral constant: a
+/// register, then 8, 4, 2 and 1. There are not more rows at a time than the cache keeps.
+template <class F> [[gnu::always_inline]] inline void each_strip(int w, int h, F f) {
+    constexpr int most = 64;
+    for (int y = 0; h > 0; h -= most, y += most) {
+        const int rows = h < most ? h : most;
+        int x = 0;
+        const auto strip = [&](auto width) { f(width, x, y, rows), x += width; };
+        while (w - x >= word_lanes) strip(std::integral_constant<int, word_lanes>{});
+        if (word_lanes > 8 && w - x >= 8) strip(std::integral_constant<int, 8>{});
+        if (w - x >= 4) strip(std::integral_constant<int, 4>{});
+        if (w - x >= 2) strip(std::integral_constant<int, 2>{});
+        if (w - x >= 1) strip(std::integral_constant<int, 1>{});
+    }
 }
 
 /// Where a register has two lanes

@@ -209,6 +209,7 @@ inline square_sums<uhalf> add_squares(square_sums<uhalf> s, bytes a, bytes b) {
     const words d = dot<1, -1>(a, b);
     return {s.sum + (multiply_pairs((uhalf)d.lo, (uhalf)d.lo) + multiply_pairs((uhalf)d.hi, (uhalf)d.hi)), s.seen};
 }
+template <class V> square_sums<V> add(square_sums<V> a, square_sums<V> b) { return {a.sum + b.sum, a.seen | b.seen}; }
 template <class V> bool exact(square_sums<V> s) {
     sums4 seen;
     if constexpr (is_wide<V>)

@@ -122,6 +122,7 @@ inline square_sums<uhalf> add_squares(square_sums<uhalf> s, bytes a, bytes b) {
     const uint16x8_t lo = vmull_u8(vget_low_u8(d), vget_low_u8(d)), hi = vmull_u8(vget_high_u8(d), vget_high_u8(d));
     return {add_pairs(s.lo, (uhalf)lo), add_pairs(s.hi, (uhalf)hi)};
 }
+inline square_sums<uhalf> add(square_sums<uhalf> a, square_sums<uhalf> b) { return {a.lo + b.lo, a.hi + b.hi}; }
 inline bool exact(square_sums<uhalf>) { return true; }
 inline u32 total(square_sums<uhalf> s) { return total(s.lo + s.hi); }
 

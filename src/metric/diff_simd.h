@@ -23,17 +23,15 @@ template <int W, int H, class A, class B> void diff(const A* a, const B* b, int 
 }
 
 template <class A, class B> void diff(int w, int h, const A* a, const B* b, int sa, int sb, int sd, s16* d) {
-    for (; h > 0; --h, a += sa, b += sb, d += sd) {
-        int x = 0;
-        const auto step = [&]<int W>(std::integral_constant<int, W>) {
-            diff_step<W, 1>(a + x, b + x, sa, sb, sd, d + x);
-            x += W;
-        };
-        while (w - x >= word_lanes) step(std::integral_constant<int, word_lanes>{});
-        if (w - x >= 8) step(std::integral_constant<int, 8>{});
-        if (w - x >= 4) step(std::integral_constant<int, 4>{});
-        if (w - x >= 2) step(std::integral_constant<int, 2>{});
-        if (w - x >= 1) d[x] = static_cast<s16>(a[x] - b[x]);
-    }
+    each_strip(w, h, [=](auto width, int x, int y, int rows) {
+        const A* pa = a + y * std::ptrdiff_t{sa} + x;
+        const B* pb = b + y * std::ptrdiff_t{sb} + x;
+        s16* pd = d + y * std::ptrdiff_t{sd} + x;
+        for (; rows > 0; --rows, pa += sa, pb += sb, pd += sd)
+            if constexpr (width == 1)
+                *pd = static_cast<s16>(*pa - *pb);
+            else
+                diff_step<width, 1>(pa, pb, sa, sb, sd, pd);
+    });
 }
 }  // namespace zelt::simd

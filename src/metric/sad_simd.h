@@ -18,7 +18,7 @@ template <int W> using row_sums = byte_sums<std::conditional_t<(W >= lanes), byt
 template <int W, int H>
 row_sums<W> add_block(row_sums<W> sum, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
     using step = byte_step<W, H>;
-    each_step<step, W, H>(a, b, sa, sb, [&](const u8* pa, const u8* pb) {
+    each_step<step, W, H, 16>(a, b, sa, sb, [&](const u8* pa, const u8* pb) {
         sum = add_abs_diff(sum, load_rows<step::columns, step::rows>(pa, sa),
                            load_rows<step::columns, step::rows>(pb, sb));
     });
@@ -121,18 +121,17 @@ template <int W, int H, class A, class B>
 
 template <int W, int H, class B>
 requires worth_a_register<W, H, s16> u32 sad(const s16* a, const B* b, int sa, int sb) {
-    using step = word_step<W, H>;
-    using V = words_of<step::columns * step::rows>;
-    constexpr int group = std::min(magnitudes<V>::at_once * step::columns / W, H / step::rows) * step::rows;
+    constexpr int rows = word_step<W, H>::rows, columns = word_step<W, H>::columns;
+    using V = words_of<columns * rows>;
+    constexpr int group = std::min(magnitudes<V>::at_once * columns / W, H / rows) * rows;
+    const s16* pa = a;
+    const B* pb = b;
     magnitudes<V> all;
-#pragma GCC unroll 1
     for (int y = 0; y < H; y += group) {
         V part = magnitudes<V>::start();
-        each_step<step, W, group>(a + y * std::ptrdiff_t{sa}, b + y * std::ptrdiff_t{sb}, sa, sb,
-                                  [&](const s16* pa, const B* pb) {
-                                      part = add_abs_diff(part, load_words<step::columns, step::rows>(pb, sb),
-                                                          load_words<step::columns, step::rows>(pa, sa));
-                                  });
+        for (int i = 0; i < group; i += rows, pa += rows * std::ptrdiff_t{sa}, pb += rows * std::ptrdiff_t{sb})
+            for (int x = 0; x < W; x += columns)
+                part = add_abs_diff(part, load_words<columns, rows>(pb + x, sb), load_words<columns, rows>(pa + x, sa));
         all.add(part);
     }
     if (!all.exact()) [[unlikely]]
@@ -140,28 +139,27 @@ requires worth_a_register<W, H, s16> u32 sad(const s16* a, const B* b, int sa, i
     return all.total();
 }
 
-/// W columns of a few rows
-template <int W> words_of<W> sad_part(int h, const s16* a, const s16* b, int sa, int sb) {
-    words_of<W> part = magnitudes<words_of<W>>::start();
-    for (; h > 0; --h, a += sa, b += sb) part = add_abs_diff(part, load_words<W, 1>(b, sb), load_words<W, 1>(a, sa));
-    return part;
-}
-
 inline u32 sad(int w, int h, const s16* a, const s16* b, int sa, int sb) {
-    constexpr int most = magnitudes<uhalf>::at_once;
     magnitudes<uhalf> wide;
     magnitudes<words8> narrow;
     u32 sum = 0;
-    const s16 *pa = a, *pb = b;
-    for (int left = h; left > 0; left -= most, pa += most * std::ptrdiff_t{sa}, pb += most * std::ptrdiff_t{sb}) {
-        const int rows = std::min(left, most);
-        int x = 0;
-        for (; w - x >= word_lanes; x += word_lanes) wide.add(sad_part<word_lanes>(rows, pa + x, pb + x, sa, sb));
-        if (w - x >= 8) narrow.add(sad_part<8>(rows, pa + x, pb + x, sa, sb)), x += 8;
-        if (w - x >= 4) narrow.add(sad_part<4>(rows, pa + x, pb + x, sa, sb)), x += 4;
-        if (w - x >= 2) narrow.add(sad_part<2>(rows, pa + x, pb + x, sa, sb)), x += 2;
-        if (w - x >= 1) sum += scalar::sad(1, rows, pa + x, pb + x, sa, sb);
-    }
+    each_strip(w, h, [&](auto width, int x, int y, int rows) {
+        const s16 *pa = a + y * std::ptrdiff_t{sa} + x, *pb = b + y * std::ptrdiff_t{sb} + x;
+        if constexpr (width == 1) {
+            sum += scalar::sad(1, rows, pa, pb, sa, sb);
+        } else {
+            using V = words_of<width>;
+            while (rows > 0) {
+                V part = magnitudes<V>::start();
+                for (int n = std::min(rows, magnitudes<V>::at_once); n > 0; --n, --rows, pa += sa, pb += sb)
+                    part = add_abs_diff(part, load_words<width, 1>(pb, sb), load_words<width, 1>(pa, sa));
+                if constexpr (width == word_lanes)
+                    wide.add(part);
+                else
+                    narrow.add(part);
+            }
+        }
+    });
     if (!wide.exact() || !narrow.exact()) [[unlikely]]
         return scalar::sad(w, h, a, b, sa, sb);
     return sum + wide.total() + narrow.total();

@@ -42,20 +42,15 @@ template <range Range> struct tile_costs {
             exchange_words(a, b), exchange_words(c, d);
             butterflies(a, b, c, d);
             exchange_dwords(a, b), exchange_dwords(c, d);
-            add_last(a, b), add_last(c, d);
+            if constexpr (Range == range::any) {
+                sum += extend(add_pairs_to(add_pairs_to(sums_of<V>{}, wrapped_half(a, b)), wrapped_half(c, d)));
+            } else {
+                const V half_ab = max(abs(a), abs(b)), half_cd = max(abs(c), abs(d));
+                sum += extend(add_pairs(sums_of<V>{}, half_ab + half_cd)), seen |= extend(half_ab | half_cd);
+            }
         }
     }
     bool exact() const { return Range != range::usual || !any_high(seen | (seen + seen)); }
-
-private:
-    template <class V> void add_last(V a, V b) {
-        if constexpr (Range == range::any) {
-            sum += extend(add_pairs_to(sums_of<V>{}, wrapped_half(a, b)));
-        } else {
-            const V half = max(abs(a), abs(b));
-            sum += extend(add_pairs(sums_of<V>{}, half)), seen |= extend(half);
-        }
-    }
 };
 
 /// Cost of a tile, rows 0 and 1 in one register, rows 2 and 3 in the other. Exact for any values or for those of bytes.

@@ -3,7 +3,7 @@
 
 namespace zelt::scalar {
 /// Modulo 2^32
-template <int W, class A> u32 ssd(int h, const A* a, const A* b, int sa, int sb) {
+template <int W, class A> u32 ssd(int, int h, const A* a, const A* b, int sa, int sb) {
     u32 sum = 0;
     for (int y = 0; y < h; ++y, a += sa, b += sb)
         for (int x = 0; x < W; ++x) {

@@ -17,19 +17,28 @@ template <int W, int H, class Sample>
 [[gnu::always_inline]] inline void add_block(typename square_step<W, Sample>::sums& sum, const Sample* a,
                                              const Sample* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
     using step = square_step<W, Sample>;
-    each_step<step, W, H>(a, b, sa, sb, [&](const Sample* pa, const Sample* pb) {
-        if constexpr (step::of_bytes)
-            sum = add_squares(sum, load_rows<lanes, 1>(pa, sa), load_rows<lanes, 1>(pb, sb));
-        else
-            sum = add_squares(sum, load_words<step::columns, step::rows>(pa, sa),
-                              load_words<step::columns, step::rows>(pb, sb));
-    });
+    constexpr int turn = std::min(H, 4 * step::rows);
+    typename square_step<W, Sample>::sums other{};  // every second register, so that one sum does not wait for another
+#pragma GCC unroll 1
+    for (int y = 0; y < H; y += turn, a += turn * sa, b += turn * sb)
+        for (int i = 0, n = 0; i < turn; i += step::rows)
+            for (int x = 0; x < W; x += step::columns, ++n) {
+                auto& part = n % 2 ? other : sum;
+                const Sample *pa = a + i * sa + x, *pb = b + i * sb + x;
+                if constexpr (step::of_bytes)
+                    part = add_squares(part, load_rows<lanes, 1>(pa, sa), load_rows<lanes, 1>(pb, sb));
+                else
+                    part = add_squares(part, load_words<step::columns, step::rows>(pa, sa),
+                                       load_words<step::columns, step::rows>(pb, sb));
+            }
+    sum = add(sum, other);
 }
 
 /// Any number of rows
 template <int W, class Sample>
-[[gnu::noinline]] u32 ssd_of_rows(int h, const Sample* a, const Sample* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
+[[gnu::noinline]] u32 ssd_of_rows(int, int h, const Sample* a, const Sample* b, int s_a, int s_b) {
     constexpr int rows = square_step<W, Sample>::rows;
+    const std::ptrdiff_t sa = s_a, sb = s_b;
     const Sample *pa = a, *pb = b;
     typename square_step<W, Sample>::sums sum{};
     int left = h;
@@ -37,17 +46,26 @@ template <int W, class Sample>
         add_block<W, 4 * rows>(sum, pa, pb, sa, sb);
     for (; left >= rows; left -= rows, pa += rows * sa, pb += rows * sb) add_block<W, rows>(sum, pa, pb, sa, sb);
     if (std::is_same_v<Sample, s16> && !exact(sum)) [[unlikely]]
-        return scalar::ssd<W>(h, a, b, static_cast<int>(sa), static_cast<int>(sb));
-    return total(sum) + scalar::ssd<W>(left, pa, pb, static_cast<int>(sa), static_cast<int>(sb));
+        return scalar::ssd<W>(W, h, a, b, s_a, s_b);
+    return total(sum) + scalar::ssd<W>(W, left, pa, pb, s_a, s_b);
 }
 
-/// Squares are code of their own.
-template <int W, class Sample> u32 ssd(int h, const Sample* a, const Sample* b, int sa, int sb) {
-    if (h != W) return ssd_of_rows<W>(h, a, b, sa, sb);
+template <int W, class Sample> u32 ssd_of_square(int w, int h, const Sample* a, const Sample* b, int sa, int sb) {
     typename square_step<W, Sample>::sums sum{};
     add_block<W, W>(sum, a, b, sa, sb);
     if (std::is_same_v<Sample, s16> && !exact(sum)) [[unlikely]]
-        return ssd_of_rows<W>(h, a, b, sa, sb);
+        return ssd_of_rows<W>(w, h, a, b, sa, sb);
     return total(sum);
+}
+
+template <int W, class Sample>
+[[gnu::noinline]] u32 ssd_of_large_square(int w, int h, const Sample* a, const Sample* b, int sa, int sb) {
+    return ssd_of_square<W>(w, h, a, b, sa, sb);
+}
+
+/// Squares are code of their own. Width and height come along unused so that all arguments stay where they are.
+template <int W, class Sample> u32 ssd(int w, int h, const Sample* a, const Sample* b, int sa, int sb) {
+    if (h != W) return ssd_of_rows<W>(w, h, a, b, sa, sb);
+    return W <= 8 ? ssd_of_square<W>(w, h, a, b, sa, sb) : ssd_of_large_square<W>(w, h, a, b, sa, sb);
 }
 }  // namespace zelt::simd

@@ -1,4 +1,4 @@
-// The colour matrices over all inputs; every seventh first component under emulation.
+// The colour matrices over all inputs; every seventh first component where that takes minutes.
 #include "kernels/converters.h"
 #include "zelt/csc.h"
 
