@@ -11,7 +11,8 @@
 namespace zelt::tool {
 namespace {
 
-constexpr void (*verbs[])(CLI::App&) = {add_compare, add_convert, add_formats, add_keyframes, add_match, add_probe};
+constexpr void (*verbs[])(CLI::App&) = {add_compare, add_convert, add_formats, add_keyframes,
+                                        add_match,   add_md5,     add_probe};
 
 std::string version_text() {
     std::string built = zelt_version();

@@ -13,6 +13,7 @@ void add_convert(CLI::App& app);
 void add_formats(CLI::App& app);
 void add_keyframes(CLI::App& app);
 void add_match(CLI::App& app);
+void add_md5(CLI::App& app);
 void add_probe(CLI::App& app);
 
 }  // namespace zelt::tool

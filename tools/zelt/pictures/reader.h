@@ -36,6 +36,16 @@ protected:
 /// A number in a header, whole and within 31 bits, or -1.
 int header_number(std::string_view digits);
 
+/// What a Y4M header says; the clip's format is not set.
+struct y4m_header {
+    clip about;
+    std::string kind = "420";  // of its pictures, and what a header without one means
+    int32_t cs = 0;            // their colour space: YUV400, 420, 422 or 444 of 8 bits, or 0 for other kinds
+    bool limited = false;      // whether it says so of the range of its samples
+};
+y4m_header read_y4m_header(input& in);
+void read_y4m_frame(input& in);  // the line before each picture
+
 std::unique_ptr<reader> read_y4m(input in);
 std::unique_ptr<reader> read_pnm(input in);
 std::unique_ptr<reader> read_png(input in);

@@ -12,46 +12,32 @@ constexpr std::size_t longest_header = 1024;
 constexpr const char* recipe = "; full-range 8-bit 4:4:4, 4:2:2, 4:2:0 and mono are taken: "
                                "ffmpeg -i IN -vf scale=out_range=full -pix_fmt yuv444p -color_range pc OUT.y4m";
 
+// The kinds of 4:2:0 differ in where chroma lies, by half a sample at most.
+constexpr struct {
+    const char* name;
+    int32_t cs;
+} kinds[] = {{"420", ZELT_CS_YUV420},      {"420jpeg", ZELT_CS_YUV420}, {"420mpeg2", ZELT_CS_YUV420},
+             {"420paldv", ZELT_CS_YUV420}, {"422", ZELT_CS_YUV422},     {"444", ZELT_CS_YUV444},
+             {"mono", ZELT_CS_YUV400}};
+
 class y4m_reader : public reader {
 public:
     explicit y4m_reader(input in) : reader(std::move(in)) {
-        const std::string header = in_.line(longest_header);
-        if (!header.starts_with("YUV4MPEG2 ")) in_.bad("is no Y4M file");
-        int w = 0, h = 0;
-        std::string layout = "420";  // what a header without the tag means
-        for (std::size_t at = header.find(' '), end; at != header.npos; at = end) {
-            end = header.find(' ', at + 1);
-            const std::string tag = header.substr(at + 1, end == header.npos ? end : end - at - 1);
-            const std::string value = tag.empty() ? "" : tag.substr(1);
-            switch (tag.empty() ? ' ' : tag[0]) {
-            case 'W': w = header_number(value); break;
-            case 'H': h = header_number(value); break;
-            case 'C': layout = value; break;
-            case 'F': about_.rate = value; break;
-            case 'A': about_.aspect = value; break;
-            case 'I': about_.interlacing = value; break;
-            case 'X':
-                if (value == "COLORRANGE=LIMITED")
-                    in_.unsupported("holds limited-range pictures" + std::string(recipe));
-                break;
-            default: break;
-            }
-        }
-        if (w < 1 || h < 1) in_.bad("has a Y4M header without a usable width and height");
-        grey_ = layout == "mono";
-        // The kinds of 4:2:0 differ in where chroma lies, by half a sample at most.
-        const bool halved = layout == "420" || layout == "420jpeg" || layout == "420mpeg2" || layout == "420paldv";
-        if (halved || layout == "422") chroma_ = {w / 2 + w % 2, halved ? h / 2 + h % 2 : h};
-        if (!grey_ && !chroma_.w && layout != "444") in_.unsupported("holds pictures of the kind C" + layout + recipe);
+        const y4m_header header = read_y4m_header(in_);
+        about_ = header.about;
+        if (header.limited) in_.unsupported("holds limited-range pictures" + std::string(recipe));
+        if (!header.cs) in_.unsupported("holds pictures of the kind C" + header.kind + recipe);
+        const int w = about_.w, h = about_.h;
+        grey_ = header.cs == ZELT_CS_YUV400;
+        if (header.cs == ZELT_CS_YUV420) chroma_ = {w / 2 + w % 2, h / 2 + h % 2};
+        if (header.cs == ZELT_CS_YUV422) chroma_ = {w / 2 + w % 2, h};
         shape(format_of(ZELT_CS_YUV444), w, h);
     }
 
     bool more() override { return in_.peek() != EOF; }
 
     void read(picture& into) override {
-        const std::string header = in_.line(longest_header);
-        if (header != "FRAME" && !header.starts_with("FRAME "))
-            in_.bad("has something else where a frame should begin");
+        read_y4m_frame(in_);
         grey_ ? read_grey(into) : chroma_.w ? read_reduced(into) : read_planes(into);
     }
 
@@ -77,6 +63,36 @@ private:
 };
 
 }  // namespace
+
+y4m_header read_y4m_header(input& in) {
+    const std::string text = in.line(longest_header);
+    if (!text.starts_with("YUV4MPEG2 ")) in.bad("is no Y4M file");
+    y4m_header header;
+    for (std::size_t at = text.find(' '), end; at != text.npos; at = end) {
+        end = text.find(' ', at + 1);
+        const std::string tag = text.substr(at + 1, end == text.npos ? end : end - at - 1);
+        const std::string value = tag.empty() ? "" : tag.substr(1);
+        switch (tag.empty() ? ' ' : tag[0]) {
+        case 'W': header.about.w = header_number(value); break;
+        case 'H': header.about.h = header_number(value); break;
+        case 'C': header.kind = value; break;
+        case 'F': header.about.rate = value; break;
+        case 'A': header.about.aspect = value; break;
+        case 'I': header.about.interlacing = value; break;
+        case 'X': header.limited |= value == "COLORRANGE=LIMITED"; break;
+        default: break;
+        }
+    }
+    if (header.about.w < 1 || header.about.h < 1) in.bad("has a Y4M header without a usable width and height");
+    for (const auto& [kind, cs] : kinds)
+        if (header.kind == kind) header.cs = cs;
+    return header;
+}
+
+void read_y4m_frame(input& in) {
+    const std::string text = in.line(longest_header);
+    if (text != "FRAME" && !text.starts_with("FRAME ")) in.bad("has something else where a frame should begin");
+}
 
 std::unique_ptr<reader> read_y4m(input in) { return std::make_unique<y4m_reader>(std::move(in)); }
 
