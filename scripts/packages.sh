@@ -8,7 +8,7 @@ arm_packages=(qemu-user g++-arm-linux-gnueabi g++-arm-linux-gnueabihf g++-aarch6
 i686_packages=(g++-i686-linux-gnu)
 check_packages=(clang clang-format doxygen shellcheck)
 # the benchmark, and the libraries that it compares with
-bench_packages=("${build_packages[@]}" python3 libbenchmark-dev libyuv-dev libopencv-core-dev libturbojpeg0-dev
+bench_packages=("${build_packages[@]}" python3 libbenchmark-dev libyuv-dev libopencv-core-dev libopencv-imgproc-dev libswscale-dev libzimg-dev libturbojpeg0-dev
     libgstreamer1.0-dev libavutil-dev libx264-dev libx265-dev libnuma-dev libvpx-dev libaom-dev)
 instruction_packages=(g++ cmake ninja-build python3 qemu-user g++-arm-linux-gnueabi)
 }

@@ -51,11 +51,12 @@ template <class Out, int N, class Dest>
 }
 
 template <class Out, int N, class Dest>
-[[gnu::flatten]] void make_run(const columns& c, const run_weights& weights, const row_job<N, Dest>& rows) {
+[[gnu::flatten]] void make_run(const columns& c, const run_weights& weights, const row_job<N, Dest>& rows, const row_job<N, Dest>& next) {
     const row_job<N, Dest> job = rows;
     const int end = 2 * (c.run_end - c.run);
     std::ptrdiff_t x = c.first + c.run * lanes, source = c.offsets[c.run * columns::eights];
     for (int i = 0; i < end; i += 2, x += lanes, source += 2 * lanes) {
+        for (int p = 0; p < N; ++p) __builtin_prefetch(next.top[p] + source), __builtin_prefetch(next.bottom[p] + source);
         bytes v[N];
         for (int p = 0; p < N; ++p) {
             const u8 *top = job.top[p] + source, *bottom = job.bottom[p] + source;
@@ -76,7 +77,7 @@ template <class Out, class Jobs> void make_rows(const columns& c, const Jobs& jo
         if (c.run > 0) make_groups<Out>(c, 0, c.run, job, next);
         if (c.run == c.groups) continue;
         run.scale(c, job.phase);
-        make_run<Out>(c, run, job);
+        make_run<Out>(c, run, job, next);
         if (c.run_end < c.groups) make_groups<Out>(c, c.run_end, c.groups, job, next);
     }
 }
