@@ -9,8 +9,8 @@ i686_packages=(g++-i686-linux-gnu)
 check_packages=(clang clang-format doxygen shellcheck)
 # the benchmark, and the libraries that it compares with
 bench_packages=("${build_packages[@]}" libaom-dev libavutil-dev libbenchmark-dev libgstreamer1.0-dev
-    libjack-jackd2-dev libnuma-dev libopencv-core-dev libssl-dev libturbojpeg0-dev libvpx-dev libx264-dev libx265-dev
-    libyuv-dev python3)
+    libjack-jackd2-dev libnuma-dev libopencv-core-dev libopencv-imgproc-dev libssl-dev libswscale-dev
+    libturbojpeg0-dev libvpx-dev libx264-dev libx265-dev libyuv-dev libzimg-dev python3)
 fuzz_packages=(clang cmake ninja-build googletest libgtest-dev)
 instruction_packages=(g++ cmake ninja-build python3 qemu-user g++-arm-linux-gnueabi)
 }

@@ -140,6 +140,21 @@ const bool added[] = {
                   });
               }}),
 
+    add_peer("zelt_csc_p010_to_yuv420",
+             {"libyuv I010ToI420", not_compared,  // it saturates
+              [](shape s, const view* v) {
+                  const auto words = [](plane p) { return reinterpret_cast<const uint16_t*>(p.p); };
+                  const plane y = v[0], a = v[1], b = v[2], d0 = v[3], d1 = v[4], d2 = v[5];
+                  libyuv::I010ToI420(words(y), y.stride / 2, words(a), a.stride / 2, words(b), b.stride / 2, AT(d0),
+                                     AT(d1), AT(d2), s.w, s.h);
+              }}),
+    add_peer("zelt_csc_yuv444x_to_yuv444x",
+             {"libyuv I444Copy", exact,
+              [](shape s, const view* v) {
+                  const plane y = v[0], a = v[1], b = v[2], d0 = v[3], d1 = v[4], d2 = v[5];
+                  libyuv::I444Copy(AT(y), AT(a), AT(b), AT(d0), AT(d1), AT(d2), s.w, s.h);
+              }}),
+
     add_peer("zelt_csc_r8g8b8_to_rgb888", {"libyuv MergeRGBPlane", exact,
                                            [](shape s, const view* v) {
                                                const plane r = v[0], g = v[1], b = v[2], d = v[3];

@@ -29,6 +29,7 @@
 //   pack(quad, quad)               the low halves of eight 32-bit values
 //   store_pairs(p, l, r)           an eight's 16 bytes of a table from the low bytes of l and r
 //   narrow_q6, narrow_q6_eights    unsigned words >> 6, to bytes; from eights in their own order
+//   narrow_eights                  narrow of eights in their own order, as load_words has them
 #include "core/types.h"
 
 namespace zelt::simd {

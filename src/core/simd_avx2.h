@@ -196,5 +196,6 @@ inline pairs load_pairs(const u8* p) { return load_register(p); }
 inline half weigh(pairs p, bytes w) { return (half)_mm256_maddubs_epi16(p, (__m256i)w); }
 inline half weigh(half sum, pairs p, bytes w) { return sum + weigh(p, w); }
 inline bytes narrow_q6(words a) { return narrow({(half)((uhalf)a.lo >> 6), (half)((uhalf)a.hi >> 6)}); }
+inline bytes narrow_eights(words a) { return (bytes)_mm256_permute4x64_epi64((__m256i)narrow(a), 0xD8); }
 inline bytes narrow_q6_eights(words a) { return (bytes)_mm256_permute4x64_epi64((__m256i)narrow_q6(a), 0xD8); }
 }  // namespace zelt::simd

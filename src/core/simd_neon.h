@@ -148,5 +148,6 @@ inline half weigh(half sum, pairs p, bytes w) {
 inline bytes narrow_q6(words a) {
     return (bytes)vcombine_u8(vshrn_n_u16((uint16x8_t)a.lo, 6), vshrn_n_u16((uint16x8_t)a.hi, 6));
 }
+inline bytes narrow_eights(words a) { return narrow(a); }
 inline bytes narrow_q6_eights(words a) { return narrow_q6(a); }
 }  // namespace zelt::simd

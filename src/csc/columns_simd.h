@@ -41,10 +41,8 @@ struct columns {
     std::ptrdiff_t source_start() const { return offsets[0]; }
     std::ptrdiff_t source_end(int windows) const { return offsets[groups * eights - 1] + 16 * windows; }
 
-    /// Asks for a group's part of a row that is needed soon.
+    /// Asks for a group's part of the row that comes next: too little of each is read for the processor to foresee it.
     void prefetch(int group, const u8* row) const { __builtin_prefetch(row + offsets[group * eights]); }
-    /// Whether the run is less than a row: the processor does not foresee the next one then.
-    bool partial() const { return first > 0 || at(groups - 1) < last; }
 
     bytes weight(int half_group) const {
         bytes w;

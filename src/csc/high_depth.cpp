@@ -35,14 +35,13 @@ struct to_yuv10 {
     template <class W> pixel<W> operator()(pixel<W> v) const { return rgb_to_yuv10(v); }
 };
 
-/// The low 8 bits of a 16-bit word >> 2
 struct words_to_bytes : planes<1> {
     using planes::planes;
     static constexpr int step[] = {2};
     template <class V> V get(std::ptrdiff_t x) const {
-        V low, high;
-        load2(p[0] + 2 * x, low, high);
-        return shift_insert<2>(static_cast<V>(high << 6), low);
+        V v;
+        load_reduced(p[0] + 2 * x, v);
+        return v;
     }
 };
 struct byte_plane : planes<1> {
@@ -82,7 +81,9 @@ void zelt_csc_yuv444x_to_yuv444x(void* const* src_a, int32_t src_w, int32_t src_
         const auto* src = static_cast<const u8*>(src_a[i]);
         auto* dst = static_cast<u8*>(dst_a[i]);
         const std::ptrdiff_t src_stride = src_s[i], dst_stride = dst_s[i];
-        for (int y = 0; y < src_h; ++y, src += src_stride, dst += dst_stride)
-            std::memmove(dst, src, static_cast<std::size_t>(src_w));
+        std::size_t run = static_cast<std::size_t>(src_w);
+        int runs = src_h;
+        if (src_stride == src_w && dst_stride == src_w && src_h > 0) run *= static_cast<std::size_t>(src_h), runs = 1;
+        for (int y = 0; y < runs; ++y, src += src_stride, dst += dst_stride) std::memmove(dst, src, run);
     }
 }

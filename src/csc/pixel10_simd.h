@@ -7,6 +7,13 @@ template <> struct wide<simd::bytes> { using type = simd::words; };
 }  // namespace zelt::scalar
 
 namespace zelt::simd {
+inline void load_reduced(const u8* p, bytes& a) {
+    words v;
+    load_words(p, v);
+    v = v >> 2;
+    a = narrow_eights({v.lo & 255, v.hi & 255});
+}
+
 /// (1436 e + 512) >> 10 is a rounding high-half product of e << 5, which fits 16 bits up to e = 512.
 inline pixel<words> yuv_to_rgb10(pixel<words> p) {
     const auto clamped = [](words v) { return clamp(v, 0, 1023); };

@@ -33,7 +33,6 @@ template <class Out, int N, class Dest>
                                   const row_job<N, Dest>& next) {
     const columns c = all;
     const row_job<N, Dest> job = rows;
-    const bool partial = c.partial();
     for (; g < end; ++g) {
         words sums[N];
         for (int h = 0; h < 2; ++h) {
@@ -44,18 +43,20 @@ template <class Out, int N, class Dest>
         }
         bytes v[N];
         for (int p = 0; p < N; ++p) v[p] = narrow_q6(sums[p]);
-        if (partial)
-            for (int p = 0; p < N; ++p) c.prefetch(g, next.top[p]), c.prefetch(g, next.bottom[p]);
+        for (int p = 0; p < N; ++p) c.prefetch(g, next.top[p]), c.prefetch(g, next.bottom[p]);
         Out::put(job.dst, c.at(g), v);
     }
 }
 
 template <class Out, int N, class Dest>
-[[gnu::flatten]] void make_run(const columns& c, const run_weights& weights, const row_job<N, Dest>& rows) {
+[[gnu::flatten]] void make_run(const columns& c, const run_weights& weights, const row_job<N, Dest>& rows,
+                               const row_job<N, Dest>& next) {
     const row_job<N, Dest> job = rows;
     const int end = 2 * (c.run_end - c.run);
     std::ptrdiff_t x = c.first + c.run * lanes, source = c.offsets[c.run * columns::eights];
     for (int i = 0; i < end; i += 2, x += lanes, source += 2 * lanes) {
+        for (int p = 0; p < N; ++p)
+            __builtin_prefetch(next.top[p] + source), __builtin_prefetch(next.bottom[p] + source);
         bytes v[N];
         for (int p = 0; p < N; ++p) {
             const u8 *top = job.top[p] + source, *bottom = job.bottom[p] + source;
@@ -76,7 +77,7 @@ template <class Out, class Jobs> void make_rows(const columns& c, const Jobs& jo
         if (c.run > 0) make_groups<Out>(c, 0, c.run, job, next);
         if (c.run == c.groups) continue;
         run.scale(c, job.phase);
-        make_run<Out>(c, run, job);
+        make_run<Out>(c, run, job, next);
         if (c.run_end < c.groups) make_groups<Out>(c, c.run_end, c.groups, job, next);
     }
 }
@@ -85,9 +86,8 @@ template <class Out, class Jobs> void make_rows(const columns& c, const Jobs& jo
 
 /// The sums of a row of one plane, two halves a group
 template <int Windows> void sum_row(const columns c, const u8* row, const u8* next, half* to) {
-    const bool partial = c.partial();
     for (int h = 0; h < 2 * c.groups; ++h) {
-        if (partial && h % 2 == 0) c.prefetch(h / 2, next);
+        if (h % 2 == 0) c.prefetch(h / 2, next);
         to[h] = weigh(c.pick<Windows>(h, row), c.weight(h));
     }
 }

@@ -65,7 +65,8 @@ kernel row(const char* name, zelt_csc_fn fn, int planes, operand source, operand
                         pixel(p, p + planes);
                     }
                 return u64{0};
-            }};
+            },
+            timing::picture};
 }
 
 shape full_size(shape s, int) { return s; }
