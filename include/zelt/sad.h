@@ -233,9 +233,9 @@ ZELT_API void zelt_diff_16(int w, int h, const int16_t *src1, const int16_t *src
  *  @return        the sum, 0 where h is below 1 */
 ZELT_API uint32_t zelt_ssd(int w, int h, const uint8_t *src1, const uint8_t *src2, int s_src1, int s_src2);
 
-/** Sum of squared differences of two 16-bit blocks, modulo 2^32. It knows 16, 32 and 64 columns of any number of rows
- *  and four small shapes that it takes for everything else: 8x8 and 4x4 where h equals w, and two rows of 8 (w of 8) or
- *  of 4 columns (any other w) where it does not.
+/** Sum of squared differences of two 16-bit blocks, modulo 2^32. It knows 16, 32 and 64 columns of any number of rows.
+ *  A w of 8 is 8 columns of 8 rows where h is 8, and of 2 rows otherwise; any other w is 4 columns of 4 rows where h is
+ *  4, and of 2 rows otherwise.
  *  @param w       columns; 8, 16, 32 and 64 mean that, everything else 4
  *  @param h       rows, as above for 4 and 8 columns
  *  @param src1    first block, its top-left sample
