@@ -16,13 +16,13 @@ struct row_shape {
     s64 limit;               // bytes of a source row up to the last one that is needed
     int windows;
 
-    row_shape(const axis& x, int w, int bytes) : samples(std::ptrdiff_t{w} * bytes) {
+    row_shape(const axis& x, int w, int bytes) : samples(static_cast<std::ptrdiff_t>(s64{w} * bytes)) {
         limit = (x.sample((w - s64{1}) * x.step) + x.next + 1) * bytes;
         const s64 pixels = 8 % bytes ? 8 / bytes + 2 : 8 / bytes;  // that an eight may touch
         const s64 apart = ((pixels - 1) * x.step + (1 << 18) - 1) >> 18;
         const s64 span = (apart * (s64{1} << x.shift) + x.next + 1) * bytes;
         windows = span <= 16 ? 1 : span <= 32 ? 2 : span <= 64 ? 4 : span <= 128 ? 8 : 0;
-        if (limit < 16 * windows || samples < lanes || x.next != s64{1} << x.shift) windows = 0;
+        if (limit < 16 * windows || x.next != s64{1} << x.shift) windows = 0;
     }
 };
 

@@ -167,14 +167,16 @@ template <class Jobs> bool rows_are_shared(const Jobs& jobs, int count) {
 /// Makes all rows, of pixels of Bytes samples in a plane; false where it cannot and nothing is done.
 template <class Source, class Out, int Bytes, class Jobs>
 bool go_through(const Jobs& jobs, int count, const axis& x, int dst_w) {
+    if (s64{dst_w} * Bytes < lanes || s64{dst_w} * Bytes > PTRDIFF_MAX) return false;
+    constexpr bool as_is = std::is_same_v<Source, in_place<Source::planes>>;
     const row_shape shape(x, dst_w, Bytes);
     const int windows = shape.windows;
-    if (!windows) return false;
+    if (!windows || (as_is && s64{count} * shape.samples < (Bytes == 1 ? 32 : 64) * windows))
+        return false;  // preparing must pay
     const sum_row_fn sum = windows == 1   ? sum_row<1>
                            : windows == 2 ? sum_row<2>
                            : windows == 4 ? sum_row<4>
                                           : sum_row<8>;
-    constexpr bool as_is = std::is_same_v<Source, in_place<Source::planes>>;
     const bool keep = !as_is || windows > 1 || rows_are_shared(jobs, count);
     s64 most = keep ? kept_sums<Source>::most : 1 << 16;
     most = std::min<s64>(most, ((Source::most - s64{128}) << 18) / (x.step << x.shift));
