@@ -101,12 +101,17 @@ digest_list read_list(const std::string& path) {
 }
 
 void print_head(const clip_reader& in) {
-    std::string step = in.about().rate;  // a frame's time is the rate upside down
-    if (const auto colon = step.find(':'); colon != step.npos)
-        step = step.substr(colon + 1) + '/' + step.substr(0, colon);
+    const auto ratio = [](std::string text, bool turned) {
+        const auto colon = text.find(':');
+        if (colon == text.npos) return text;
+        const std::string first = text.substr(0, colon), second = text.substr(colon + 1);
+        return turned ? second + '/' + first : first + '/' + second;
+    };
+    const std::string step = ratio(in.about().rate, true);  // a frame's time is the rate upside down
     std::printf("#format: frame checksums\n#version: 2\n#hash: MD5\n#tb 0: %s\n#media_type 0: video\n"
-                "#codec_id 0: rawvideo\n#dimensions 0: %dx%d\n#stream#, dts,        pts, duration,     size, hash\n",
-                step.c_str(), in.about().w, in.about().h);
+                "#codec_id 0: rawvideo\n#dimensions 0: %dx%d\n#sar 0: %s\n#stream#, dts,        pts, duration,     "
+                "size, hash\n",
+                step.c_str(), in.about().w, in.about().h, ratio(in.about().aspect, false).c_str());
 }
 
 void list_digests(clip_reader& in, bool per_frame) {
