@@ -83,7 +83,9 @@ void add_borders() {
         area_size size;
         int border;
     } const pictures[] = {{{64, 64}, 16}, {{320, 240}, 32}, {{1920, 1080}, 80}};
-    for (const auto& [s, border] : pictures) {
+    for (const auto& picture : pictures) {
+        const area_size s = picture.size;
+        const int border = picture.border;
         const u32 word = static_cast<u32>(border << 16 | border);
         const auto with_picture = [=](const char* name, auto expand) {
             const u32 pad[] = {word, word, word};
@@ -102,7 +104,7 @@ void add_borders() {
                     expand(img, pad);
                 });
             },
-            [=, border = border] {
+            [=] {
                 return with_picture("memset and memcpy", [=](ZELT_IMGB* img) {
                     for (int i = 0; i < 3; ++i) expand_plainly(img, i, border);
                 });
