@@ -1,15 +1,3 @@
-# ARMv7-A with NEON, Thumb-2, soft-float calling convention, compiled by clang as Android's kit does
-set(CMAKE_SYSTEM_NAME Linux)
-set(CMAKE_SYSTEM_PROCESSOR armv7l)
-set(CMAKE_C_COMPILER clang)
-set(CMAKE_CXX_COMPILER clang++)
-set(CMAKE_C_COMPILER_TARGET arm-linux-gnueabi)
-set(CMAKE_CXX_COMPILER_TARGET arm-linux-gnueabi)
-set(CMAKE_C_FLAGS_INIT "-march=armv7-a -mfpu=neon -mfloat-abi=softfp -mthumb")
-set(CMAKE_CXX_FLAGS_INIT "-march=armv7-a -mfpu=neon -mfloat-abi=softfp -mthumb")
-set(CMAKE_FIND_ROOT_PATH /usr/arm-linux-gnueabi)
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-set(CMAKE_CROSSCOMPILING_EMULATOR "qemu-arm;-L;/usr/arm-linux-gnueabi")
+# The same as arm-linux-gnueabi with clang, as Android's kit does
+include(${CMAKE_CURRENT_LIST_DIR}/arm-linux-gnueabi.cmake)
+include(${CMAKE_CURRENT_LIST_DIR}/clang.cmake)
