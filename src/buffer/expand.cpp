@@ -51,8 +51,13 @@ struct bordered {
     void expand() const {
         const s64 step = element == 2 ? round_to_even(stride) : stride;
         // Kept: the left border is as wide as the high half says, and starts where the low half says.
-        sideways(origin, origin - s64{by} * element, step);
-        sideways(origin + (w - 1) * element, origin + w * element, step);
+        // With equal halves the two do not meet, and rows that lie together are filled together.
+        const s64 together = bx == by ? 32 : h;
+        for (s64 r = 0; r < h; r += together) {
+            const s64 row = origin + r * step, n = std::min(together, h - r);
+            sideways(row, row - s64{by} * element, n, step);
+            sideways(row + (w - 1) * element, row + w * element, n, step);
+        }
         if (by && element == 1 && stride % 4) stop();
         const s64 first = origin - s64{bx} * element, last = first + (h - 1) * stride;
         for (int r = 1; r <= by; ++r) repeat_row(first, first - r * stride);
@@ -62,13 +67,13 @@ struct bordered {
 private:
     bool holds(s64 from, s64 bytes) const { return from >= 0 && from + bytes <= size; }
 
-    void sideways(s64 src, s64 dst, s64 step) const {
+    void sideways(s64 src, s64 dst, s64 n, s64 step) const {
         const auto fill = element == 1 ? expand_sideways : expand_sideways_16;
-        const s64 last = (h - 1) * step, run = s64{bx} * element;
+        const s64 last = (n - 1) * step, run = s64{bx} * element;
         if (holds(src, element) && holds(src + last, element) && holds(dst, run) && holds(dst + last, run))
-            return fill(memory + src, memory + dst, h, step, bx);
+            return fill(memory + src, memory + dst, n, step, bx);
         fill(memory, memory, 0, step, bx);  // stops where the width is wrong
-        for (s64 r = 0; r < h; ++r, src += step, dst += step) {
+        for (s64 r = 0; r < n; ++r, src += step, dst += step) {
             const s64 left = std::max<s64>(-dst, 0), end = std::min(run, size - dst);
             for (s64 i = (left + element - 1) / element * element; i + element <= end && holds(src, element);
                  i += element)

@@ -5,6 +5,7 @@
 
 namespace zelt::simd {
 typedef u8 byte_quad __attribute__((vector_size(16)));
+typedef u8 byte_pair __attribute__((vector_size(8)));
 
 /// Copies n bytes, one to two of T, as its two ends.
 template <class T> void copy_ends(u8* dst, const u8* src, s64 n) {
@@ -33,20 +34,24 @@ inline void copy(u8* dst, const u8* src, s64 n) {
     }
 }
 
-template <int N> void copy_fixed(u8* dst, const u8* src) {
-    const auto piece = [&]<class T>(T) {
-        store_loose(dst, load_loose<T>(src));
-        copy_fixed<N - static_cast<int>(sizeof(T))>(dst + sizeof(T), src + sizeof(T));
+/// Copies N bytes of each of so many rows, all loads of a column of registers before its stores: nothing then waits.
+template <int N, int Rows> void copy_rows(u8* dst, std::ptrdiff_t s_dst, const u8* src, std::ptrdiff_t s_src) {
+    const auto column = [&]<class T>(T) {
+        T v[Rows];
+        for (int i = 0; i < Rows; ++i) v[i] = load_loose<T>(src + i * s_src);
+        for (int i = 0; i < Rows; ++i) store_loose(dst + i * s_dst, v[i]);
+        constexpr int size = sizeof(T);
+        copy_rows<N - size, Rows>(dst + size, s_dst, src + size, s_src);
     };
     if constexpr (N >= lanes)
-        piece(bytes{});
+        column(bytes{});
     else if constexpr (N >= 16)
-        piece(byte_quad{});
+        column(byte_quad{});
     else if constexpr (N >= 8)
-        piece(u64{});
+        column(byte_pair{});
     else if constexpr (N >= 4)
-        piece(u32{});
+        column(u32{});
     else if constexpr (N >= 2)
-        piece(u16{});
+        column(u16{});
 }
 }  // namespace zelt::simd

@@ -41,14 +41,16 @@ inline void fill_long(u8* p, u32 word, s64 bytes) {
 }
 #endif
 
-/// As scalar::fill, for n that the word's own period divides: 1, 2 or 4.
-inline void fill(u8* dst, u32 word, s64 n) {
-    if (n < lanes) return fill_short(dst, word, n);
-    const word_register all = word_register{} + word;
+/// Writes a register's worth or more of a word that also stands in all of a register.
+inline void fill_registers(u8* dst, word_register all, u32 word, s64 n) {
     fill_ends(dst, all, n);
     if (n <= 2 * lanes) return;
     fill_ends(dst + lanes, all, n - 2 * lanes);
     if (n <= 4 * lanes) return;
+    if (n <= 8 * lanes) {
+        for (int i = 2; i < 4; ++i) fill_ends(dst + i * lanes, all, n - 2 * i * lanes);
+        return;
+    }
     // The rest in whole registers, which from here on stand at multiples of their size.
     const s64 first = lanes - static_cast<s64>(reinterpret_cast<std::uintptr_t>(dst) % lanes);
     const u32 turned = std::rotr(word, static_cast<int>(first % 4) * 8);
@@ -63,6 +65,12 @@ inline void fill(u8* dst, u32 word, s64 n) {
     for (; p < end; p += lanes) *reinterpret_cast<word_register*>(p) = value;
 }
 
+/// As scalar::fill, for n that the word's own period divides: 1, 2 or 4.
+inline void fill(u8* dst, u32 word, s64 n) {
+    if (n < lanes) return fill_short(dst, word, n);
+    fill_registers(dst, word_register{} + word, word, n);
+}
+
 /// Writes N copies of a byte, N a multiple of 8.
 template <int N> void fill_fixed(u8* dst, u8 value) {
     const word_register all = (word_register)(bytes{} + value);
@@ -74,9 +82,12 @@ template <int N> void fill_fixed(u8* dst, u8 value) {
 
 inline void fill_bytes(u8* dst, u8 value, s64 n) {
     constexpr s64 long_run = 1024;  // from here on the C library's way is as fast or faster
+    const u32 word = value * 0x01010101u;
     if (n >= long_run)
         std::memset(dst, value, static_cast<std::size_t>(n));
+    else if (n >= lanes)
+        fill_registers(dst, (word_register)(bytes{} + value), word, n);
     else
-        fill(dst, value * 0x01010101u, n);
+        fill_short(dst, word, n);
 }
 }  // namespace zelt::simd

@@ -12,6 +12,8 @@
 #endif
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
 using namespace zelt;
 
@@ -20,7 +22,8 @@ u8* bytes_at(void* p) { return static_cast<u8*>(p); }
 u8* bytes_at(s16* p) { return reinterpret_cast<u8*>(p); }
 const u8* bytes_at(const s16* p) { return reinterpret_cast<const u8*>(p); }
 
-s64 whole_steps(s64 size, s64 step) { return size / step * step; }
+/// Of a size from 0 up, steps being powers of two
+s64 whole_steps(s64 size, s64 step) { return size & -step; }
 
 struct area {
     u8* dst;
@@ -46,24 +49,39 @@ void copy_area(area a, int element) {
     for (; a.h > 0; --a.h, a.dst += a.s_dst, a.src += a.s_src) fast::copy(a.dst, a.src, n);
 }
 
-template <int N> void copy_rows(area a) {
-#pragma GCC unroll 4
-    for (; a.h > 0; --a.h, a.dst += a.s_dst, a.src += a.s_src) fast::copy_fixed<N>(a.dst, a.src);
+using block_copy = void(u8* dst, const u8* src, int s_dst, int s_src, int w, int h);
+
+/// Rows of N bytes, two at a time and four in a round
+template <int N, int Element> void copy_block(u8* dst, const u8* src, int s_dst, int s_src, int, int h) {
+    const std::ptrdiff_t to = std::ptrdiff_t{s_dst} * Element, from = std::ptrdiff_t{s_src} * Element;
+    const auto rows = [&]<int Rows>() {
+        fast::copy_rows<N, Rows>(dst, to, src, from);
+        dst += Rows * to, src += Rows * from;
+    };
+    if (h <= 0) return;
+    if (h & 1) rows.template operator()<1>();
+    if (h & 2) rows.template operator()<2>();
+    for (h >>= 2; h > 0; --h) {
+        rows.template operator()<2>();
+        rows.template operator()<2>();
+    }
 }
 
-template <int Element> void copy_block(area a, int w) {
-    switch (w) {
-    case 2: return copy_rows<2 * Element>(a);
-    case 4: return copy_rows<4 * Element>(a);
-    case 6: return copy_rows<6 * Element>(a);
-    case 8: return copy_rows<8 * Element>(a);
-    case 12: return copy_rows<12 * Element>(a);
-    case 16: return copy_rows<16 * Element>(a);
-    case 24: return copy_rows<24 * Element>(a);
-    case 32: return copy_rows<32 * Element>(a);
-    case 48: return copy_rows<48 * Element>(a);
-    default: return copy_rows<64 * Element>(a);  // Kept: whatever the width says
-    }
+/// By width. Kept: 64 samples for all others
+template <int Element>
+constexpr auto block_copies = [] {
+    std::array<block_copy*, 49> all;
+    all.fill(copy_block<64 * Element, Element>);
+    const auto set = [&]<int... W>(std::integer_sequence<int, W...>) {
+        ((all[W] = copy_block<W * Element, Element>), ...);
+    };
+    set(std::integer_sequence<int, 2, 4, 6, 8, 12, 16, 24, 32, 48>());
+    return all;
+}();
+
+template <int Element> block_copy* block_copy_for(int w) {
+    const auto& all = block_copies<Element>;
+    return all[w > 0 && w < static_cast<int>(all.size()) ? static_cast<std::size_t>(w) : 0];
 }
 
 area bytes_of(u8* dst, const u8* src, int s_dst, int s_src, int w, int h) { return {dst, src, s_dst, s_src, w, h}; }
@@ -110,9 +128,9 @@ void zelt_mcpy_pic_16(int16_t* dst, const int16_t* src, int s_dst, int s_src, in
 }
 
 void zelt_mcpy_blk(uint8_t* dst, const uint8_t* src, int s_dst, int s_src, int w, int h) {
-    copy_block<1>(bytes_of(dst, src, s_dst, s_src, w, h), w);
+    block_copy_for<1>(w)(dst, src, s_dst, s_src, w, h);
 }
 
 void zelt_mcpy_blk_16(int16_t* dst, const int16_t* src, int s_dst, int s_src, int w, int h) {
-    copy_block<2>(bytes_of(dst, src, s_dst, s_src, w, h), w);
+    block_copy_for<2>(w)(bytes_at(dst), bytes_at(src), s_dst, s_src, w, h);
 }
