@@ -161,40 +161,6 @@ TEST(expand, planes_that_a_caller_put_together) {
     EXPECT_EQ(memory.back(), 6);
 }
 
-/// A row-by-row kernel on guarded memory against its plain loop.
-TEST(expand, kernels_write_what_they_say_and_no_more) {
-    std::mt19937 random(5);
-    bytes source(4096);
-    std::generate(source.begin(), source.end(), [&] { return static_cast<uint8_t>(random()); });
-    for (const int count : {0, 8, 16, 24, 32, 40, 80})
-        for (const int rows : {-1, 0, 1, 3, 4, 7}) {
-            const int stride = 100 + static_cast<int>(random() % 3);
-            bytes to(1000, 0xee), expected = to;
-            for (int r = 0; r < rows; ++r)
-                std::fill_n(expected.begin() + 3 + r * stride, count, source[static_cast<size_t>(1 + r * stride)]);
-            zelt_imgb_expand_ver(&source[1], &to[3], rows, stride, count);
-            EXPECT_EQ(to, expected) << count << " by " << rows;
-        }
-    for (const int width : {0, 4, 8, 12, 16, 20, 24, 48, 100, 112, 256, 300})
-        for (const int count : {-9, -1, 0, 1, 5, 8, 9}) {
-            bytes to(6000, 0xee), expected = to;
-            const int rows = width % 8 && count > 0 ? (count + 7) & ~7 : count;  // eight at a time in 4-byte strips
-            for (int r = 0; r < rows; ++r) std::copy_n(source.begin() + 5, width, expected.begin() + 1 + r * width);
-            zelt_imgb_expand_hor(&source[5], &to[1], width, count);
-            EXPECT_EQ(to, expected) << width << " by " << count;
-        }
-    for (const int count : {-3, 0, 1, 2, 5, 8, 33})
-        for (const int stride : {99, 100}) {
-            std::vector<uint16_t> from(400), to(400, 0xeeee), expected = to;
-            std::generate(from.begin(), from.end(), [&] { return static_cast<uint16_t>(random()); });
-            for (size_t r = 0; r < 5; ++r)
-                if (count > 0)
-                    std::fill_n(expected.begin() + 2 + static_cast<std::ptrdiff_t>(r) * 50, count, from[1 + r * 50]);
-            zelt_imgb_expand_ver_16(&from[1], &to[2], 5, stride, count);
-            EXPECT_EQ(to, expected) << count;
-        }
-}
-
 TEST(expand_death, stops_on_widths_that_the_kernels_do_not_take) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     std::vector<uint8_t> memory(4096);
