@@ -34,8 +34,8 @@ void expand_sideways(const u8* src, u8* dst, s64 rows, s64 stride, int count) {
 }
 
 void expand_sideways_16(const u8* src, u8* dst, s64 rows, s64 stride, int count) {
-    for (; rows > 0; --rows, src += stride, dst += stride)
-        fast::fill(dst, load_loose<u16>(src) * 0x10001u, 2 * s64{count});
+    const std::size_t bytes = count > 0 ? 2 * static_cast<std::size_t>(count) : 0;
+    for (; rows > 0; --rows, src += stride, dst += stride) fast::fill(dst, load_loose<u16>(src) * 0x10001u, bytes);
 }
 
 s64 round_to_even(s64 stride) { return (stride + 1) >> 1 << 1; }
@@ -83,7 +83,7 @@ private:
 
     void repeat_row(s64 src, s64 dst) const {
         const s64 left = std::max({s64{0}, -src, -dst}), end = std::min({stride, size - src, size - dst});
-        if (left < end) fast::copy(memory + dst + left, memory + src + left, end - left);
+        if (left < end) fast::copy(memory + dst + left, memory + src + left, static_cast<std::size_t>(end - left));
     }
 };
 }  // namespace
@@ -125,5 +125,6 @@ void zelt_imgb_expand_hor(const uint8_t* src, uint8_t* dst, int32_t width, int32
     if (width % 4) stop();
     // Kept: rows whose width is an odd multiple of 4 are written in groups of eight.
     const s64 rows = width % 8 ? (s64{count} + 7) / 8 * 8 : count;
-    for (s64 r = 0; r < rows; ++r) fast::copy(dst + r * width, src, width);
+    if (width <= 0) return;
+    for (s64 r = 0; r < rows; ++r, dst += width) fast::copy(dst, src, static_cast<std::size_t>(width));
 }

@@ -5,8 +5,8 @@
 #include <cstring>
 
 namespace zelt::scalar {
-inline void copy(u8* dst, const u8* src, s64 n) {
-    if (n > 0) std::memcpy(dst, src, static_cast<std::size_t>(n));
+inline void copy(u8* dst, const u8* src, std::size_t n) {
+    if (n) std::memcpy(dst, src, n);
 }
 
 /// Copies N bytes of each of so many rows; the compiler lays them out.

@@ -8,21 +8,25 @@ typedef u8 byte_quad __attribute__((vector_size(16)));
 typedef u8 byte_pair __attribute__((vector_size(8)));
 
 /// Copies n bytes, one to two of T, as its two ends.
-template <class T> void copy_ends(u8* dst, const u8* src, s64 n) {
-    const s64 last = n - static_cast<s64>(sizeof(T));
+template <class T> void copy_ends(u8* dst, const u8* src, std::size_t n) {
+    const std::size_t last = n - sizeof(T);
     const T a = load_loose<T>(src), b = load_loose<T>(src + last);
     store_loose(dst, a);
     store_loose(dst + last, b);
 }
 
-inline void copy(u8* dst, const u8* src, s64 n) {
-    constexpr s64 long_run = 512;  // from here on the C library's way is as fast or faster
+inline void copy(u8* dst, const u8* src, std::size_t n) {
+    constexpr std::size_t long_run = 512;  // from here on the C library's way is as fast or faster
     if (n >= long_run) {
-        std::memcpy(dst, src, static_cast<std::size_t>(n));
+        std::memcpy(dst, src, n);
     } else if (n >= lanes) {
-        const s64 last = n - lanes;
-        for (s64 i = 0; i < last; i += lanes) store_loose(dst + i, load_loose<bytes>(src + i));
-        store_loose(dst + last, load_loose<bytes>(src + last));
+        u8* const last = dst + (n - lanes);
+        const bytes end = load_loose<bytes>(src + (n - lanes));
+        for (std::size_t i = (n - 1) / lanes; i; --i, dst += lanes, src += lanes) {
+            step_in_place(dst, src);
+            store_loose(dst, load_loose<bytes>(src));
+        }
+        store_loose(last, end);
     } else if (n >= 16) {
         copy_ends<byte_quad>(dst, src, n);
     } else if (n >= 8) {

@@ -1,6 +1,7 @@
 #include "zelt/mem.h"
 
 #include "core/isa.h"
+#include "core/loose.h"
 #include "core/types.h"
 
 #if ZELT_SIMD
@@ -22,8 +23,9 @@ u8* bytes_at(void* p) { return static_cast<u8*>(p); }
 u8* bytes_at(s16* p) { return reinterpret_cast<u8*>(p); }
 const u8* bytes_at(const s16* p) { return reinterpret_cast<const u8*>(p); }
 
-/// Of a size from 0 up, steps being powers of two
-s64 whole_steps(s64 size, s64 step) { return size & -step; }
+std::size_t from_zero(int n) { return n > 0 ? static_cast<std::size_t>(n) : 0; }
+/// Steps are powers of two.
+std::size_t whole_steps(std::size_t size, std::size_t step) { return size & -step; }
 
 struct area {
     u8* dst;
@@ -46,7 +48,7 @@ void copy_area(area a, int element) {
         a.h = 1;
     }
     const s64 n = element == 2 ? doubled_tail(a.w, contiguous) : a.w;
-    for (; a.h > 0; --a.h, a.dst += a.s_dst, a.src += a.s_src) fast::copy(a.dst, a.src, n);
+    for (; a.h > 0; --a.h, a.dst += a.s_dst, a.src += a.s_src) fast::copy(a.dst, a.src, static_cast<std::size_t>(n));
 }
 
 using block_copy = void(u8* dst, const u8* src, int s_dst, int s_src, int w, int h);
@@ -57,6 +59,7 @@ template <int N, int Element> void copy_block(u8* dst, const u8* src, int s_dst,
     const auto rows = [&]<int Rows>() {
         fast::copy_rows<N, Rows>(dst, to, src, from);
         dst += Rows * to, src += Rows * from;
+        step_in_place(dst, src);
     };
     if (h <= 0) return;
     if (h & 1) rows.template operator()<1>();
@@ -92,31 +95,33 @@ area bytes_of(s16* dst, const s16* src, int s_dst, int s_src, int w, int h) {
 
 void zelt_mset_x128(void* dst, uint32_t val, int size) {
     // Kept: rounds up, and writes one step at least.
-    fast::fill(bytes_at(dst), val, whole_steps(std::max<s64>(size, 1) + 127, 128));
+    fast::fill(bytes_at(dst), val, whole_steps(from_zero(std::max(size, 1)) + 127, 128));
 }
 
 void zelt_mset_x64(void* dst, int val, int size) {
     // Kept: steps of 128 whatever the name says.
-    fast::fill_bytes(bytes_at(dst), static_cast<u8>(val), whole_steps(std::max(size, 0), 128));
+    fast::fill_bytes(bytes_at(dst), static_cast<u8>(val), whole_steps(from_zero(size), 128));
 }
 
-void zelt_mset_x64a(void* dst, int val, int size) { fast::fill_bytes(bytes_at(dst), static_cast<u8>(val), size); }
+void zelt_mset_x64a(void* dst, int val, int size) {
+    fast::fill_bytes(bytes_at(dst), static_cast<u8>(val), from_zero(size));
+}
 
 void zelt_mset_x32(void* dst, uint32_t val, int size) {
-    fast::fill(bytes_at(dst), val, whole_steps(std::max(size, 0), 32));
+    fast::fill(bytes_at(dst), val, whole_steps(from_zero(size), 32));
 }
 
 void zelt_mset_x32ax4(void* dst, uint32_t val, int size) {
     // Kept: one step at least, and a tail of the low byte alone.
-    const s64 steps = whole_steps(std::max(size, 32), 32);
+    const std::size_t all = from_zero(std::max(size, 32)), steps = whole_steps(all, 32);
     fast::fill(bytes_at(dst), val, steps);
-    fast::fill_bytes(bytes_at(dst) + steps, static_cast<u8>(val), size - steps);
+    fast::fill_bytes(bytes_at(dst) + steps, static_cast<u8>(val), all - steps);
 }
 
-void zelt_mclr_x64(void* dst, int n) { fast::fill_bytes(bytes_at(dst), 0, 4 * whole_steps(std::max(n, 0), 64)); }
+void zelt_mclr_x64(void* dst, int n) { fast::fill_bytes(bytes_at(dst), 0, 4 * whole_steps(from_zero(n), 64)); }
 
 void zelt_mset16(int16_t* dst, int val, int n) {
-    fast::fill(bytes_at(dst), static_cast<u16>(val) * 0x10001u, 2 * s64{n});
+    fast::fill(bytes_at(dst), static_cast<u16>(val) * 0x10001u, 2 * from_zero(n));
 }
 
 void zelt_mcpy_pic(uint8_t* dst, const uint8_t* src, int s_dst, int s_src, int w, int h) {
