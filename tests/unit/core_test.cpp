@@ -143,7 +143,7 @@ TEST(vdata, empty_sources_change_nothing) {
     ZELT_VDATA v{5, 6, &kept};
     for (const ZELT_VDATA& empty :
          {ZELT_VDATA{7, 0, &byte}, ZELT_VDATA{7, INT32_MIN, &byte}, ZELT_VDATA{7, 1, nullptr}}) {
-        EXPECT_EQ(zelt_vdata_set(&v, empty.data, empty.size, 7), ZELT_ERR_INVALID_ARG);
+        EXPECT_EQ(zelt_vdata_set(&v, static_cast<const uint8_t*>(empty.data), empty.size, 7), ZELT_ERR_INVALID_ARG);
         EXPECT_EQ(zelt_vdata_cpy(&v, &empty), ZELT_ERR_INVALID_ARG);
     }
     EXPECT_EQ(v.type, 5u);
