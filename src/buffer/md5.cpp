@@ -129,11 +129,10 @@ void zelt_md5_trans(ZELT_MD5* ctx, const uint32_t* block) {
 
 void zelt_md5_finish(ZELT_MD5* ctx, uint8_t digest[16]) {
     const std::size_t pending = ctx->bits_lo / 8 % block_size;
-    // 0x80, zeros, and the length in the last eight bytes of a block. Of short messages, this is much of the work:
-    // pieces of fixed sizes take a few stores each.
+    // 0x80, zeros, and the length in the last eight bytes of a block; the padding reaches it in either block. Of short
+    // messages, this is much of the work: pieces of fixed sizes take a few stores each.
     static constexpr u8 padding[block_size] = {0x80};
     u8 tail[2 * block_size];
-    fast::fill_bytes(tail + block_size, 0, block_size);
     std::memcpy(tail, ctx->buffer, block_size);
     std::memcpy(tail + pending, padding, block_size);
     const std::size_t size = pending < block_size - 8 ? block_size : 2 * block_size;

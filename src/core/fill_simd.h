@@ -53,9 +53,9 @@ inline void fill_registers(u8* dst, word_register all, u32 word, std::size_t n) 
         return;
     }
     // The rest in whole registers, which from here on stand at multiples of their size.
-    const std::size_t first = lanes - reinterpret_cast<std::uintptr_t>(dst) % lanes;
+    const std::size_t first = 2 * lanes - reinterpret_cast<std::uintptr_t>(dst) % lanes;
     const u32 turned = std::rotr(word, static_cast<int>(first % 4) * 8);
-    const std::size_t rest = (n - first - 1) / lanes;
+    const std::size_t rest = (n - first - lanes - 1) / lanes;  // as far as the two registers at the end
     auto* p = reinterpret_cast<word_register*>(dst + first);
 #ifdef __AVX2__
     if (n >= long_fill) return fill_long(dst + first, turned, rest * lanes);

@@ -103,7 +103,7 @@ TEST(expand, unequal_halves_and_other_words_than_the_pictures_own) {
     for (int i = 0; i < 600; ++i) {
         const uint32_t own = word(width(), random() % 3 ? static_cast<uint32_t>(random() % 50) : 0);
         const uint32_t given = i % 3 ? own : word(width(), static_cast<uint32_t>(random() % 50));
-        ZELT_IMGB* img = random_picture(4 * (1 + static_cast<int>(random() % 20)), 1 + static_cast<int>(random() % 20),
+        ZELT_IMGB* img = random_picture(4 * (1 + static_cast<int>(random() % 20)), 1 + static_cast<int>(random() % 70),
                                         i % 4 ? 10 : 20, nullptr, &own, random);
         const bytes expected = in_steps(img, given);
         zelt_imgb_expand(img, &given);

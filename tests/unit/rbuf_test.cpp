@@ -229,6 +229,7 @@ TEST(rbuf, reads_on_from_past_the_end_of_the_storage) {
         EXPECT_EQ(r->tail, 17);
         return r;
     };
+    EXPECT_EQ(zelt_rbuf_is_full(past_end("").get()), 1);
     ring r = past_end("xyz123");
     EXPECT_EQ(zelt_rbuf_get_fillc_len(r.get()), -1);
     EXPECT_EQ(zelt_rbuf_get_fill_len(r.get()), 16 + 6 - 1 - 17);
