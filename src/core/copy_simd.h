@@ -38,7 +38,8 @@ inline void copy(u8* dst, const u8* src, std::size_t n) {
     }
 }
 
-/// Copies N bytes of each of so many rows, all loads of a column of registers before its stores: nothing then waits.
+/// Copies N bytes of each of so many rows, all loads of a column of registers before its stores, so
+/// that nothing waits; rows of several registers one after another, as memory likes it.
 template <int N, int Rows> void copy_rows(u8* dst, std::ptrdiff_t s_dst, const u8* src, std::ptrdiff_t s_src) {
     const auto column = [&]<class T>(T) {
         T v[Rows];
@@ -47,7 +48,9 @@ template <int N, int Rows> void copy_rows(u8* dst, std::ptrdiff_t s_dst, const u
         constexpr int size = sizeof(T);
         copy_rows<N - size, Rows>(dst + size, s_dst, src + size, s_src);
     };
-    if constexpr (N >= lanes)
+    if constexpr (N >= 2 * lanes && Rows > 1)
+        for (int i = 0; i < Rows; ++i) copy_rows<N, 1>(dst + i * s_dst, s_dst, src + i * s_src, s_src);
+    else if constexpr (N >= lanes)
         column(bytes{});
     else if constexpr (N >= 16)
         column(byte_quad{});
