@@ -19,6 +19,7 @@ void count(const kernel& k, function f, shape s, const view* v) {
     k.call(f, s, v);
     mark();
 }
+
 void count_row(const kernel& k, shape s, const std::string& family, const std::string& row, const char* unit,
                int units) {
     const memory data(k.operands(s));
@@ -42,7 +43,7 @@ int main() {
         const auto [family, rest] = family_and_rest(k.name);
         if (k.timed == timing::picture)
             count_row(k, {320, 240}, family, rest, "pixel", 320 * 240);
-        else if (k.timed != timing::none)
+        else if (k.timed != timing::none && k.timed != timing::early_exit)
             count_row(k, k.shapes.front(), family, rest, "block", 1);
         for (const shape s : k.counted.shapes) {
             const std::string size = std::to_string(s.w) + (s.h > 1 ? 'x' + std::to_string(s.h) : "");
