@@ -23,7 +23,7 @@ inline void copy(u8* dst, const u8* src, std::size_t n) {
         u8* const last = dst + (n - lanes);
         const bytes end = load_loose<bytes>(src + (n - lanes));
         for (std::size_t i = (n - 1) / lanes; i; --i, dst += lanes, src += lanes) {
-            step_in_place(dst, src);
+            step_in_place(dst), step_in_place(src);
             store_loose(dst, load_loose<bytes>(src));
         }
         store_loose(last, end);

@@ -49,7 +49,7 @@ inline void fill_registers(u8* dst, word_register all, u32 word, std::size_t n) 
     fill_ends(dst + lanes, all, n - 2 * lanes);
     if (n <= 4 * lanes) return;
     if (n <= 8 * lanes) {
-        for (int i = 2; i < 4; ++i) fill_ends(dst + i * lanes, all, n - 2 * i * lanes);
+        for (std::size_t i = 2 * lanes; i < 4 * lanes; i += lanes) fill_ends(dst + i, all, n - 2 * i);
         return;
     }
     // The rest in whole registers, which from here on stand at multiples of their size.
