@@ -17,6 +17,10 @@ void digest_rows(ZELT_MD5* ctx, const ZELT_IMGB* img, int plane, s64 from, s64 t
         for (s64 r = from; r < to; ++r) zelt_md5_update(ctx, sample + r * stride, static_cast<u32>(bytes));
         return;
     }
+    // A row of 4:1:1 chroma goes on into the one after it, none goes farther: this ends early where w or x is no
+    // picture's.
+    bytes = std::min(bytes, 2 * stride);
+    if (bytes <= 0) return;
     const s64 origin = sample - block, size = img->size;
     // Rows beyond these bounds lie outside the plane's own memory, whatever the caller made of x, y, w and h.
     from = std::max<s64>(from, -s64{img->rows[plane]});
