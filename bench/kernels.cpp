@@ -190,7 +190,7 @@ void add_kernel_rows() {
     for (const kernel& k : all_kernels())
         if (k.timed == timing::picture)
             add_picture_rows(k);
-        else if (k.timed != timing::none)
+        else if (k.timed != timing::none && k.timed != timing::counted_picture)
             add_block_row(k);
 }
 

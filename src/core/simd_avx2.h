@@ -184,6 +184,7 @@ inline void store_pairs(u8* p, eight left, eight right) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(p), (__m128i)(left | right << 8));
 }
 
+constexpr int reach = 16;
 template <int Windows> pairs pick(const u8* row, const std::ptrdiff_t* at, const u8* masks) {
     const u8 *low = row + at[0], *high = row + at[1];
     pairs p = _mm256_shuffle_epi8(load_halves(low, high), load_register(masks));

@@ -125,16 +125,24 @@ inline void store_pairs(u8* p, eight left, eight right) {
     vst1q_u8(p, vcombine_u8(vmovn_u16((uint16x8_t)left), vmovn_u16((uint16x8_t)right)));
 }
 
+constexpr int reach = 32;
 template <int Windows> pairs pick(const u8* row, const std::ptrdiff_t* at, const u8* masks) {
     row += *at;
-    const auto window = [row](int i) {
-        const uint8x16_t v = vld1q_u8(row + 16 * i);
-        return uint8x8x2_t{{vget_low_u8(v), vget_high_u8(v)}};
-    };
-    pairs p = {vtbl2_u8(window(0), vld1_u8(masks)), vtbl2_u8(window(0), vld1_u8(masks + 8))};
-    for (int i = 1; i < Windows; ++i)
-        p = {vtbx2_u8(p.left, window(i), vld1_u8(masks + 16 * i)),
-             vtbx2_u8(p.right, window(i), vld1_u8(masks + 16 * i + 8))};
+    pairs p = {vdup_n_u8(0), vdup_n_u8(0)};
+    for (int i = 0; i < Windows; i += 2, row += reach, masks += 16) {
+        const uint8x8_t left = vld1_u8(masks), right = vld1_u8(masks + 8);
+        const uint8x16_t v = vld1q_u8(row);
+        if (i + 1 < Windows) {
+            const uint8x16_t w = vld1q_u8(row + 16);
+            const uint8x8x4_t table = {{vget_low_u8(v), vget_high_u8(v), vget_low_u8(w), vget_high_u8(w)}};
+            p = i ? pairs{vtbx4_u8(p.left, table, left), vtbx4_u8(p.right, table, right)}
+                  : pairs{vtbl4_u8(table, left), vtbl4_u8(table, right)};
+        } else {
+            const uint8x8x2_t table = {{vget_low_u8(v), vget_high_u8(v)}};
+            p = i ? pairs{vtbx2_u8(p.left, table, left), vtbx2_u8(p.right, table, right)}
+                  : pairs{vtbl2_u8(table, left), vtbl2_u8(table, right)};
+        }
+    }
     return p;
 }
 inline pairs load_pairs(const u8* p) {

@@ -14,14 +14,19 @@ using csc::axis;
 struct row_shape {
     std::ptrdiff_t samples;  // of a destination row
     s64 limit;               // bytes of a source row up to the last one that is needed
-    int windows;
+    int windows;             // of 16 bytes, that an eight reads
+
+    int masks() const { return masks_of(windows); }
+    static constexpr int masks_of(int windows) { return (16 * windows + reach - 1) / reach; }
 
     row_shape(const axis& x, int w, int bytes) : samples(static_cast<std::ptrdiff_t>(s64{w} * bytes)) {
         limit = (x.sample((w - s64{1}) * x.step) + x.next + 1) * bytes;
-        const s64 pixels = 8 % bytes ? 8 / bytes + 2 : 8 / bytes;  // that an eight may touch
-        const s64 apart = ((pixels - 1) * x.step + (1 << 18) - 1) >> 18;
-        const s64 span = (apart * (s64{1} << x.shift) + x.next + 1) * bytes;
-        windows = span <= 16 ? 1 : span <= 32 ? 2 : span <= 64 ? 4 : span <= 128 ? 8 : 0;
+        s64 span = 0;  // of what an eight reads
+        for (int c = 0; c < bytes; ++c) {
+            const s64 apart = ((c + 7) / bytes * x.step + (1 << 18) - 1) >> 18;
+            span = std::max<s64>(span, (apart * (s64{1} << x.shift) + x.next) * bytes + (c + 7) % bytes + 1);
+        }
+        windows = span <= 64 ? static_cast<int>((span + 15) / 16) : span <= 128 ? 8 : 0;
         if (limit < 16 * windows || x.next != s64{1} << x.shift) windows = 0;
     }
 };
@@ -41,8 +46,9 @@ struct columns {
     std::ptrdiff_t source_start() const { return offsets[0]; }
     std::ptrdiff_t source_end(int windows) const { return offsets[groups * eights - 1] + 16 * windows; }
 
-    /// Asks for a group's part of the row that comes next: too little of each is read for the processor to foresee it.
-    void prefetch(int group, const u8* row) const { __builtin_prefetch(row + offsets[group * eights]); }
+    /// Asks for half a group's part of the row that comes next: too little of each is read for the processor to foresee
+    /// it.
+    void prefetch(int half_group, const u8* row) const { __builtin_prefetch(row + offsets[half_group * (eights / 2)]); }
 
     bytes weight(int half_group) const {
         bytes w;
@@ -50,7 +56,8 @@ struct columns {
         return w;
     }
     template <int Windows> pairs pick(int half_group, const u8* row) const {
-        return simd::pick<Windows>(row, offsets + half_group * (eights / 2), masks + half_group * Windows * lanes);
+        return simd::pick<Windows>(row, offsets + half_group * (eights / 2),
+                                   masks + half_group * row_shape::masks_of(Windows) * lanes);
     }
 };
 
@@ -76,11 +83,11 @@ public:
     /// Samples from `first` on, as many as fit but at most `most`; pixels have Bytes samples.
     template <int Bytes>
     columns prepare(const axis& x, const row_shape& row, std::ptrdiff_t first, s64 most, bool may_run) {
-        const int group_size = lanes * 2 * (1 + row.windows) + columns::eights * static_cast<int>(sizeof *offsets_);
+        const int group_size = lanes * 2 * (1 + row.masks()) + columns::eights * static_cast<int>(sizeof *offsets_);
         const int groups = static_cast<int>(
             std::min<s64>({Size / group_size, most / lanes, (row.samples - first + lanes - 1) / lanes}));
         weights_ = memory_, masks_ = weights_ + groups * 2 * lanes;
-        offsets_ = reinterpret_cast<std::ptrdiff_t*>(masks_ + groups * 2 * lanes * row.windows);
+        offsets_ = reinterpret_cast<std::ptrdiff_t*>(masks_ + groups * 2 * lanes * row.masks());
         columns c = {groups, first, row.samples - lanes, offsets_, masks_, weights_, groups, groups};
         for (int i = 0; i < groups * columns::eights; ++i)
             prepare_eight<Bytes>(x, row, i, c.at(i / columns::eights) + 8 * eight_at(i % columns::eights));
@@ -128,10 +135,10 @@ private:
         const eight left = (place >> 3 << static_cast<u16>(x.shift)) * static_cast<u16>(Bytes) +
                            load_lanes<eight>(of.channel[c]) + static_cast<u16>(start - window);
         constexpr int sharing = columns::eights / 2;  // eights whose masks are in one register
-        for (int k = 0; k < row.windows; ++k) {
-            const eight l = left - static_cast<u16>(16 * k), r = l + static_cast<u16>(x.next * Bytes);
-            store_pairs(masks_ + (index / sharing * row.windows + k) * lanes + index % sharing * 16,
-                        l > 15 ? eight{} + 0x80 : l, r > 15 ? eight{} + 0x80 : r);
+        for (int k = 0; k < row.masks(); ++k) {
+            const eight l = left - static_cast<u16>(reach * k), r = l + static_cast<u16>(x.next * Bytes);
+            store_pairs(masks_ + (index / sharing * row.masks() + k) * lanes + index % sharing * 16,
+                        l >= reach ? eight{} + 0x80 : l, r >= reach ? eight{} + 0x80 : r);
         }
     }
 

@@ -8,8 +8,8 @@ using csc::row_job;
 
 // ------------------------------------------------------------------------------------------------- rows by themselves
 
-/// Weights across and down in one, at most 64
-inline bytes scaled(bytes weights, int factor) { return weights * static_cast<u8>(factor); }
+/// Weights across and down in one, at most 64, so that a pair of them is one product
+inline bytes scaled(bytes weights, int factor) { return (bytes)((uhalf)weights * static_cast<u16>(factor)); }
 
 /// The weights of a run's groups, kept while the vertical phase stays the same, as it does for long at a ratio of 2
 class run_weights {
@@ -28,7 +28,7 @@ private:
     int phase_ = -1;
 };
 
-template <class Out, int N, class Dest>
+template <class Out, int Windows, int N, class Dest>
 [[gnu::flatten]] void make_groups(const columns& all, int g, int end, const row_job<N, Dest>& rows,
                                   const row_job<N, Dest>& next) {
     const columns c = all;
@@ -37,13 +37,14 @@ template <class Out, int N, class Dest>
         words sums[N];
         for (int h = 0; h < 2; ++h) {
             const bytes w = c.weight(2 * g + h), top = scaled(w, 8 - job.phase), bottom = scaled(w, job.phase);
-            for (int p = 0; p < N; ++p)
-                (h ? sums[p].hi : sums[p].lo) =
-                    weigh(weigh(c.pick<1>(2 * g + h, job.top[p]), top), c.pick<1>(2 * g + h, job.bottom[p]), bottom);
+            for (int p = 0; p < N; ++p) {
+                (h ? sums[p].hi : sums[p].lo) = weigh(weigh(c.pick<Windows>(2 * g + h, job.top[p]), top),
+                                                      c.pick<Windows>(2 * g + h, job.bottom[p]), bottom);
+                if (h < (Windows + 1) / 2) c.prefetch(2 * g + h, next.top[p]), c.prefetch(2 * g + h, next.bottom[p]);
+            }
         }
         bytes v[N];
         for (int p = 0; p < N; ++p) v[p] = narrow_q6(sums[p]);
-        for (int p = 0; p < N; ++p) c.prefetch(g, next.top[p]), c.prefetch(g, next.bottom[p]);
         Out::put(job.dst, c.at(g), v);
     }
 }
@@ -70,15 +71,15 @@ template <class Out, int N, class Dest>
     }
 }
 
-template <class Out, class Jobs> void make_rows(const columns& c, const Jobs& jobs, int count) {
+template <class Out, int Windows, class Jobs> void make_rows(const columns& c, const Jobs& jobs, int count) {
     run_weights run;
     for (int i = 0; i < count; ++i) {
         const auto job = jobs[i], next = jobs[i + (i + 1 < count)];
-        if (c.run > 0) make_groups<Out>(c, 0, c.run, job, next);
+        if (c.run > 0) make_groups<Out, Windows>(c, 0, c.run, job, next);
         if (c.run == c.groups) continue;
         run.scale(c, job.phase);
         make_run<Out>(c, run, job, next);
-        if (c.run_end < c.groups) make_groups<Out>(c, c.run_end, c.groups, job, next);
+        if (c.run_end < c.groups) make_groups<Out, Windows>(c, c.run_end, c.groups, job, next);
     }
 }
 
@@ -87,7 +88,7 @@ template <class Out, class Jobs> void make_rows(const columns& c, const Jobs& jo
 /// The sums of a row of one plane, two halves a group
 template <int Windows> void sum_row(const columns c, const u8* row, const u8* next, half* to) {
     for (int h = 0; h < 2 * c.groups; ++h) {
-        if (h % 2 == 0) c.prefetch(h / 2, next);
+        if (h % 2 < (Windows + 1) / 2) c.prefetch(h, next);
         to[h] = weigh(c.pick<Windows>(h, row), c.weight(h));
     }
 }
@@ -173,11 +174,9 @@ bool go_through(const Jobs& jobs, int count, const axis& x, int dst_w) {
     const int windows = shape.windows;
     if (!windows || (as_is && s64{count} * shape.samples < (Bytes == 1 ? 32 : 64) * windows))
         return false;  // preparing must pay
-    const sum_row_fn sum = windows == 1   ? sum_row<1>
-                           : windows == 2 ? sum_row<2>
-                           : windows == 4 ? sum_row<4>
-                                          : sum_row<8>;
-    const bool keep = !as_is || windows > 1 || rows_are_shared(jobs, count);
+    static constexpr sum_row_fn sum_rows[] = {sum_row<1>, sum_row<2>, sum_row<3>, sum_row<4>};
+    const sum_row_fn sum = windows > 4 ? sum_row<8> : sum_rows[windows - 1];
+    const bool keep = !as_is || windows > 4 || rows_are_shared(jobs, count);
     s64 most = keep ? kept_sums<Source>::most : 1 << 16;
     most = std::min<s64>(most, ((Source::most - s64{128}) << 18) / (x.step << x.shift));
     column_tables<24 * 1024> tables;
@@ -186,7 +185,10 @@ bool go_through(const Jobs& jobs, int count, const axis& x, int dst_w) {
         c = tables.template prepare<Bytes>(x, shape, first, most, !keep);
         if constexpr (as_is) {
             if (!keep) {
-                make_rows<Out>(c, jobs, count);
+                if (windows == 1) make_rows<Out, 1>(c, jobs, count);
+                if (windows == 2) make_rows<Out, 2>(c, jobs, count);
+                if (windows == 3) make_rows<Out, 3>(c, jobs, count);
+                if (windows == 4) make_rows<Out, 4>(c, jobs, count);
                 continue;
             }
         }

@@ -40,6 +40,7 @@ struct view {
 enum class timing {
     none,
     picture,          // through kernel::call, over whole pictures
+    counted_picture,  // likewise, but the benchmark has rows of its own: only the instructions are counted
     pair,             // u32 f(a, b, sa, sb): two blocks as a motion search picks them, of the kernel's first shape
     sized_pair,       // u32 f(w, h, a, b, sa, sb): likewise
     difference,       // void f(a, b, sa, sb, sd, s16* d): likewise, with a third block that is written
