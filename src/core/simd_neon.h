@@ -145,9 +145,21 @@ template <int Windows> pairs pick(const u8* row, const std::ptrdiff_t* at, const
     }
     return p;
 }
-inline pairs load_pairs(const u8* p) {
-    const uint8x8x2_t v = vld2_u8(p);
-    return {v.val[0], v.val[1]};
+template <int Bytes, int Next> pairs load_pairs(const u8* p) {
+    static_assert((Bytes == 1 || Bytes == 4) && (Next == 1 || Next == 2));
+    if constexpr (Bytes == 1 && Next == 1) {
+        const uint8x8x2_t v = vld2_u8(p);
+        return {v.val[0], v.val[1]};
+    } else if constexpr (Bytes == 1) {
+        const uint8x8x4_t v = vld4_u8(p);
+        return {v.val[0], v.val[2]};
+    } else {  // not vld2_u32, which may assume alignment
+        const uint32x4_t v = (uint32x4_t)vld1q_u8(p), w = Next == 1 ? v : (uint32x4_t)vld1q_u8(p + 16);
+        const uint32x2_t left = vget_low_u32(v), right = Next == 1 ? vget_high_u32(v) : vget_low_u32(w);
+        const uint32x2x2_t two = vtrn_u32(left, right);
+        if constexpr (Next == 1) return {(uint8x8_t)two.val[0], (uint8x8_t)two.val[1]};
+        return {(uint8x8_t)two.val[0], (uint8x8_t)vtrn_u32(vget_high_u32(v), vget_high_u32(w)).val[0]};
+    }
 }
 inline half weigh(pairs p, bytes w) { return (half)vmlal_u8(vmull_u8(p.left, low8(w)), p.right, high8(w)); }
 inline half weigh(half sum, pairs p, bytes w) {

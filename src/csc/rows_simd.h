@@ -49,21 +49,20 @@ template <class Out, int Windows, int N, class Dest>
     }
 }
 
-template <class Out, int N, class Dest>
+template <class Out, int Bytes, int Next, int N, class Dest>
 [[gnu::flatten]] void make_run(const columns& c, const run_weights& weights, const row_job<N, Dest>& rows,
                                const row_job<N, Dest>& next) {
     const row_job<N, Dest> job = rows;
     const int end = 2 * (c.run_end - c.run);
-    std::ptrdiff_t x = c.first + c.run * lanes, source = c.offsets[c.run * columns::eights];
-    for (int i = 0; i < end; i += 2, x += lanes, source += 2 * lanes) {
-        for (int p = 0; p < N; ++p)
-            __builtin_prefetch(next.top[p] + source), __builtin_prefetch(next.bottom[p] + source);
+    std::ptrdiff_t x = c.first + c.run * lanes, source = c.run_source;
+    for (int i = 0; i < end; i += 2, x += lanes, source += 2 * Next * lanes) {
         bytes v[N];
         for (int p = 0; p < N; ++p) {
-            const u8 *top = job.top[p] + source, *bottom = job.bottom[p] + source;
             const auto sum = [&](int half) {
-                return weigh(weigh(load_pairs(top + half * lanes), weights.top[i + half]),
-                             load_pairs(bottom + half * lanes), weights.bottom[i + half]);
+                const std::ptrdiff_t at = source + half * Next * lanes;
+                if (half < Next) __builtin_prefetch(next.top[p] + at), __builtin_prefetch(next.bottom[p] + at);
+                return weigh(weigh(load_pairs<Bytes, Next>(job.top[p] + at), weights.top[i + half]),
+                             load_pairs<Bytes, Next>(job.bottom[p] + at), weights.bottom[i + half]);
             };
             v[p] = narrow_q6_eights({sum(0), sum(1)});
         }
@@ -71,14 +70,17 @@ template <class Out, int N, class Dest>
     }
 }
 
-template <class Out, int Windows, class Jobs> void make_rows(const columns& c, const Jobs& jobs, int count) {
+template <class Out, int Windows, int Bytes, class Jobs>
+void make_rows(const columns& c, const axis& x, const Jobs& jobs, int count) {
     run_weights run;
     for (int i = 0; i < count; ++i) {
         const auto job = jobs[i], next = jobs[i + (i + 1 < count)];
         if (c.run > 0) make_groups<Out, Windows>(c, 0, c.run, job, next);
         if (c.run == c.groups) continue;
-        run.scale(c, job.phase);
-        make_run<Out>(c, run, job, next);
+        if constexpr (8 % Bytes == 0) {
+            run.scale(c, job.phase);
+            x.next == 1 ? make_run<Out, Bytes, 1>(c, run, job, next) : make_run<Out, Bytes, 2>(c, run, job, next);
+        }
         if (c.run_end < c.groups) make_groups<Out, Windows>(c, c.run_end, c.groups, job, next);
     }
 }
@@ -185,10 +187,10 @@ bool go_through(const Jobs& jobs, int count, const axis& x, int dst_w) {
         c = tables.template prepare<Bytes>(x, shape, first, most, !keep);
         if constexpr (as_is) {
             if (!keep) {
-                if (windows == 1) make_rows<Out, 1>(c, jobs, count);
-                if (windows == 2) make_rows<Out, 2>(c, jobs, count);
-                if (windows == 3) make_rows<Out, 3>(c, jobs, count);
-                if (windows == 4) make_rows<Out, 4>(c, jobs, count);
+                if (windows == 1) make_rows<Out, 1, Bytes>(c, x, jobs, count);
+                if (windows == 2) make_rows<Out, 2, Bytes>(c, x, jobs, count);
+                if (windows == 3) make_rows<Out, 3, Bytes>(c, x, jobs, count);
+                if (windows == 4) make_rows<Out, 4, Bytes>(c, x, jobs, count);
                 continue;
             }
         }
