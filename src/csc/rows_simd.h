@@ -32,7 +32,7 @@ template <class Out, int Windows, int N, class Dest>
 [[gnu::flatten]] void make_groups(const columns& all, int g, int end, const row_job<N, Dest>& rows,
                                   const row_job<N, Dest>& next) {
     const columns c = all;
-    const row_job<N, Dest> job = rows;
+    const row_job<N, Dest> job = rows, after = next;
     for (; g < end; ++g) {
         words sums[N];
         for (int h = 0; h < 2; ++h) {
@@ -40,7 +40,7 @@ template <class Out, int Windows, int N, class Dest>
             for (int p = 0; p < N; ++p) {
                 (h ? sums[p].hi : sums[p].lo) = weigh(weigh(c.pick<Windows>(2 * g + h, job.top[p]), top),
                                                       c.pick<Windows>(2 * g + h, job.bottom[p]), bottom);
-                if (h < (Windows + 1) / 2) c.prefetch(2 * g + h, next.top[p]), c.prefetch(2 * g + h, next.bottom[p]);
+                if (h < (Windows + 1) / 2) c.prefetch(2 * g + h, after.top[p]), c.prefetch(2 * g + h, after.bottom[p]);
             }
         }
         bytes v[N];
@@ -52,7 +52,7 @@ template <class Out, int Windows, int N, class Dest>
 template <class Out, int Bytes, int Next, int N, class Dest>
 [[gnu::flatten]] void make_run(const columns& c, const run_weights& weights, const row_job<N, Dest>& rows,
                                const row_job<N, Dest>& next) {
-    const row_job<N, Dest> job = rows;
+    const row_job<N, Dest> job = rows, after = next;
     const int end = 2 * (c.run_end - c.run);
     std::ptrdiff_t x = c.first + c.run * lanes, source = c.run_source;
     for (int i = 0; i < end; i += 2, x += lanes, source += 2 * Next * lanes) {
@@ -60,7 +60,7 @@ template <class Out, int Bytes, int Next, int N, class Dest>
         for (int p = 0; p < N; ++p) {
             const auto sum = [&](int half) {
                 const std::ptrdiff_t at = source + half * Next * lanes;
-                if (half < Next) __builtin_prefetch(next.top[p] + at), __builtin_prefetch(next.bottom[p] + at);
+                if (half < Next) __builtin_prefetch(after.top[p] + at), __builtin_prefetch(after.bottom[p] + at);
                 return weigh(weigh(load_pairs<Bytes, Next>(job.top[p] + at), weights.top[i + half]),
                              load_pairs<Bytes, Next>(job.bottom[p] + at), weights.bottom[i + half]);
             };
