@@ -98,7 +98,8 @@ using sum_row_fn = void (*)(columns, const u8*, const u8*, half*);
 
 /// Samples as they stand in memory
 template <int N> struct in_place {
-    static constexpr int planes = N, most = 1 << 30;
+    static constexpr int planes = N, most = 1 << 30, most_windows = 8;
+    static constexpr bool as_is = true;
     in_place(const columns&, int) {}
     const u8* const* operator()(const u8* const* row) { return row; }
 };
@@ -118,12 +119,11 @@ public:
         const int i = rows_[0] == other;
         rows_[i] = *row;
         const u8* const* samples = source_(row);
-        for (int p = 0; p < planes; ++p) sum_(c, samples[p], next[as_is ? p : 0], sums_[i] + 2 * c.groups * p);
+        for (int p = 0; p < planes; ++p) sum_(c, samples[p], next[Source::as_is ? p : 0], sums_[i] + 2 * c.groups * p);
         return sums_[i];
     }
 
 private:
-    static constexpr bool as_is = std::is_same_v<Source, in_place<planes>>;
     Source source_;
     sum_row_fn sum_;
     const u8* rows_[2] = {};
@@ -167,15 +167,10 @@ template <class Jobs> bool rows_are_shared(const Jobs& jobs, int count) {
     return fresh < some - 1;
 }
 
-/// Makes all rows, of pixels of Bytes samples in a plane; false where it cannot and nothing is done.
 template <class Source, class Out, int Bytes, class Jobs>
-bool go_through(const Jobs& jobs, int count, const axis& x, int dst_w) {
-    if (s64{dst_w} * Bytes < lanes || s64{dst_w} * Bytes > PTRDIFF_MAX) return false;
-    constexpr bool as_is = std::is_same_v<Source, in_place<Source::planes>>;
-    const row_shape shape(x, dst_w, Bytes);
+[[gnu::noinline]] void make_picture(const Jobs& jobs, int count, const axis& x, const row_shape& shape) {
+    constexpr bool as_is = Source::as_is;
     const int windows = shape.windows;
-    if (!windows || (as_is && s64{count} * shape.samples < (Bytes == 1 ? 32 : 64) * windows))
-        return false;  // preparing must pay
     static constexpr sum_row_fn sum_rows[] = {sum_row<1>, sum_row<2>, sum_row<3>, sum_row<4>};
     const sum_row_fn sum = windows > 4 ? sum_row<8> : sum_rows[windows - 1];
     const bool keep = !as_is || windows > 4 || rows_are_shared(jobs, count);
@@ -197,6 +192,17 @@ bool go_through(const Jobs& jobs, int count, const axis& x, int dst_w) {
         kept_sums<Source> kept(c, windows, sum);
         make_rows<Out>(c, kept, jobs, count);
     }
+}
+
+/// Makes all rows, of pixels of Bytes samples in a plane; false where it cannot or preparing would not pay, and nothing
+/// is done. Preparing takes as long as some rows do a pixel at a time, fewer of them where each sample is a pixel.
+template <class Source, class Out, int Bytes, class Jobs>
+bool go_through(const Jobs& jobs, int count, const axis& x, int dst_w) {
+    const s64 rows = s64{count} * Source::planes * (Source::as_is && Bytes == 1 ? 2 : 1), samples = s64{dst_w} * Bytes;
+    if (samples < lanes || rows < 2 || rows * samples < 128 || samples > PTRDIFF_MAX) return false;
+    const row_shape shape(x, dst_w, Bytes);
+    if (!shape.windows || shape.windows > Source::most_windows || rows <= shape.windows) return false;
+    make_picture<Source, Out, Bytes>(jobs, count, x, shape);
     return true;
 }
 }  // namespace zelt::simd
