@@ -26,15 +26,19 @@ int interpolated(int tl, int tr, int bl, int br, int fx, int fy) {
 }
 
 namespace {
-std::vector<int> bytes_at(const u8* p, int n) { return {p, p + n}; }
-std::vector<int> fields_at(const u8* p) {
+template <int N> fields get_bytes(const u8* p) {
+    fields v = {};
+    std::copy_n(p, N, v.begin());
+    return v;
+}
+template <int N> void put_bytes(u8* p, const fields& v) {
+    for (int i = 0; i < N; ++i) p[i] = static_cast<u8>(v[static_cast<std::size_t>(i)]);
+}
+fields get_565(const u8* p) {
     const int word = p[0] + 256 * p[1];
     return {word / 2048, word / 32 % 64, word % 32};
 }
-void put_bytes(u8* p, const std::vector<int>& v) {
-    for (const int value : v) *p++ = static_cast<u8>(value);
-}
-void put_fields(u8* p, const std::vector<int>& v) {
+void put_565(u8* p, const fields& v) {
     const int word = v[0] * 2048 + v[1] * 32 + v[2];
     p[0] = static_cast<u8>(word % 256), p[1] = static_cast<u8>(word / 256);
 }
@@ -43,12 +47,12 @@ void put_fields(u8* p, const std::vector<int>& v) {
 // clang-format off
 #define NAMES(format) "zelt_irsz" #format, zelt_irsz##format, zelt_irsz##format##_line, zelt_irsz##format##_full
 const std::vector<resizer> resizers = {
-    {NAMES(8b), 20, 1, 1, [](const u8* p) { return bytes_at(p, 1); }, put_bytes},
-    {NAMES(8b8b8b), 21, 3, 3, [](const u8* p) { return bytes_at(p, 3); }, put_bytes},
-    {NAMES(8b8b8b_5b6b5b), 23, 3, 2, [](const u8* p) { return bytes_at(p, 3); },
-     [](u8* p, const std::vector<int>& v) { put_fields(p, {v[0] / 8, v[1] / 4, v[2] / 8}); }},
-    {NAMES(5b6b5b), 25, 2, 2, fields_at, put_fields},
-    {NAMES(8b8b8b8b), 29, 4, 4, [](const u8* p) { return bytes_at(p, 4); }, put_bytes},
+    {NAMES(8b), 20, 1, 1, get_bytes<1>, put_bytes<1>},
+    {NAMES(8b8b8b), 21, 3, 3, get_bytes<3>, put_bytes<3>},
+    {NAMES(8b8b8b_5b6b5b), 23, 3, 2, get_bytes<3>,
+     [](u8* p, const fields& v) { put_565(p, {v[0] / 8, v[1] / 4, v[2] / 8}); }},
+    {NAMES(5b6b5b), 25, 2, 2, get_565, put_565},
+    {NAMES(8b8b8b8b), 29, 4, 4, get_bytes<4>, put_bytes<4>},
 };
 #undef NAMES
 // clang-format on
@@ -56,9 +60,9 @@ const std::vector<resizer> resizers = {
 void model_row(const resizer& r, const u8* top, const u8* bottom, int phase, const grid& x, int w, u8* dst) {
     for (int i = 0; i < w; ++i) {
         const place at = x[i];
-        const auto tl = r.get(top + at.first * r.src_bytes), tr = r.get(top + at.second * r.src_bytes);
-        const auto bl = r.get(bottom + at.first * r.src_bytes), br = r.get(bottom + at.second * r.src_bytes);
-        std::vector<int> v(tl.size());
+        const fields tl = r.get(top + at.first * r.src_bytes), tr = r.get(top + at.second * r.src_bytes);
+        const fields bl = r.get(bottom + at.first * r.src_bytes), br = r.get(bottom + at.second * r.src_bytes);
+        fields v;
         for (std::size_t c = 0; c < v.size(); ++c) v[c] = interpolated(tl[c], tr[c], bl[c], br[c], at.phase, phase);
         r.put(dst + i * r.dst_bytes, v);
     }
