@@ -105,7 +105,10 @@ inline void load_words(const u8* p, words& a) { a = {(half)vld1q_u8(p), (half)vl
 inline void store_words(u8* p, words a) { vst1q_u8(p, (uint8x16_t)a.lo), vst1q_u8(p + 16, (uint8x16_t)a.hi); }
 
 template <int A, int B, int C> int16x4_t dot_q10(int16x4_t a, int16x4_t b, int16x4_t c) {
-    return vrshrn_n_s32(vmlal_n_s16(vmlal_n_s16(vmull_n_s16(a, A), b, B), c, C), 10);
+    const int16x4_t factors = {A, B, C, 0};  // lanes of one register: compilers keep factors by themselves in many
+    int32x4_t sum = vmlal_lane_s16(vmull_lane_s16(a, factors, 0), b, factors, 1);
+    if constexpr (C != 0) sum = vmlal_lane_s16(sum, c, factors, 2);
+    return vrshrn_n_s32(sum, 10);
 }
 template <int A, int B, int C> half dot_q10(half a, half b, half c) {
     const auto low = [](half v) { return vget_low_s16((int16x8_t)v); };
