@@ -60,7 +60,8 @@ template <class Out, int Bytes, int Next, int N, class Dest>
         for (int p = 0; p < N; ++p) {
             const auto sum = [&](int half) {
                 const std::ptrdiff_t at = source + half * Next * lanes;
-                if (half < Next) __builtin_prefetch(after.top[p] + at), __builtin_prefetch(after.bottom[p] + at);
+                if (Bytes == 1 && half < Next)  // longer rows are foreseen
+                    __builtin_prefetch(after.top[p] + at), __builtin_prefetch(after.bottom[p] + at);
                 return weigh(weigh(load_pairs<Bytes, Next>(job.top[p] + at), weights.top[i + half]),
                              load_pairs<Bytes, Next>(job.bottom[p] + at), weights.bottom[i + half]);
             };
