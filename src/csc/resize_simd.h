@@ -34,7 +34,7 @@ public:
 
     taken_apart(const columns& c, int windows) : start_(c.source_start()), size_(c.source_end(windows) - start_) {}
 
-    const u8* const* operator()(const u8* const* row) {
+    [[gnu::noinline]] const u8* const* operator()(const u8* const* row) {
         Layout src;
         src.p[0] = const_cast<u8*>(*row) + start_ * Bytes;
         csc::planar<3> dst;

@@ -6,6 +6,14 @@
 namespace zelt::simd {
 using csc::row_job;
 
+/// Samples as they stand in memory
+template <int N> struct in_place {
+    static constexpr int planes = N, most = 1 << 30, most_windows = 8;
+    static constexpr bool as_is = true;
+    in_place(const columns&, int) {}
+    const u8* const* operator()(const u8* const* row) { return row; }
+};
+
 // ------------------------------------------------------------------------------------------------- rows by themselves
 
 /// Weights across and down in one, at most 64, so that a pair of them is one product
@@ -71,11 +79,21 @@ template <class Out, int Bytes, int Next, int N, class Dest>
     }
 }
 
-template <class Out, int Windows, int Bytes, class Jobs>
+template <class Source, class Out, int Windows, int Bytes, class Jobs>
 void make_rows(const columns& c, const axis& x, const Jobs& jobs, int count) {
+    constexpr int planes = Source::planes;
     run_weights run;
+    Source take_top(c, Windows), take_bottom(c, Windows);
+    const auto taken = [&](const auto& job) {
+        row_job<planes, decltype(job.dst)> rows;
+        std::copy_n(take_top(job.top), planes, rows.top), std::copy_n(take_bottom(job.bottom), planes, rows.bottom);
+        rows.phase = job.phase, rows.dst = job.dst;
+        return rows;
+    };
     for (int i = 0; i < count; ++i) {
-        const auto job = jobs[i], next = jobs[i + (i + 1 < count)];
+        const auto job = taken(jobs[i]);
+        auto next = job;
+        if constexpr (Source::as_is) next = jobs[i + (i + 1 < count)];
         if (c.run > 0) make_groups<Out, Windows>(c, 0, c.run, job, next);
         if (c.run == c.groups) continue;
         if constexpr (8 % Bytes == 0) {
@@ -96,14 +114,6 @@ template <int Windows> void sum_row(const columns c, const u8* row, const u8* ne
     }
 }
 using sum_row_fn = void (*)(columns, const u8*, const u8*, half*);
-
-/// Samples as they stand in memory
-template <int N> struct in_place {
-    static constexpr int planes = N, most = 1 << 30, most_windows = 8;
-    static constexpr bool as_is = true;
-    in_place(const columns&, int) {}
-    const u8* const* operator()(const u8* const* row) { return row; }
-};
 
 /// Sums of two source rows, kept while the rows next to them are made
 template <class Source> class kept_sums {
@@ -170,25 +180,22 @@ template <class Jobs> bool rows_are_shared(const Jobs& jobs, int count) {
 
 template <class Source, class Out, int Bytes, class Jobs>
 [[gnu::noinline]] void make_picture(const Jobs& jobs, int count, const axis& x, const row_shape& shape) {
-    constexpr bool as_is = Source::as_is;
     const int windows = shape.windows;
     static constexpr sum_row_fn sum_rows[] = {sum_row<1>, sum_row<2>, sum_row<3>, sum_row<4>};
     const sum_row_fn sum = windows > 4 ? sum_row<8> : sum_rows[windows - 1];
-    const bool keep = !as_is || windows > 4 || rows_are_shared(jobs, count);
+    const bool keep = windows > 4 || rows_are_shared(jobs, count);
     s64 most = keep ? kept_sums<Source>::most : 1 << 16;
     most = std::min<s64>(most, ((Source::most - s64{128}) << 18) / (x.step << x.shift));
     column_tables<24 * 1024> tables;
     columns c;
     for (std::ptrdiff_t first = 0; first < shape.samples; first += c.groups * lanes) {
         c = tables.template prepare<Bytes>(x, shape, first, most, !keep);
-        if constexpr (as_is) {
-            if (!keep) {
-                if (windows == 1) make_rows<Out, 1, Bytes>(c, x, jobs, count);
-                if (windows == 2) make_rows<Out, 2, Bytes>(c, x, jobs, count);
-                if (windows == 3) make_rows<Out, 3, Bytes>(c, x, jobs, count);
-                if (windows == 4) make_rows<Out, 4, Bytes>(c, x, jobs, count);
-                continue;
-            }
+        if (!keep) {
+            if (windows == 1) make_rows<Source, Out, 1, Bytes>(c, x, jobs, count);
+            if (windows == 2) make_rows<Source, Out, 2, Bytes>(c, x, jobs, count);
+            if (windows == 3) make_rows<Source, Out, 3, Bytes>(c, x, jobs, count);
+            if (windows == 4) make_rows<Source, Out, 4, Bytes>(c, x, jobs, count);
+            continue;
         }
         kept_sums<Source> kept(c, windows, sum);
         make_rows<Out>(c, kept, jobs, count);
