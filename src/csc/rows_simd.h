@@ -80,7 +80,7 @@ template <class Out, int Bytes, int Next, int N, class Dest>
 }
 
 template <class Source, class Out, int Windows, int Bytes, class Jobs>
-void make_rows(const columns& c, const axis& x, const Jobs& jobs, int count) {
+[[gnu::noinline]] void make_rows(const columns& c, const axis& x, const Jobs& jobs, int count) {
     constexpr int planes = Source::planes;
     run_weights run;
     Source take_top(c, Windows), take_bottom(c, Windows);
@@ -155,8 +155,10 @@ template <class Out, int N, class Dest>
     }
 }
 
-template <class Out, class Source, class Jobs>
-void make_rows(const columns& c, kept_sums<Source>& kept, const Jobs& jobs, int count) {
+template <class Source, class Out, class Jobs>
+[[gnu::noinline]] void make_rows_of_sums(const columns& c, int windows, const Jobs& jobs, int count) {
+    static constexpr sum_row_fn sum_rows[] = {sum_row<1>, sum_row<2>, sum_row<3>, sum_row<4>};
+    kept_sums<Source> kept(c, windows, windows > 4 ? sum_row<8> : sum_rows[windows - 1]);
     for (int i = 0; i < count; ++i) {
         const auto job = jobs[i], next = jobs[i + (i + 1 < count)];
         const half* top = kept.of(c, job.top, *job.bottom, next.top);
@@ -181,8 +183,6 @@ template <class Jobs> bool rows_are_shared(const Jobs& jobs, int count) {
 template <class Source, class Out, int Bytes, class Jobs>
 [[gnu::noinline]] void make_picture(const Jobs& jobs, int count, const axis& x, const row_shape& shape) {
     const int windows = shape.windows;
-    static constexpr sum_row_fn sum_rows[] = {sum_row<1>, sum_row<2>, sum_row<3>, sum_row<4>};
-    const sum_row_fn sum = windows > 4 ? sum_row<8> : sum_rows[windows - 1];
     const bool keep = windows > 4 || rows_are_shared(jobs, count);
     s64 most = keep ? kept_sums<Source>::most : 1 << 16;
     most = std::min<s64>(most, ((Source::most - s64{128}) << 18) / (x.step << x.shift));
@@ -190,15 +190,14 @@ template <class Source, class Out, int Bytes, class Jobs>
     columns c;
     for (std::ptrdiff_t first = 0; first < shape.samples; first += c.groups * lanes) {
         c = tables.template prepare<Bytes>(x, shape, first, most, !keep);
-        if (!keep) {
-            if (windows == 1) make_rows<Source, Out, 1, Bytes>(c, x, jobs, count);
-            if (windows == 2) make_rows<Source, Out, 2, Bytes>(c, x, jobs, count);
-            if (windows == 3) make_rows<Source, Out, 3, Bytes>(c, x, jobs, count);
-            if (windows == 4) make_rows<Source, Out, 4, Bytes>(c, x, jobs, count);
+        if (keep) {
+            make_rows_of_sums<Source, Out>(c, windows, jobs, count);
             continue;
         }
-        kept_sums<Source> kept(c, windows, sum);
-        make_rows<Out>(c, kept, jobs, count);
+        if (windows == 1) make_rows<Source, Out, 1, Bytes>(c, x, jobs, count);
+        if (windows == 2) make_rows<Source, Out, 2, Bytes>(c, x, jobs, count);
+        if (windows == 3) make_rows<Source, Out, 3, Bytes>(c, x, jobs, count);
+        if (windows == 4) make_rows<Source, Out, 4, Bytes>(c, x, jobs, count);
     }
 }
 
