@@ -2,6 +2,8 @@
 #include "bench.h"
 #include "operands.h"
 
+#include <algorithm>
+#include <limits>
 #include <map>
 
 namespace zelt::bench {
@@ -94,6 +96,7 @@ struct block_data {
     explicit block_data(const kernel& k) {
         const shape picture = pictures[0], size = k.shapes.front();
         std::vector<operand> operands = k.operands(size);
+        if (operands.size() == 1) operands.push_back(operands[0]);
         for (int i = 0; i < 2; ++i)
             operands[static_cast<std::size_t>(i)].width = picture.w,
             operands[static_cast<std::size_t>(i)].rows = picture.h;
@@ -135,10 +138,14 @@ struct block_data {
 std::function<u64(const blocks&)> over_places(timing signature, function f) {
     using pair_fn = u32(const void*, const void*, int, int);
     using sized_pair_fn = u32(int, int, const void*, const void*, int, int);
+    using early_exit_fn = int(int, int, const void*, const void*, int, int, int);
+    using residual_fn = u32(const void*);
     using difference_fn = void(const void*, const void*, int, int, int, s16*);
     using sized_difference_fn = void(int, int, const void*, const void*, int, int, int, s16*);
     const auto over = [](auto call) {
-        return [=](const blocks& k) { return k.visit([&](const u8* a, const u8* b) { return call(k, a, b); }); };
+        return [=](const blocks& k) {
+            return k.visit([&, one = call](const u8* a, const u8* b) mutable { return one(k, a, b); });
+        };
     };
     switch (signature) {
     case timing::pair:
@@ -149,6 +156,14 @@ std::function<u64(const blocks&)> over_places(timing signature, function f) {
         return over([f = reinterpret_cast<sized_pair_fn*>(f)](const blocks& k, const u8* a, const u8* b) {
             return f(k.size.w, k.size.h, a, b, k.a_stride, k.b_stride);
         });
+    case timing::early_exit:
+        return over([f = reinterpret_cast<early_exit_fn*>(f), n = 0, best = 0](const blocks& k, const u8* a,
+                                                                               const u8* b) mutable {
+            if (n++ % candidates_of_a_block == 0) best = std::numeric_limits<int>::max();
+            return best = std::min(best, f(k.size.w, k.size.h, a, b, k.a_stride, k.b_stride, best));
+        });
+    case timing::residual:
+        return over([f = reinterpret_cast<residual_fn*>(f)](const blocks&, const u8* a, const u8*) { return f(a); });
     case timing::difference:
         return over([f = reinterpret_cast<difference_fn*>(f)](const blocks& k, const u8* a, const u8* b) {
             f(a, b, k.a_stride, k.b_stride, k.d_stride, k.d);
@@ -176,6 +191,13 @@ std::vector<candidate> block_candidates(const kernel& k, const std::string& titl
     for (const library& l : libraries()) add(l.name, over_places(k.timed, l.find(exported_name(k))));
     const auto [first, last] = block_peers().equal_range(k.name);
     for (auto p = first; p != last; ++p) add(p->second.name, p->second.run);
+    if (const std::string suffix = "_bi"; k.name.ends_with(suffix)) {  // what mixed samples cost, which no other has
+        const std::string of_bytes = k.name.substr(0, k.name.size() - suffix.size());
+        const std::vector<kernel> kernels = all_kernels();
+        const auto found = std::ranges::find(kernels, of_bytes, &kernel::name);
+        const auto planes = std::make_shared<block_data>(*found);
+        all.push_back({of_bytes, [=, run = over_places(found->timed, found->exported)] { run(planes->visited); }});
+    }
     return all;
 }
 

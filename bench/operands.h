@@ -2,6 +2,7 @@
 // Memory for the operands of a kernel, and what its name says.
 #include "kernels/kernel.h"
 
+#include <cctype>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -48,13 +49,14 @@ private:
 
 inline std::string exported_name(const kernel& k) { return k.name.substr(0, k.name.find(' ')); }
 
-/// "csc" and "yuv444_to_rgb565" of zelt_csc_yuv444_to_rgb565, "sad" and "sad16x16" of zelt_sad16x16. What resizes is in
-/// one family, whether it converts or not.
+/// "csc" and "yuv444_to_rgb565" of zelt_csc_yuv444_to_rgb565, "sad" and "sad_16" of zelt_sad_16. What resizes is in one
+/// family, whether it converts or not.
 inline std::pair<std::string, std::string> family_and_rest(const std::string& name) {
     for (const std::string resizes : {"zelt_csc_rsz_", "zelt_irsz"})
         if (name.rfind(resizes, 0) == 0) return {"rsz", name.substr(resizes.size())};
     const std::string rest = name.substr(std::strlen("zelt_"));
     const std::string family = rest.substr(0, rest.find_first_not_of("abcdefghijklmnopqrstuvwxyz"));
-    return {family, rest[family.size()] == '_' ? rest.substr(family.size() + 1) : rest};
+    const bool word_follows = rest[family.size()] == '_' && !std::isdigit(rest[family.size() + 1]);
+    return {family, word_follows ? rest.substr(family.size() + 1) : rest};
 }
 }  // namespace zelt::bench

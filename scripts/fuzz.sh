@@ -17,7 +17,7 @@ if [ "$arch" ]; then
     settings=(-DCMAKE_TOOLCHAIN_FILE="cmake/toolchains/$arch-linux-gnu-clang.cmake")
     loader=("/usr/$arch-linux-gnu/lib/ld-linux.so.2" --library-path "/usr/$arch-linux-gnu/lib")
 fi
-cmake -S . -B "$build" -G Ninja "${settings[@]}" -DCMAKE_BUILD_TYPE=Release \
+cmake -S . -B "$build" -G Ninja --no-warn-unused-cli "${settings[@]}" -DCMAKE_BUILD_TYPE=Release \
     -DZELT_FUZZ=ON -DZELT_TOOL=OFF -DZELT_BENCH=OFF >/dev/null
 mkdir -p "$build/found"
 for source in fuzz/corpus/*/; do

@@ -2,19 +2,7 @@
 #include "peers/metric.h"
 
 #define SAD(size, form) PEER("zelt_sad" #size, aom_sad##size##_##form)
-SAD(4x4, sse2)
-SAD(4x8, sse2)
-SAD(8x4, sse2)
-SAD(8x8, sse2)
-SAD(8x16, sse2)
-SAD(16x8, sse2)
-SAD(16x16, sse2)
-SAD(16x32, sse2)
-SAD(32x16, avx2)
-SAD(32x32, avx2)
-SAD(32x64, avx2)
-SAD(64x32, avx2)
-SAD(64x64, avx2)
+EACH_SAD(SAD)
 
 #define SAD_16(size, form) HIGH_DEPTH_PEER("zelt_sad" #size "_16", aom_highbd_sad##size##_##form)
 SAD_16(4x4, sse2)

@@ -37,8 +37,10 @@
 namespace zelt::simd {
 #ifdef __AVX2__
 constexpr int lanes = 32;
+constexpr bool loads_take_an_index = true;
 #else
 constexpr int lanes = 16;
+constexpr bool loads_take_an_index = false;
 #endif
 
 typedef u8 bytes __attribute__((vector_size(lanes)));   // one register of samples

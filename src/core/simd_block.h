@@ -5,7 +5,8 @@
 //   load_rows<W, R>              R rows of W bytes, one after the other; what is left of a register is 0
 //   load_words<W, R>             the same of 16-bit samples, and of bytes widened to 16 bits
 //   store_words<W, R>            R rows of W values
-//   store_difference             a - b of bytes, in 16 bits
+//   difference_words(a, b), store_difference
+//                                a - b of bytes, in words of an order of their own; stores them
 //   byte_sums, add_abs_diff      sum of |a - b| of bytes; at most 256 additions
 //   add_abs_diff(V s, a, b)      s + |a - b| of signed a and b; where that is 32767 + s or more, any such value
 //   any_high(V)                  whether any value is 2^15 or more
@@ -42,17 +43,29 @@ template <int W, int H, int N, int Widest> struct step {
 template <int W, int H> using byte_step = step<W, H, 16, lanes>;
 template <int W, int H> using word_step = step<W, H, 8, word_lanes>;
 
-/// Calls f(a, b) at the place of every register of a block, four down a column in a turn of the loop: their addresses
-/// need no more than a stride and three of it. Blocks of few registers are straight code; of more the compiler would
-/// keep all that is added up.
+/// p, with nothing known of how it came about
+template <class T> T* opaque(T* p) {
+    asm("" : "+r"(p));
+    return p;
+}
+
+/// Calls f(a, b) at the place of every register of a block, four down a column in a turn of the loop: as indices they
+/// need no more than a stride and three of it. Where a row has several registers, or loads take no index, one address
+/// moves down. Blocks of few registers are straight code; of more the compiler would keep all that is added up.
 template <class Step, int W, int H, int Few, class A, class B, class F>
 [[gnu::always_inline]] inline void each_step(const A* a, const B* b, std::ptrdiff_t sa, std::ptrdiff_t sb, F f) {
-    constexpr bool straight = W / Step::columns * (H / Step::rows) <= Few;
-    constexpr int turn = straight || H < 4 * Step::rows ? H : 4 * Step::rows;
+    constexpr int turn = H < 4 * Step::rows ? H : 4 * Step::rows;
+    constexpr int turns_at_once = W / Step::columns * (H / Step::rows) <= Few ? H / turn : 1;
 #pragma GCC unroll 1
-    for (int y = 0; y < H; y += turn, a += turn * sa, b += turn * sb)
-        for (int i = 0; i < turn; i += Step::rows)
-            for (int x = 0; x < W; x += Step::columns) f(a + i * sa + x, b + i * sb + x);
+    for (int y = 0; y < H; y += turn * turns_at_once)
+        for (int n = 0; n < turns_at_once; ++n)
+            if constexpr (W > Step::columns || (!loads_take_an_index && Step::rows == 1)) {
+                for (int i = 0; i < turn; ++i, a = opaque(a + sa), b = opaque(b + sb))
+                    for (int x = 0; x < W; x += Step::columns) f(a + x, b + x);
+            } else {
+                for (int i = 0; i < turn; i += Step::rows) f(a + i * sa, b + i * sb);
+                a += turn * sa, b += turn * sb;
+            }
 }
 
 /// Calls f(W, x, y, rows) for strips of W columns that make up an area of any size, W being an integral constant: a
@@ -74,10 +87,13 @@ template <class F> [[gnu::always_inline]] inline void each_strip(int w, int h, F
 /// Where a register has two lanes
 template <class V> void exchange_lanes(V& a, V& b);
 
+/// v, which the compiler does not take apart: where both b and a - b are used it would work out -b too
+template <class V> V as_it_is(V v);
+
 /// (a, b) to (a + b, a - b)
 template <class V> void butterfly(V& a, V& b) {
     const V sum = a + b;
-    b = a - b, a = sum;
+    b = as_it_is(a - b), a = sum;
 }
 }  // namespace zelt::simd
 

@@ -4,6 +4,11 @@
 namespace zelt::simd {
 template <class V> constexpr bool is_wide = sizeof(V) == 32;
 
+template <class V> V as_it_is(V v) {
+    asm("" : "+x"(v));
+    return v;
+}
+
 inline __m128i load_xmm(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
 template <class T> int load_as_int(const void* p) {
     T v;
@@ -79,12 +84,12 @@ template <int W, int R> auto paired_residual(const u8* a, const u8* b, std::ptrd
         const __m256i signs =
             W == 16 ? _mm256_setr_epi32(together, together, together, together, apart, apart, apart, apart)
                     : _mm256_setr_epi32(together, together, apart, apart, together, together, apart, apart);
-        return (uhalf)_mm256_maddubs_epi16(double_rows<W, R>(a, sa), signs) -
-               (uhalf)_mm256_maddubs_epi16(double_rows<W, R>(b, sb), signs);
+        return as_it_is((uhalf)_mm256_maddubs_epi16(double_rows<W, R>(a, sa), signs) -
+                        (uhalf)_mm256_maddubs_epi16(double_rows<W, R>(b, sb), signs));
     } else {
         const __m128i signs = _mm_set_epi64x(static_cast<s64>(0xFF01FF01FF01FF01), 0x0101010101010101);
-        return (words8)_mm_maddubs_epi16(double_rows<W, R>(a, sa), signs) -
-               (words8)_mm_maddubs_epi16(double_rows<W, R>(b, sb), signs);
+        return as_it_is((words8)_mm_maddubs_epi16(double_rows<W, R>(a, sa), signs) -
+                        (words8)_mm_maddubs_epi16(double_rows<W, R>(b, sb), signs));
     }
 }
 template <int W, int R, class V> void store_words(s16* p, std::ptrdiff_t stride, V v) {
@@ -104,8 +109,10 @@ template <int W, int R, class V> void store_words(s16* p, std::ptrdiff_t stride,
     }
 }
 
-inline void store_difference(s16* p, bytes a, bytes b) {
-    const words d = dot<1, -1>(a, b);  // of each 128 bits the low and the high half
+inline words difference_words(bytes a, bytes b) {
+    return dot<1, -1>(a, b);
+}  // of each 128 bits the low and the high half
+inline void store_difference(s16* p, words d) {
     u8* to = reinterpret_cast<u8*>(p);
     store_register(to, _mm256_permute2x128_si256((__m256i)d.lo, (__m256i)d.hi, 0x20));
     store_register(to + lanes, _mm256_permute2x128_si256((__m256i)d.lo, (__m256i)d.hi, 0x31));

@@ -8,6 +8,11 @@ template <class T> T load_as(const void* p) {  // a plain load: a lane load of a
     return v;
 }
 
+template <class V> V as_it_is(V v) {
+    asm("" : "+w"(v));
+    return v;
+}
+
 /// R rows of `Bytes` bytes each, in half a register
 template <int Bytes, int R> uint8x8_t pack_half(const u8* p, std::ptrdiff_t stride) {
     static_assert(Bytes * R <= 8);
@@ -62,10 +67,8 @@ template <int W, int R> void store_words(s16* p, std::ptrdiff_t stride, uhalf v)
         for (int i = 0; i < R; ++i) std::memcpy(p + i * stride, reinterpret_cast<const u8*>(&v) + 2 * W * i, 2 * W);
 }
 
-inline void store_difference(s16* p, bytes a, bytes b) {
-    const words d = difference(a, b);
-    vst1q_s16(p, (int16x8_t)d.lo), vst1q_s16(p + 8, (int16x8_t)d.hi);
-}
+inline words difference_words(bytes a, bytes b) { return difference(a, b); }
+inline void store_difference(s16* p, words d) { vst1q_s16(p, (int16x8_t)d.lo), vst1q_s16(p + 8, (int16x8_t)d.hi); }
 
 inline sums extend(sums s) { return s; }
 inline uhalf extend(uhalf s) { return s; }

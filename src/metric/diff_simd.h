@@ -3,22 +3,34 @@
 #include "metric/diff_scalar.h"
 
 namespace zelt::simd {
-/// W columns and R rows in one register
-template <int W, int R, class A, class B> void diff_step(const A* a, const B* b, int sa, int sb, int sd, s16* d) {
-    store_words<W, R>(d, sd, load_words<W, R>(a, sa) - load_words<W, R>(b, sb));
-}
-
-template <int W, int H, class A, class B> void diff(const A* a, const B* b, int sa, int sb, int sd, s16* d) {
+/// Two registers are loaded before they are stored: a load waits for the stores before it that might be to its place.
+template <int W, int H, class A, class B> void diff(const A* a, const B* b, int s_a, int s_b, int s_d, s16* d) {
     constexpr bool of_bytes = std::is_same_v<A, u8> && std::is_same_v<B, u8> && W >= lanes;
     using step = std::conditional_t<of_bytes, byte_step<W, H>, word_step<W, H>>;
-    for (int y = 0; y < H; y += step::rows) {
-        for (int x = 0; x < W; x += step::columns)
-            if constexpr (of_bytes)
-                store_difference(d + x, load_rows<lanes, 1>(a + x, sa), load_rows<lanes, 1>(b + x, sb));
-            else
-                diff_step<step::columns, step::rows>(a + x, b + x, sa, sb, sd, d + x);
-        a += step::rows * std::ptrdiff_t{sa}, b += step::rows * std::ptrdiff_t{sb},
-            d += step::rows * std::ptrdiff_t{sd};
+    constexpr bool one = W == step::columns && H == step::rows, down = W == step::columns;
+    constexpr int rows = down && !one ? 2 * step::rows : step::rows, columns = down ? W : 2 * step::columns;
+    const std::ptrdiff_t sa = s_a, sb = s_b, sd = s_d;
+    const auto subtract = [=](const A* pa, const B* pb) {
+        if constexpr (of_bytes)
+            return difference_words(load_rows<lanes, 1>(pa, sa), load_rows<lanes, 1>(pb, sb));
+        else
+            return load_words<step::columns, step::rows>(pa, sa) - load_words<step::columns, step::rows>(pb, sb);
+    };
+    const auto store = [=](s16* pd, auto v) {
+        if constexpr (of_bytes)
+            store_difference(pd, v);
+        else
+            store_words<step::columns, step::rows>(pd, sd, v);
+    };
+    const auto second = [](auto* p, std::ptrdiff_t stride) { return p + (down ? step::rows * stride : step::columns); };
+    if constexpr (one) return store(d, subtract(a, b));
+#pragma GCC unroll 8
+    for (int y = 0; y < H; y += rows) {
+        for (int x = 0; x < W; x += columns) {
+            const auto v = subtract(a + x, b + x), w = subtract(second(a + x, sa), second(b + x, sb));
+            store(d + x, v), store(second(d + x, sd), w);
+        }
+        a = opaque(a + rows * sa), b = opaque(b + rows * sb), d = opaque(d + rows * sd);
     }
 }
 
@@ -31,7 +43,7 @@ template <class A, class B> void diff(int w, int h, const A* a, const B* b, int 
             if constexpr (width == 1)
                 *pd = static_cast<s16>(*pa - *pb);
             else
-                diff_step<width, 1>(pa, pb, sa, sb, sd, pd);
+                store_words<width, 1>(pd, sd, load_words<width, 1>(pa, sa) - load_words<width, 1>(pb, sb));
     });
 }
 }  // namespace zelt::simd

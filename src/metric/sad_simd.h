@@ -18,10 +18,11 @@ template <int W> using row_sums = byte_sums<std::conditional_t<(W >= lanes), byt
 template <int W, int H>
 row_sums<W> add_block(row_sums<W> sum, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
     using step = byte_step<W, H>;
-    each_step<step, W, H, 16>(a, b, sa, sb, [&](const u8* pa, const u8* pb) {
-        sum = add_abs_diff(sum, load_rows<step::columns, step::rows>(pa, sa),
-                           load_rows<step::columns, step::rows>(pb, sb));
-    });
+    const auto add = [&](const u8* pa, const u8* pb) {
+        sum = add_abs_diff(sum, load_rows<step::columns, step::rows>(pb, sb),
+                           load_rows<step::columns, step::rows>(pa, sa));
+    };
+    each_step<step, W, H, 16>(a, b, sa, sb, add);
     return sum;
 }
 
@@ -120,22 +121,25 @@ template <int W, int H, class A, class B>
 }
 
 template <int W, int H, class B>
-requires worth_a_register<W, H, s16> u32 sad(const s16* a, const B* b, int sa, int sb) {
-    constexpr int rows = word_step<W, H>::rows, columns = word_step<W, H>::columns;
-    using V = words_of<columns * rows>;
-    constexpr int group = std::min(magnitudes<V>::at_once * columns / W, H / rows) * rows;
+requires worth_a_register<W, H, s16> u32 sad(const s16* a, const B* b, int s_a, int s_b) {
+    using step = word_step<W, H>;
+    using V = words_of<step::columns * step::rows>;
+    constexpr int group = std::min(magnitudes<V>::at_once * step::columns / W, H / step::rows) * step::rows;
+    const std::ptrdiff_t sa = s_a, sb = s_b;
+    magnitudes<V> all;
     const s16* pa = a;
     const B* pb = b;
-    magnitudes<V> all;
-    for (int y = 0; y < H; y += group) {
+    for (int y = 0; y < H; y += group, pa += group * sa, pb += group * sb) {
         V part = magnitudes<V>::start();
-        for (int i = 0; i < group; i += rows, pa += rows * std::ptrdiff_t{sa}, pb += rows * std::ptrdiff_t{sb})
-            for (int x = 0; x < W; x += columns)
-                part = add_abs_diff(part, load_words<columns, rows>(pb + x, sb), load_words<columns, rows>(pa + x, sa));
+        const auto add = [&](const s16* of_a, const B* of_b) {
+            part = add_abs_diff(part, load_words<step::columns, step::rows>(of_b, sb),
+                                load_words<step::columns, step::rows>(of_a, sa));
+        };
+        each_step<step, W, group, magnitudes<V>::at_once>(pa, pb, sa, sb, add);
         all.add(part);
     }
     if (!all.exact()) [[unlikely]]
-        return sad_of_large<W, H>(a, b, sa, sb);
+        return sad_of_large<W, H>(a, b, s_a, s_b);
     return all.total();
 }
 

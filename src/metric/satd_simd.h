@@ -30,14 +30,15 @@ enum class range {
 
 /// Sums up the costs of tiles.
 template <range Range> struct tile_costs {
+    static constexpr int rows_at_once = Range == range::of_bytes ? 32 : 64;  // and no more than the cache keeps
     sums sum{};
-    uhalf seen{};
+    uhalf part{}, seen{};  // four rows of bytes add 4080 at most to a part
 
     /// Four rows, of one or more tiles
     template <class V> void add_rows(V a, V b, V c, V d) {
         butterflies(a, b, c, d), butterflies(a, c, b, d);
         if constexpr (Range == range::of_bytes) {
-            sum += extend(add_pairs(sums_of<V>{}, last_of_neighbours(a, b) + last_of_neighbours(c, d)));
+            part += extend(last_of_neighbours(a, b) + last_of_neighbours(c, d));
         } else {
             exchange_words(a, b), exchange_words(c, d);
             butterflies(a, b, c, d);
@@ -49,6 +50,10 @@ template <range Range> struct tile_costs {
                 sum += extend(add_pairs(sums_of<V>{}, half_ab + half_cd)), seen |= extend(half_ab | half_cd);
             }
         }
+    }
+    /// Comes after rows_at_once
+    void add_part() {
+        if constexpr (Range == range::of_bytes) sum = add_pairs(sum, part), part = uhalf{};
     }
     bool exact() const { return Range != range::usual || !any_high(seen | (seen + seen)); }
 };
@@ -66,7 +71,7 @@ template <range Range> sums4 tile_cost(words8 a, words8 b) {
 }
 
 template <int W, int R, class A, class B> auto residual(const A* a, const B* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
-    return load_words<W, R>(a, sa) - load_words<W, R>(b, sb);
+    return as_it_is(load_words<W, R>(a, sa) - load_words<W, R>(b, sb));
 }
 
 inline u32 hadamard4x4(const s16* d) {
@@ -94,7 +99,7 @@ template <int W, int R, range Range, class A>
     };
     costs.add_rows(row(0), row(1), row(2), row(3));
 }
-/// Any number of rows of 4, 8 or as many columns as a register has
+/// Up to rows_at_once rows of 4, 8 or as many columns as a register has
 template <int W, range Range, class A>
 [[gnu::always_inline]] inline void add_strip(tile_costs<Range>& costs, int h, const A* a, const A* b, std::ptrdiff_t sa,
                                              std::ptrdiff_t sb) {
@@ -105,13 +110,14 @@ template <int W, range Range, class A>
         for (; h > 4 * (together - 1); h -= 4 * together, a += 4 * together * sa, b += 4 * together * sb)
             add_rows<W, together>(costs, a, b, sa, sb);
         if (together == 2 && h > 0) add_rows<W, 1>(costs, a, b, sa, sb);
+        costs.add_part();
     }
 }
 
-/// Strip by strip, and not more rows at a time than the cache keeps
+/// Strip by strip
 template <range Range, class A>
 [[gnu::noinline]] u32 satd_tiles_of_any_width(int w, int h, const A* a, const A* b, int sa, int sb) {
-    constexpr int most = 64;
+    constexpr int most = tile_costs<Range>::rows_at_once;
     tile_costs<Range> costs;
     const A *pa = a, *pb = b;
     for (int left = h; left > 0; left -= most, pa += most * std::ptrdiff_t{sa}, pb += most * std::ptrdiff_t{sb}) {

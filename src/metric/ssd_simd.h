@@ -3,6 +3,7 @@
 #include "metric/ssd_scalar.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace zelt::simd {
 /// What one register takes: whole bytes where a row has as many, otherwise 16-bit samples of one row or more
@@ -17,20 +18,16 @@ template <int W, int H, class Sample>
 [[gnu::always_inline]] inline void add_block(typename square_step<W, Sample>::sums& sum, const Sample* a,
                                              const Sample* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
     using step = square_step<W, Sample>;
-    constexpr int turn = std::min(H, 4 * step::rows);
-    typename square_step<W, Sample>::sums other{};  // every second register, so that one sum does not wait for another
-#pragma GCC unroll 1
-    for (int y = 0; y < H; y += turn, a += turn * sa, b += turn * sb)
-        for (int i = 0, n = 0; i < turn; i += step::rows)
-            for (int x = 0; x < W; x += step::columns, ++n) {
-                auto& part = n % 2 ? other : sum;
-                const Sample *pa = a + i * sa + x, *pb = b + i * sb + x;
-                if constexpr (step::of_bytes)
-                    part = add_squares(part, load_rows<lanes, 1>(pa, sa), load_rows<lanes, 1>(pb, sb));
-                else
-                    part = add_squares(part, load_words<step::columns, step::rows>(pa, sa),
-                                       load_words<step::columns, step::rows>(pb, sb));
-            }
+    typename step::sums other{};  // takes every second register, so that one sum does not wait for another
+    const auto add_to_either = [&](const Sample* pa, const Sample* pb) {
+        if constexpr (step::of_bytes)
+            sum = add_squares(sum, load_rows<lanes, 1>(pa, sa), load_rows<lanes, 1>(pb, sb));
+        else
+            sum = add_squares(sum, load_words<step::columns, step::rows>(pa, sa),
+                              load_words<step::columns, step::rows>(pb, sb));
+        std::swap(sum, other);
+    };
+    each_step<step, W, H, 4>(a, b, sa, sb, add_to_either);
     sum = add(sum, other);
 }
 

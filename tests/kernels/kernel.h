@@ -43,6 +43,8 @@ enum class timing {
     counted_picture,  // likewise, but the benchmark has rows of its own: only the instructions are counted
     pair,             // u32 f(a, b, sa, sb): two blocks as a motion search picks them, of the kernel's first shape
     sized_pair,       // u32 f(w, h, a, b, sa, sb): likewise
+    early_exit,       // int f(w, h, a, b, sa, sb, threshold): likewise, against the least of the block before
+    residual,         // u32 f(const s16* d)
     difference,       // void f(a, b, sa, sb, sd, s16* d): likewise, with a third block that is written
     sized_difference  // void f(w, h, a, b, sa, sb, sd, s16* d)
 };

@@ -224,8 +224,8 @@ const std::vector<shape> ssd_shapes = {{4, 1},  {4, 4},  {4, 9},   {8, 4},  {8, 
 const std::vector<shape> ssd_16_shapes = {{4, 2},  {4, 4},  {4, 3},  {4, -5}, {8, 2},   {8, 8},
                                           {8, 4},  {8, 0},  {16, 2}, {16, 4}, {16, 16}, {16, 5},
                                           {32, 2}, {32, 9}, {64, 1}, {64, 7}, {5, 4},   {0, 9}};
-const std::vector<shape> eskip_shapes = {{4, 1},  {4, 7},   {8, 8}, {12, 6}, {16, 16}, {20, 5},
-                                         {32, 9}, {64, 64}, {7, 6}, {1, 4},  {100, 13}};
+const std::vector<shape> eskip_shapes = {{16, 16}, {4, 1},   {4, 7}, {8, 8}, {12, 6},  {20, 5},
+                                         {32, 9},  {64, 64}, {7, 6}, {1, 4}, {100, 13}};
 const std::vector<shape> timed_shapes = {{4, 4}, {8, 8}, {16, 16}, {32, 32}, {64, 64}};
 }  // namespace
 
@@ -296,7 +296,8 @@ std::vector<kernel> metric_kernels() {
            eskip_shapes,
            {},
            eskip,
-           [](shape s, const view* v) { return eskip_model(bytes, s, v); }},
+           [](shape s, const view* v) { return eskip_model(bytes, s, v); },
+           timing::early_exit},
           bytes, same);
 
     // The stored residual is a block whose rows lie together, against one of zeros.
@@ -311,7 +312,8 @@ std::vector<kernel> metric_kernels() {
     for (const range& r : {range{"", -255, 255}, range{" full", -32768, 32767}}) {
         const auto residual = [=](shape s) { return std::vector<operand>{{s.w, s.h, 2, r.low, r.high}}; };
         t.rows.push_back({std::string("zelt_hadamard4x4") + r.name, reinterpret_cast<function>(zelt_hadamard4x4),
-                          std::vector<shape>(8, {16, 1}), residual, hadamard, hadamard_model, timing::none, true});
+                          std::vector<shape>(8, {16, 1}), residual, hadamard, hadamard_model,
+                          *r.name ? timing::none : timing::residual, true});
     }
     return t.rows;
 }
