@@ -44,7 +44,7 @@ void add_fills() {
 
 void add_copies() {
     for (const area_size s : area_sizes) {
-        const bool block = s.w < 64;
+        const bool block = s.w <= 64;
         add_our_row(
             "memory", sized("copy", s), "byte", places(s, stride_of(s)).bytes(),
             [=](const library& l) {
@@ -62,53 +62,33 @@ void add_copies() {
 }
 
 /// The border of one plane as one writes it: a byte, a row
-void expand_plainly(ZELT_IMGB* img, int plane, int border) {
-    u8* const start = static_cast<u8*>(img->plane[plane]);
-    const std::ptrdiff_t stride = img->stride[plane];
-    const std::size_t n = static_cast<std::size_t>(border), row = static_cast<std::size_t>(stride);
-    const int w = img->stride[plane] - 2 * border, h = img->rows[plane] - 2 * border;
-    for (int y = 0; y < h; ++y) {
-        u8* p = start + y * stride;
-        std::memset(p - n, p[0], n);
-        std::memset(p + w, p[w - 1], n);
+void expand_plainly(const plane& p, int border) {
+    const std::size_t n = static_cast<std::size_t>(border), row = static_cast<std::size_t>(p.stride);
+    for (int y = 0; y < p.h; ++y) {
+        u8* left = p.start + y * p.stride;
+        std::memset(left - n, left[0], n);
+        std::memset(left + p.w, left[p.w - 1], n);
     }
     for (int y = 1; y <= border; ++y) {
-        std::memcpy(start - n - y * stride, start - n, row);
-        std::memcpy(start - n + (h - 1 + y) * stride, start - n + (h - 1) * stride, row);
+        std::memcpy(p.start - n - y * p.stride, p.start - n, row);
+        std::memcpy(p.start - n + (p.h - 1 + y) * p.stride, p.start - n + (p.h - 1) * p.stride, row);
     }
 }
 
 void add_borders() {
-    struct {
-        area_size size;
-        int border;
-    } const pictures[] = {{{64, 64}, 16}, {{320, 240}, 32}, {{1920, 1080}, 80}};
-    for (const auto& picture : pictures) {
-        const area_size s = picture.size;
-        const int border = picture.border;
-        const u32 word = static_cast<u32>(border << 16 | border);
-        const auto with_picture = [=](const char* name, auto expand) {
-            const u32 pad[] = {word, word, word};
-            const auto drop = [](ZELT_IMGB* i) { i->release(i); };
-            std::shared_ptr<ZELT_IMGB> img(
-                zelt_imgb_create(s.w, s.h, ZELT_CS_YUV420, 0, nullptr, pad, nullptr, nullptr, nullptr), drop);
-            return candidate{name, [=] { expand(img.get()); }};
-        };
-        const double written = 1.5 * 4 * border * (s.w / 2.0 + s.h / 2.0 + 2.0 * border);
+    for (const bordered_size b : bordered_sizes) {
+        const area_size s = b.size;
+        const double written = 1.5 * 4 * b.border * (s.w / 2.0 + s.h / 2.0 + 2.0 * b.border);
         add_our_row(
             "border", sized("expand", s), "byte", written,
             [=](const library& l) {
-                const auto expand = l.find<decltype(zelt_imgb_expand)>("zelt_imgb_expand");
-                return with_picture(l.name, [=](ZELT_IMGB* img) {
-                    const u32 pad[] = {word, word, word};
-                    expand(img, pad);
-                });
+                return border_candidate(
+                    l.name, b, [=, expand = l.find<decltype(zelt_imgb_expand)>("zelt_imgb_expand")](ZELT_IMGB* img) {
+                        const u32 word = padding_word(b.border), pad[] = {word, word, word};
+                        expand(img, pad);
+                    });
             },
-            [=] {
-                return with_picture("memset and memcpy", [=](ZELT_IMGB* img) {
-                    for (int i = 0; i < 3; ++i) expand_plainly(img, i, border);
-                });
-            });
+            [=] { return border_candidate("memset and memcpy", b, over_planes(b.border, expand_plainly)); });
     }
 }
 

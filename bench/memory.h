@@ -1,6 +1,7 @@
 #pragma once
 // What the fills, copies, digests and rings work on, for us and for peers.
 #include "bench.h"
+#include "zelt/imgb.h"
 #include "zelt/md5.h"
 
 #include <cstddef>
@@ -80,6 +81,47 @@ template <class F> candidate copy_candidate(std::string name, area_size s, F f) 
             }};
 }
 
+/// 4:2:0 pictures with the same border around every plane
+struct bordered_size {
+    area_size size;
+    int border;
+};
+constexpr bordered_size bordered_sizes[] = {{{64, 64}, 16}, {{320, 240}, 32}, {{1920, 1080}, 80}};
+constexpr u32 padding_word(int border) { return static_cast<u32>(border << 16 | border); }
+
+struct plane {
+    u8* start;  // the first sample, behind the border
+    std::ptrdiff_t stride;
+    int w, h;  // without border
+};
+/// f(plane, border) for every plane of a picture
+template <class F> auto over_planes(int border, F f) {
+    return [=](ZELT_IMGB* img) {
+        for (int i = 0; i < 3; ++i)
+            f(plane{static_cast<u8*>(img->plane[i]), img->stride[i], img->stride[i] - 2 * border,
+                    img->rows[i] - 2 * border},
+              border);
+    };
+}
+
+/// f(picture) gives it its border, which must be ours.
+template <class F> candidate border_candidate(std::string name, bordered_size b, F f) {
+    const u32 word = padding_word(b.border), pad[] = {word, word, word};
+    const auto make = [&] {
+        const auto drop = [](ZELT_IMGB* i) { i->release(i); };
+        std::shared_ptr<ZELT_IMGB> img(
+            zelt_imgb_create(b.size.w, b.size.h, ZELT_CS_YUV420, 0, nullptr, pad, nullptr, nullptr, nullptr), drop);
+        for (int i = 0; i < img->size; ++i) static_cast<u8*>(img->base[0])[i] = static_cast<u8>(i * 7 + i / 1000);
+        return img;
+    };
+    const auto ours = make(), theirs = make();
+    zelt_imgb_expand(ours.get(), pad);
+    f(theirs.get());
+    if (std::memcmp(ours->base[0], theirs->base[0], static_cast<std::size_t>(ours->size)))
+        reject(sized("expand", b.size), name);
+    return {std::move(name), [=] { f(theirs.get()); }};
+}
+
 constexpr int message_sizes[] = {64, 1500, 1 << 16};
 
 /// f(bytes, size, digest of 16 bytes), which must be ours
@@ -104,6 +146,9 @@ constexpr int packet_size = 1316, packets = 40, ring_size = 1 << 16;
 
 /// put(packet) and get(packet)
 template <class Put, class Get> candidate ring_candidate(std::string name, Put put, Get get) {
+    u8 in[packet_size] = {1, 2, 3}, out[packet_size];
+    put(in), get(out);
+    if (std::memcmp(in, out, packet_size)) reject(sized("put and get", packet_size), name);
     return {std::move(name), [=] {
                 u8 packet[packet_size] = {1};
                 for (int i = 0; i < packets; ++i) put(packet);

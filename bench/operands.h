@@ -56,6 +56,7 @@ inline std::pair<std::string, std::string> family_and_rest(const std::string& na
         if (name.rfind(resizes, 0) == 0) return {"rsz", name.substr(resizes.size())};
     const std::string rest = name.substr(std::strlen("zelt_"));
     const std::string family = rest.substr(0, rest.find_first_not_of("abcdefghijklmnopqrstuvwxyz"));
+    if (family == "hadamard") return {"satd", rest};  // the transform alone
     const bool word_follows = rest[family.size()] == '_' && !std::isdigit(rest[family.size() + 1]);
     return {family, word_follows ? rest.substr(family.size() + 1) : rest};
 }

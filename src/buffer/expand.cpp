@@ -34,8 +34,8 @@ void expand_sideways(const u8* src, u8* dst, s64 rows, s64 stride, int count) {
 }
 
 void expand_sideways_16(const u8* src, u8* dst, s64 rows, s64 stride, int count) {
-    for (; rows > 0; --rows, src += stride, dst += stride)
-        fast::fill(dst, load_loose<u16>(src) * 0x10001u, 2 * s64{count});
+    const std::size_t bytes = count > 0 ? 2 * static_cast<std::size_t>(count) : 0;
+    for (; rows > 0; --rows, src += stride, dst += stride) fast::fill(dst, load_loose<u16>(src) * 0x10001u, bytes);
 }
 
 s64 round_to_even(s64 stride) { return (stride + 1) >> 1 << 1; }
@@ -51,8 +51,13 @@ struct bordered {
     void expand() const {
         const s64 step = element == 2 ? round_to_even(stride) : stride;
         // Kept: the left border is as wide as the high half says, and starts where the low half says.
-        sideways(origin, origin - s64{by} * element, step);
-        sideways(origin + (w - 1) * element, origin + w * element, step);
+        // With equal halves the two do not meet, and rows that lie together are filled together.
+        const s64 together = bx == by ? 32 : h;
+        for (s64 r = 0; r < h; r += together) {
+            const s64 row = origin + r * step, n = std::min(together, h - r);
+            sideways(row, row - s64{by} * element, n, step);
+            sideways(row + (w - 1) * element, row + w * element, n, step);
+        }
         if (by && element == 1 && stride % 4) stop();
         const s64 first = origin - s64{bx} * element, last = first + (h - 1) * stride;
         for (int r = 1; r <= by; ++r) repeat_row(first, first - r * stride);
@@ -62,13 +67,13 @@ struct bordered {
 private:
     bool holds(s64 from, s64 bytes) const { return from >= 0 && from + bytes <= size; }
 
-    void sideways(s64 src, s64 dst, s64 step) const {
+    void sideways(s64 src, s64 dst, s64 n, s64 step) const {
         const auto fill = element == 1 ? expand_sideways : expand_sideways_16;
-        const s64 last = (h - 1) * step, run = s64{bx} * element;
+        const s64 last = (n - 1) * step, run = s64{bx} * element;
         if (holds(src, element) && holds(src + last, element) && holds(dst, run) && holds(dst + last, run))
-            return fill(memory + src, memory + dst, h, step, bx);
+            return fill(memory + src, memory + dst, n, step, bx);
         fill(memory, memory, 0, step, bx);  // stops where the width is wrong
-        for (s64 r = 0; r < h; ++r, src += step, dst += step) {
+        for (s64 r = 0; r < n; ++r, src += step, dst += step) {
             const s64 left = std::max<s64>(-dst, 0), end = std::min(run, size - dst);
             for (s64 i = (left + element - 1) / element * element; i + element <= end && holds(src, element);
                  i += element)
@@ -78,7 +83,7 @@ private:
 
     void repeat_row(s64 src, s64 dst) const {
         const s64 left = std::max({s64{0}, -src, -dst}), end = std::min({stride, size - src, size - dst});
-        if (left < end) fast::copy(memory + dst + left, memory + src + left, end - left);
+        if (left < end) fast::copy(memory + dst + left, memory + src + left, static_cast<std::size_t>(end - left));
     }
 };
 }  // namespace
@@ -120,5 +125,6 @@ void zelt_imgb_expand_hor(const uint8_t* src, uint8_t* dst, int32_t width, int32
     if (width % 4) stop();
     // Kept: rows whose width is an odd multiple of 4 are written in groups of eight.
     const s64 rows = width % 8 ? (s64{count} + 7) / 8 * 8 : count;
-    for (s64 r = 0; r < rows; ++r) fast::copy(dst + r * width, src, width);
+    if (width <= 0) return;
+    for (s64 r = 0; r < rows; ++r, dst += width) fast::copy(dst, src, static_cast<std::size_t>(width));
 }

@@ -2,7 +2,14 @@
 // and the step's result; whatever does not depend on `b` is kept off that path.
 #include "zelt/md5.h"
 
+#include "core/isa.h"
 #include "core/types.h"
+
+#if ZELT_SIMD
+#include "core/fill_simd.h"
+#else
+#include "core/fill_scalar.h"
+#endif
 
 #include <algorithm>
 #include <bit>
@@ -78,7 +85,11 @@ void transform(u32 (&state)[4], const u8* data, std::size_t blocks) {
 }
 }  // namespace
 
-void zelt_md5_init(ZELT_MD5* ctx) { *ctx = {{0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476}, {}, 0, 0}; }
+void zelt_md5_init(ZELT_MD5* ctx) {
+    constexpr u32 start[] = {0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476};
+    std::memcpy(ctx->state, start, sizeof start);
+    ctx->bits_lo = ctx->bits_hi = 0;
+}
 
 void zelt_md5_update(ZELT_MD5* ctx, const uint8_t* data, uint32_t len) {
     const std::size_t pending = ctx->bits_lo / 8 % block_size;
@@ -118,15 +129,16 @@ void zelt_md5_trans(ZELT_MD5* ctx, const uint32_t* block) {
 
 void zelt_md5_finish(ZELT_MD5* ctx, uint8_t digest[16]) {
     const std::size_t pending = ctx->bits_lo / 8 % block_size;
-    // 0x80, zeros, and the length in the last eight bytes of a block
+    // 0x80, zeros, and the length in the last eight bytes of a block; the padding reaches it in either block. Of short
+    // messages, this is much of the work: pieces of fixed sizes take a few stores each.
+    static constexpr u8 padding[block_size] = {0x80};
     u8 tail[2 * block_size];
-    const std::size_t size = pending < block_size - 8 ? block_size : 2 * block_size;
     std::memcpy(tail, ctx->buffer, block_size);
-    std::memset(tail + pending, 0, size - pending);
-    tail[pending] = 0x80;
+    std::memcpy(tail + pending, padding, block_size);
+    const std::size_t size = pending < block_size - 8 ? block_size : 2 * block_size;
     store_le32(tail + size - 8, ctx->bits_lo);
     store_le32(tail + size - 4, ctx->bits_hi);
     transform(ctx->state, tail, size / block_size);
     for (int i = 0; i < 4; ++i) store_le32(digest + 4 * i, ctx->state[i]);
-    *ctx = {};
+    fast::fill_bytes(reinterpret_cast<u8*>(ctx), 0, sizeof *ctx);
 }

@@ -13,7 +13,10 @@ using namespace zelt;
 namespace {
 bool wrapped(const ZELT_RBUF* rb) { return rb->tail > rb->head; }
 bool empty(const ZELT_RBUF* rb) { return rb->head == rb->tail; }
-bool full(const ZELT_RBUF* rb) { return rb->head == (s64{rb->tail} + rb->size - 1) % rb->size; }
+/// Whether the write index stands at (tail + size - 1) % size
+bool full(const ZELT_RBUF* rb) {
+    return rb->head == (rb->tail == 0 ? rb->size - 1 : rb->tail <= rb->size ? rb->tail - 1 : 0);
+}
 
 void copy(u8* dst, const u8* src, s64 n) {
     if (n > 0) std::memcpy(dst, src, static_cast<std::size_t>(n));

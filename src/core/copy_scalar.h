@@ -1,13 +1,16 @@
 #pragma once  // copies of memory that does not overlap
 #include "core/types.h"
 
+#include <cstddef>
 #include <cstring>
 
 namespace zelt::scalar {
-inline void copy(u8* dst, const u8* src, s64 n) {
-    if (n > 0) std::memcpy(dst, src, static_cast<std::size_t>(n));
+inline void copy(u8* dst, const u8* src, std::size_t n) {
+    if (n) std::memcpy(dst, src, n);
 }
 
-/// Copies N bytes; the compiler lays them out.
-template <int N> void copy_fixed(u8* dst, const u8* src) { std::memcpy(dst, src, N); }
+/// Copies N bytes of each of so many rows; the compiler lays them out.
+template <int N, int Rows> void copy_rows(u8* dst, std::ptrdiff_t s_dst, const u8* src, std::ptrdiff_t s_src) {
+    for (int i = 0; i < Rows; ++i) std::memcpy(dst + i * s_dst, src + i * s_src, N);
+}
 }  // namespace zelt::scalar

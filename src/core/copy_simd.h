@@ -5,23 +5,28 @@
 
 namespace zelt::simd {
 typedef u8 byte_quad __attribute__((vector_size(16)));
+typedef u8 byte_pair __attribute__((vector_size(8)));
 
 /// Copies n bytes, one to two of T, as its two ends.
-template <class T> void copy_ends(u8* dst, const u8* src, s64 n) {
-    const s64 last = n - static_cast<s64>(sizeof(T));
+template <class T> void copy_ends(u8* dst, const u8* src, std::size_t n) {
+    const std::size_t last = n - sizeof(T);
     const T a = load_loose<T>(src), b = load_loose<T>(src + last);
     store_loose(dst, a);
     store_loose(dst + last, b);
 }
 
-inline void copy(u8* dst, const u8* src, s64 n) {
-    constexpr s64 long_run = 512;  // from here on the C library's way is as fast or faster
+inline void copy(u8* dst, const u8* src, std::size_t n) {
+    constexpr std::size_t long_run = 512;  // from here on the C library's way is as fast or faster
     if (n >= long_run) {
-        std::memcpy(dst, src, static_cast<std::size_t>(n));
+        std::memcpy(dst, src, n);
     } else if (n >= lanes) {
-        const s64 last = n - lanes;
-        for (s64 i = 0; i < last; i += lanes) store_loose(dst + i, load_loose<bytes>(src + i));
-        store_loose(dst + last, load_loose<bytes>(src + last));
+        u8* const last = dst + (n - lanes);
+        const bytes end = load_loose<bytes>(src + (n - lanes));
+        for (std::size_t i = (n - 1) / lanes; i; --i, dst += lanes, src += lanes) {
+            step_in_place(dst), step_in_place(src);
+            store_loose(dst, load_loose<bytes>(src));
+        }
+        store_loose(last, end);
     } else if (n >= 16) {
         copy_ends<byte_quad>(dst, src, n);
     } else if (n >= 8) {
@@ -33,20 +38,27 @@ inline void copy(u8* dst, const u8* src, s64 n) {
     }
 }
 
-template <int N> void copy_fixed(u8* dst, const u8* src) {
-    const auto piece = [&]<class T>(T) {
-        store_loose(dst, load_loose<T>(src));
-        copy_fixed<N - static_cast<int>(sizeof(T))>(dst + sizeof(T), src + sizeof(T));
+/// Copies N bytes of each of so many rows, all loads of a column of registers before its stores, so
+/// that nothing waits; rows of several registers one after another, as memory likes it.
+template <int N, int Rows> void copy_rows(u8* dst, std::ptrdiff_t s_dst, const u8* src, std::ptrdiff_t s_src) {
+    const auto column = [&]<class T>(T) {
+        T v[Rows];
+        for (int i = 0; i < Rows; ++i) v[i] = load_loose<T>(src + i * s_src);
+        for (int i = 0; i < Rows; ++i) store_loose(dst + i * s_dst, v[i]);
+        constexpr int size = sizeof(T);
+        copy_rows<N - size, Rows>(dst + size, s_dst, src + size, s_src);
     };
-    if constexpr (N >= lanes)
-        piece(bytes{});
+    if constexpr (N >= 2 * lanes && Rows > 1)
+        for (int i = 0; i < Rows; ++i) copy_rows<N, 1>(dst + i * s_dst, s_dst, src + i * s_src, s_src);
+    else if constexpr (N >= lanes)
+        column(bytes{});
     else if constexpr (N >= 16)
-        piece(byte_quad{});
+        column(byte_quad{});
     else if constexpr (N >= 8)
-        piece(u64{});
+        column(byte_pair{});
     else if constexpr (N >= 4)
-        piece(u32{});
+        column(u32{});
     else if constexpr (N >= 2)
-        piece(u16{});
+        column(u16{});
 }
 }  // namespace zelt::simd

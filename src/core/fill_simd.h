@@ -4,6 +4,7 @@
 #include "core/simd.h"
 
 #include <bit>
+#include <cstdint>
 #include <cwchar>
 
 namespace zelt::simd {
@@ -12,12 +13,12 @@ typedef u32 word_quad __attribute__((vector_size(16)));
 
 /// Writes a value at both ends of n bytes; they overlap where n is less than two of them. The word's period divides n,
 /// so that its phase is the same at either end.
-template <class T> void fill_ends(u8* dst, T value, s64 n) {
+template <class T> void fill_ends(u8* dst, T value, std::size_t n) {
     store_loose(dst, value);
-    store_loose(dst + n - static_cast<s64>(sizeof(T)), value);
+    store_loose(dst + n - sizeof(T), value);
 }
 
-inline void fill_short(u8* dst, u32 word, s64 n) {
+inline void fill_short(u8* dst, u32 word, std::size_t n) {
     if (n >= 16)
         fill_ends(dst, word_quad{} + word, n);
     else if (n >= 8)
@@ -29,11 +30,11 @@ inline void fill_short(u8* dst, u32 word, s64 n) {
 }
 
 #ifdef __AVX2__
-constexpr s64 long_fill = 1 << 15;
+constexpr std::size_t long_fill = 1 << 15;
 /// As long as a cache near the processor holds it, the C library's registers may be wider; beyond, string instructions
 /// need not read what they overwrite.
-inline void fill_long(u8* p, u32 word, s64 bytes) {
-    auto n = static_cast<std::size_t>(bytes) / 4;
+inline void fill_long(u8* p, u32 word, std::size_t bytes) {
+    std::size_t n = bytes / 4;
     if (bytes < 1 << 19)
         std::wmemset(reinterpret_cast<wchar_t*>(p), static_cast<wchar_t>(word), n);
     else
@@ -41,26 +42,37 @@ inline void fill_long(u8* p, u32 word, s64 bytes) {
 }
 #endif
 
-/// As scalar::fill, for n that the word's own period divides: 1, 2 or 4.
-inline void fill(u8* dst, u32 word, s64 n) {
-    if (n < lanes) return fill_short(dst, word, n);
-    const word_register all = word_register{} + word;
+/// Writes a register's worth or more of a word that also stands in all of a register.
+inline void fill_registers(u8* dst, word_register all, u32 word, std::size_t n) {
     fill_ends(dst, all, n);
     if (n <= 2 * lanes) return;
     fill_ends(dst + lanes, all, n - 2 * lanes);
     if (n <= 4 * lanes) return;
+    if (n <= 8 * lanes) {
+        for (std::size_t i = 2 * lanes; i < 4 * lanes; i += lanes) fill_ends(dst + i, all, n - 2 * i);
+        return;
+    }
     // The rest in whole registers, which from here on stand at multiples of their size.
-    const s64 first = lanes - static_cast<s64>(reinterpret_cast<std::uintptr_t>(dst) % lanes);
+    const std::size_t first = 2 * lanes - reinterpret_cast<std::uintptr_t>(dst) % lanes;
     const u32 turned = std::rotr(word, static_cast<int>(first % 4) * 8);
-    u8* p = dst + first;
-    u8* const end = dst + n - lanes;
+    const std::size_t rest = (n - first - lanes - 1) / lanes;  // as far as the two registers at the end
+    auto* p = reinterpret_cast<word_register*>(dst + first);
 #ifdef __AVX2__
-    if (n >= long_fill) return fill_long(p, turned, (end - p + lanes - 1) / lanes * lanes);
+    if (n >= long_fill) return fill_long(dst + first, turned, rest * lanes);
 #endif
     const word_register value = word_register{} + turned;
-    for (; end - p >= 3 * lanes; p += 4 * lanes)
-        for (int i = 0; i < 4; ++i) *reinterpret_cast<word_register*>(p + i * lanes) = value;
-    for (; p < end; p += lanes) *reinterpret_cast<word_register*>(p) = value;
+    const auto store = [&] {
+        *p++ = value;
+        step_in_place(p);
+    };
+    for (std::size_t i = rest % 4; i; --i) store();
+    for (std::size_t i = rest / 4; i; --i) store(), store(), store(), store();
+}
+
+/// As scalar::fill, for n that the word's own period divides: 1, 2 or 4.
+inline void fill(u8* dst, u32 word, std::size_t n) {
+    if (n < lanes) return fill_short(dst, word, n);
+    fill_registers(dst, word_register{} + word, word, n);
 }
 
 /// Writes N copies of a byte, N a multiple of 8.
@@ -72,11 +84,18 @@ template <int N> void fill_fixed(u8* dst, u8 value) {
     if constexpr (tail % 16) store_loose(dst + N - 8, u64{value} * 0x0101010101010101);
 }
 
-inline void fill_bytes(u8* dst, u8 value, s64 n) {
-    constexpr s64 long_run = 1024;  // from here on the C library's way is as fast or faster
+inline void fill_bytes(u8* dst, u8 value, std::size_t n) {
+#ifdef __ARM_NEON
+    constexpr std::size_t long_run = SIZE_MAX;
+#else
+    constexpr std::size_t long_run = 1024;  // from here on the C library's way is as fast or faster
+#endif
+    const u32 word = value * 0x01010101u;
     if (n >= long_run)
-        std::memset(dst, value, static_cast<std::size_t>(n));
+        std::memset(dst, value, n);
+    else if (n >= lanes)
+        fill_registers(dst, (word_register)(bytes{} + value), word, n);
     else
-        fill(dst, value * 0x01010101u, n);
+        fill_short(dst, word, n);
 }
 }  // namespace zelt::simd

@@ -13,4 +13,12 @@ template <class T> void store_loose(u8* p, T value) {
     typedef T loose __attribute__((aligned(1), may_alias));
     *reinterpret_cast<loose*>(p) = value;
 }
+
+/// Where loads and stores step their own addresses, hides from the compiler how one came about: it would rather compute
+/// each of a row of addresses by itself.
+template <class T> void step_in_place([[maybe_unused]] T*& p) {
+#ifdef __arm__
+    asm("" : "+r"(p));
+#endif
+}
 }  // namespace zelt

@@ -1,6 +1,7 @@
 #include "zelt/mem.h"
 
 #include "core/isa.h"
+#include "core/loose.h"
 #include "core/types.h"
 
 #if ZELT_SIMD
@@ -12,6 +13,8 @@
 #endif
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
 using namespace zelt;
 
@@ -20,7 +23,9 @@ u8* bytes_at(void* p) { return static_cast<u8*>(p); }
 u8* bytes_at(s16* p) { return reinterpret_cast<u8*>(p); }
 const u8* bytes_at(const s16* p) { return reinterpret_cast<const u8*>(p); }
 
-s64 whole_steps(s64 size, s64 step) { return size / step * step; }
+std::size_t from_zero(int n) { return n > 0 ? static_cast<std::size_t>(n) : 0; }
+/// Steps are powers of two.
+std::size_t whole_steps(std::size_t size, std::size_t step) { return size & -step; }
 
 struct area {
     u8* dst;
@@ -43,27 +48,43 @@ void copy_area(area a, int element) {
         a.h = 1;
     }
     const s64 n = element == 2 ? doubled_tail(a.w, contiguous) : a.w;
-    for (; a.h > 0; --a.h, a.dst += a.s_dst, a.src += a.s_src) fast::copy(a.dst, a.src, n);
+    for (; a.h > 0; --a.h, a.dst += a.s_dst, a.src += a.s_src) fast::copy(a.dst, a.src, static_cast<std::size_t>(n));
 }
 
-template <int N> void copy_rows(area a) {
-#pragma GCC unroll 4
-    for (; a.h > 0; --a.h, a.dst += a.s_dst, a.src += a.s_src) fast::copy_fixed<N>(a.dst, a.src);
-}
+using block_copy = void(u8* dst, const u8* src, int s_dst, int s_src, int w, int h);
 
-template <int Element> void copy_block(area a, int w) {
-    switch (w) {
-    case 2: return copy_rows<2 * Element>(a);
-    case 4: return copy_rows<4 * Element>(a);
-    case 6: return copy_rows<6 * Element>(a);
-    case 8: return copy_rows<8 * Element>(a);
-    case 12: return copy_rows<12 * Element>(a);
-    case 16: return copy_rows<16 * Element>(a);
-    case 24: return copy_rows<24 * Element>(a);
-    case 32: return copy_rows<32 * Element>(a);
-    case 48: return copy_rows<48 * Element>(a);
-    default: return copy_rows<64 * Element>(a);  // Kept: whatever the width says
+/// Rows of N bytes, two at a time and four in a round
+template <int N, int Element> void copy_block(u8* dst, const u8* src, int s_dst, int s_src, int, int h) {
+    const std::ptrdiff_t to = std::ptrdiff_t{s_dst} * Element, from = std::ptrdiff_t{s_src} * Element;
+    const auto rows = [&]<int Rows>() {
+        fast::copy_rows<N, Rows>(dst, to, src, from);
+        dst += Rows * to, src += Rows * from;
+        step_in_place(dst), step_in_place(src);
+    };
+    if (h <= 0) return;
+    if (h & 1) rows.template operator()<1>();
+    if (h & 2) rows.template operator()<2>();
+    for (h >>= 2; h > 0; --h) {
+        rows.template operator()<2>();
+        rows.template operator()<2>();
     }
+}
+
+/// By width. Kept: 64 samples for all others
+template <int Element>
+constexpr auto block_copies = [] {
+    std::array<block_copy*, 49> all;
+    all.fill(copy_block<64 * Element, Element>);
+    const auto set = [&]<int... W>(std::integer_sequence<int, W...>) {
+        ((all[W] = copy_block<W * Element, Element>), ...);
+    };
+    set(std::integer_sequence<int, 2, 4, 6, 8, 12, 16, 24, 32, 48>());
+    return all;
+}();
+
+template <int Element> block_copy* block_copy_for(int w) {
+    const auto& all = block_copies<Element>;
+    return all[w > 0 && w < static_cast<int>(all.size()) ? static_cast<std::size_t>(w) : 0];
 }
 
 area bytes_of(u8* dst, const u8* src, int s_dst, int s_src, int w, int h) { return {dst, src, s_dst, s_src, w, h}; }
@@ -74,31 +95,33 @@ area bytes_of(s16* dst, const s16* src, int s_dst, int s_src, int w, int h) {
 
 void zelt_mset_x128(void* dst, uint32_t val, int size) {
     // Kept: rounds up, and writes one step at least.
-    fast::fill(bytes_at(dst), val, whole_steps(std::max<s64>(size, 1) + 127, 128));
+    fast::fill(bytes_at(dst), val, whole_steps(from_zero(std::max(size, 1)) + 127, 128));
 }
 
 void zelt_mset_x64(void* dst, int val, int size) {
     // Kept: steps of 128 whatever the name says.
-    fast::fill_bytes(bytes_at(dst), static_cast<u8>(val), whole_steps(std::max(size, 0), 128));
+    fast::fill_bytes(bytes_at(dst), static_cast<u8>(val), whole_steps(from_zero(size), 128));
 }
 
-void zelt_mset_x64a(void* dst, int val, int size) { fast::fill_bytes(bytes_at(dst), static_cast<u8>(val), size); }
+void zelt_mset_x64a(void* dst, int val, int size) {
+    fast::fill_bytes(bytes_at(dst), static_cast<u8>(val), from_zero(size));
+}
 
 void zelt_mset_x32(void* dst, uint32_t val, int size) {
-    fast::fill(bytes_at(dst), val, whole_steps(std::max(size, 0), 32));
+    fast::fill(bytes_at(dst), val, whole_steps(from_zero(size), 32));
 }
 
 void zelt_mset_x32ax4(void* dst, uint32_t val, int size) {
     // Kept: one step at least, and a tail of the low byte alone.
-    const s64 steps = whole_steps(std::max(size, 32), 32);
+    const std::size_t all = from_zero(std::max(size, 32)), steps = whole_steps(all, 32);
     fast::fill(bytes_at(dst), val, steps);
-    fast::fill_bytes(bytes_at(dst) + steps, static_cast<u8>(val), size - steps);
+    fast::fill_bytes(bytes_at(dst) + steps, static_cast<u8>(val), all - steps);
 }
 
-void zelt_mclr_x64(void* dst, int n) { fast::fill_bytes(bytes_at(dst), 0, 4 * whole_steps(std::max(n, 0), 64)); }
+void zelt_mclr_x64(void* dst, int n) { fast::fill_bytes(bytes_at(dst), 0, 4 * whole_steps(from_zero(n), 64)); }
 
 void zelt_mset16(int16_t* dst, int val, int n) {
-    fast::fill(bytes_at(dst), static_cast<u16>(val) * 0x10001u, 2 * s64{n});
+    fast::fill(bytes_at(dst), static_cast<u16>(val) * 0x10001u, 2 * from_zero(n));
 }
 
 void zelt_mcpy_pic(uint8_t* dst, const uint8_t* src, int s_dst, int s_src, int w, int h) {
@@ -110,9 +133,9 @@ void zelt_mcpy_pic_16(int16_t* dst, const int16_t* src, int s_dst, int s_src, in
 }
 
 void zelt_mcpy_blk(uint8_t* dst, const uint8_t* src, int s_dst, int s_src, int w, int h) {
-    copy_block<1>(bytes_of(dst, src, s_dst, s_src, w, h), w);
+    block_copy_for<1>(w)(dst, src, s_dst, s_src, w, h);
 }
 
 void zelt_mcpy_blk_16(int16_t* dst, const int16_t* src, int s_dst, int s_src, int w, int h) {
-    copy_block<2>(bytes_of(dst, src, s_dst, s_src, w, h), w);
+    block_copy_for<2>(w)(bytes_at(dst), bytes_at(src), s_dst, s_src, w, h);
 }

@@ -58,6 +58,12 @@ struct kernel {
     std::function<u64(shape, const view*)> model;           // the same from the documentation alone, in plain C++
     timing timed = timing::none;
     bool block = false;  // not pictures but blocks: any stride, zero too, and single samples that stand out
+
+    /// What is counted of kernels that the benchmark times in other ways: the table, and shapes of its rows
+    struct {
+        const char* family;
+        std::vector<shape> shapes;
+    } counted = {};
 };
 
 std::vector<kernel> converter_kernels();

@@ -1,5 +1,6 @@
-// Models and rows of the fills and copies: step by step, as their documentation counts.
+// Models and rows of the fills, copies and borders: step by step, as their documentation counts.
 #include "kernels/kernel.h"
+#include "zelt/imgb.h"
 #include "zelt/mem.h"
 
 #include <algorithm>
@@ -71,7 +72,8 @@ kernel row(const fill& f) {
                 [=](shape s, const view* v) {
                     for (int i = 0; i < f.length(s.w); ++i) v[0].p[i] = f.byte(i, s.w);
                     return u64{0};
-                }};
+                },
+            .counted = {"memory", {{128, 1}, {1920, 1}}}};
 }
 
 // -------------------------------------------------------------------------------------------------------------- copies
@@ -83,6 +85,7 @@ struct copy {
     bool contiguous;  // both strides are the width
     std::vector<shape> shapes;
     int (*width)(const copy&, shape);  // bytes that are copied of each row, or of the only one
+    std::vector<shape> counted = {};
 
     shape laid_out(shape s) const {
         const shape area = contiguous ? shape{s.w * s.h, 1} : s;
@@ -132,7 +135,8 @@ kernel row(const copy& c) {
                     for (int y = 0; y < all.h; ++y)
                         std::copy_n(v[1].p + y * v[1].stride, all.w * c.element, v[0].p + y * v[0].stride);
                     return u64{0};
-                }};
+                },
+            .counted = {"memory", c.counted}};
 }
 
 std::vector<shape> area_shapes() {
@@ -147,6 +151,70 @@ std::vector<shape> block_shapes() {
         for (const int h : {1, 2, 3, 4, 8, 13}) all.push_back({w, h});
     return all;
 }
+
+// ------------------------------------------------------------------------------------------------------------- borders
+
+/// Copies of a sample beside it, row after row; for 16 bits the stride is one that has to be rounded up to even.
+template <class Sample> kernel sideways(const char* name, function exported, std::vector<int> counts) {
+    using expand = void (*)(const void*, void*, int, int, int);
+    constexpr int size = sizeof(Sample);
+    std::vector<shape> shapes;
+    for (const int count : counts)
+        for (const int rows : {-1, 0, 1, 3, 4, 7}) shapes.push_back({count, rows});
+    return {.name = name,
+            .exported = exported,
+            .shapes = shapes,
+            .operands =
+                [](shape s) {
+                    return std::vector<operand>{{.width = 1 + std::max(s.w, 0),
+                                                 .rows = std::max(s.h, 1),
+                                                 .element = size,
+                                                 .high = size == 2 ? 0xffff : 255,
+                                                 .written = true}};
+                },
+            .call =
+                [](function fn, shape s, const view* v) {
+                    reinterpret_cast<expand>(fn)(v->p, v->p + size, s.h, static_cast<int>(v->stride) + 1 - size, s.w);
+                    return u64{0};
+                },
+            .model =
+                [](shape s, const view* v) {
+                    for (int y = 0; y < s.h; ++y)
+                        for (int x = 0; x < s.w * size; ++x) {
+                            u8* const row_start = v->p + y * v->stride;
+                            row_start[size + x] = row_start[x % size];
+                        }
+                    return u64{0};
+                },
+            .counted = {"border", {{16, 64}, {80, 64}}}};
+}
+
+/// A row over and over; in groups of eight rows where its width is an odd multiple of 4.
+kernel upwards() {
+    const auto rows = [](shape s) { return s.w % 8 && s.h > 0 ? (s.h + 7) / 8 * 8 : s.h; };
+    std::vector<shape> shapes;
+    for (const int width : {0, 4, 8, 12, 16, 20, 24, 48, 100, 112, 256, 300})
+        for (const int count : {-9, -1, 0, 1, 5, 8, 9}) shapes.push_back({width, count});
+    return {.name = "zelt_imgb_expand_hor",
+            .exported = reinterpret_cast<function>(zelt_imgb_expand_hor),
+            .shapes = shapes,
+            .operands =
+                [=](shape s) {
+                    return std::vector<operand>{{.width = std::max(s.w * rows(s), 1), .rows = 1, .written = true},
+                                                {.width = std::max(s.w, 1), .rows = 1}};
+                },
+            .call =
+                [](function fn, shape s, const view* v) {
+                    reinterpret_cast<void (*)(const u8*, u8*, int, int)>(fn)(v[1].p, v[0].p, s.w, s.h);
+                    return u64{0};
+                },
+            .model =
+                [=](shape s, const view* v) {
+                    for (int y = 0; y < rows(s); ++y) std::copy_n(v[1].p, s.w, v[0].p + y * s.w);
+                    return u64{0};
+                },
+            .counted = {"border", {{80, 16}, {2080, 16}}}};
+}
 }  // namespace
 
 std::vector<kernel> memory_kernels() {
@@ -154,13 +222,20 @@ std::vector<kernel> memory_kernels() {
     for (const fill& f : fills) rows.push_back(row(f));
     const function pic = reinterpret_cast<function>(zelt_mcpy_pic),
                    pic_16 = reinterpret_cast<function>(zelt_mcpy_pic_16);
-    rows.push_back(row({"zelt_mcpy_pic", pic, 1, false, area_shapes(), exact}));
+    const std::vector<shape> area{{320, 240}}, blocks{{8, 8}, {16, 16}, {32, 32}, {64, 64}};
+    rows.push_back(row({"zelt_mcpy_pic", pic, 1, false, area_shapes(), exact, area}));
     rows.push_back(row({"zelt_mcpy_pic contiguous", pic, 1, true, area_shapes(), exact}));
-    rows.push_back(row({"zelt_mcpy_pic_16", pic_16, 2, false, area_shapes(), doubled}));
+    rows.push_back(row({"zelt_mcpy_pic_16", pic_16, 2, false, area_shapes(), doubled, area}));
     rows.push_back(row({"zelt_mcpy_pic_16 contiguous", pic_16, 2, true, area_shapes(), doubled}));
-    rows.push_back(row({"zelt_mcpy_blk", reinterpret_cast<function>(zelt_mcpy_blk), 1, false, block_shapes(), block}));
     rows.push_back(
-        row({"zelt_mcpy_blk_16", reinterpret_cast<function>(zelt_mcpy_blk_16), 2, false, block_shapes(), block}));
+        row({"zelt_mcpy_blk", reinterpret_cast<function>(zelt_mcpy_blk), 1, false, block_shapes(), block, blocks}));
+    rows.push_back(row(
+        {"zelt_mcpy_blk_16", reinterpret_cast<function>(zelt_mcpy_blk_16), 2, false, block_shapes(), block, blocks}));
+    rows.push_back(sideways<u8>("zelt_imgb_expand_ver", reinterpret_cast<function>(zelt_imgb_expand_ver),
+                                {0, 8, 16, 24, 32, 40, 80}));
+    rows.push_back(sideways<u16>("zelt_imgb_expand_ver_16", reinterpret_cast<function>(zelt_imgb_expand_ver_16),
+                                 {-3, 0, 1, 2, 5, 8, 33}));
+    rows.push_back(upwards());
     return rows;
 }
 }  // namespace zelt::test

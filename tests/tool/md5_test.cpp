@@ -5,12 +5,13 @@ namespace {
 /// Sample x, y of plane p is 85 p + 31 y + 7 x, and 1 more in each further picture.
 std::string clip(const std::string& kind, int w, int h, int pictures) {
     std::string bytes = "YUV4MPEG2 W" + std::to_string(w) + " H" + std::to_string(h) + " F25:1 Ip A1:1 C" + kind + "\n";
-    const int planes = kind == "mono" ? 1 : 3;
+    const int planes = kind == "mono" ? 1 : 3, across = kind == "444" ? 1 : 2, down = kind.starts_with("420") ? 2 : 1;
     for (int n = 0; n < pictures; ++n) {
         bytes += "FRAME\n";
         for (int p = 0; p < planes; ++p)
-            for (int y = 0; y < (p ? (h + 1) / 2 : h); ++y)
-                for (int x = 0; x < (p ? (w + 1) / 2 : w); ++x) bytes += static_cast<char>(85 * p + 31 * y + 7 * x + n);
+            for (int y = 0; y < (p ? (h + down - 1) / down : h); ++y)
+                for (int x = 0; x < (p ? (w + across - 1) / across : w); ++x)
+                    bytes += static_cast<char>(85 * p + 31 * y + 7 * x + n);
     }
     return bytes;
 }
@@ -34,8 +35,15 @@ TEST_F(tool, digests_are_those_of_other_programs) {
                             "\n"
                             "0,          1,          1,        1,       27, " +
                             second + "\n");
-    store("grey.y4m", clip("mono", 5, 3, 1));
-    EXPECT_EQ(zelt("md5 -i grey.y4m").out, "MD5=183778073057f006787141e0fca4c2a2\n");
+    const std::pair<const char*, const char*> others[] = {{"mono", "183778073057f006787141e0fca4c2a2"},
+                                                          {"422", "f65c8081e4155cba6c911ad5ccdda423"},
+                                                          {"444", "ea854c5983421be4b17e0504af4795af"}};
+    for (const auto& [kind, digest] : others) {  // of one picture, hence the same in both forms
+        store("in.y4m", clip(kind, 5, 3, 1));
+        EXPECT_EQ(zelt("md5 -i in.y4m").out, std::string("MD5=") + digest + "\n");
+        const std::string lines = zelt("md5 --per-frame -i in.y4m").out;
+        EXPECT_NE(lines.find(std::string(", ") + digest + "\n"), std::string::npos) << lines;
+    }
 }
 
 TEST_F(tool, digests_are_verified) {
@@ -64,7 +72,7 @@ TEST_F(tool, digests_are_verified) {
 TEST_F(tool, digests_need_a_clip_and_a_list) {
     store("in.y4m", clip("420", 5, 3, 1));
     store("cut.y4m", clip("420", 5, 3, 1).substr(0, 60));
-    store("444.y4m", "YUV4MPEG2 W1 H1 C444\nFRAME\nabc");
+    store("411.y4m", "YUV4MPEG2 W1 H1 C411\nFRAME\nabc");
     store("text", "no digest\n");
     store("empty", "# nothing\n");
     expect_failure(zelt("md5"), 1, "--input");
@@ -74,6 +82,6 @@ TEST_F(tool, digests_need_a_clip_and_a_list) {
     expect_failure(zelt("md5 -i text"), 2, "no Y4M");
     expect_failure(zelt("md5 -i in.y4m --verify text"), 2, "without an MD5 digest");
     expect_failure(zelt("md5 -i in.y4m --verify empty"), 2, "no digests");
-    expect_failure(zelt("md5 -i 444.y4m"), 4, "C444");
+    expect_failure(zelt("md5 -i 411.y4m"), 4, "C411");
     expect_failure(zelt("md5 -i in.y4m >/dev/full"), 3, "standard output");
 }

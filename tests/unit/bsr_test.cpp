@@ -34,16 +34,18 @@ std::string ue_code(uint32_t value) {
     return std::string(info.size() - 1, '0') + info;
 }
 
-/// A refill that copies bytes: the default one as a caller would write it.
-int32_t copying_refill(ZELT_BSR* bs, int32_t byte) {
+/// The default refill as a caller would write it; one for escaped streams drops the third byte of 00 00 03.
+template <bool Escaped> int32_t own_refill(ZELT_BSR* bs, int32_t byte) {
     bs->code = 0;
     bs->leftbits = 0;
-    for (int shift = 24; byte > 0 && bs->cur <= bs->end; --byte, shift -= 8) {
-        bs->code |= static_cast<uint32_t>(*bs->cur++) << shift;
+    for (; bs->cur <= bs->end && bs->leftbits < 8 * byte; ++bs->cur) {
+        if (Escaped && bs->cur - bs->beg >= 2 && bs->cur[-2] == 0 && bs->cur[-1] == 0 && *bs->cur == 3) continue;
+        bs->code |= static_cast<uint32_t>(*bs->cur) << (24 - bs->leftbits);
         bs->leftbits += 8;
     }
     return bs->leftbits ? 0 : -1;
 }
+constexpr zelt_bsr_flush_fn copying_refill = own_refill<false>, unescaping_refill = own_refill<true>;
 
 /// The reader as a position in a string of bits, with the bytes loaded so far.
 struct model {
@@ -167,17 +169,20 @@ void step(ZELT_BSR& bs, model& m, std::mt19937& rng) {
         m.align(want_bits);
         break;
     case 6:
-        ASSERT_EQ(zelt_bsr_read_align8(&bs, &got_bits), m.align(want_bits));
-        ASSERT_EQ(got_bits, want_bits);
+        ASSERT_EQ(zelt_bsr_read_align8(&bs, size & 1 ? &got_bits : nullptr), m.align(want_bits));
+        if (size & 1) {
+            ASSERT_EQ(got_bits, want_bits);
+        }
         break;
     case 7: ASSERT_EQ(zelt_bsr_read_ue(&bs), m.read_ue()); break;
     case 8: ASSERT_EQ(zelt_bsr_read_se(&bs), signed_of(m.read_ue())); break;
-    case 9:
-        if (size & 1)
-            ASSERT_EQ(zelt_bsr_read_te(&bs, 1), static_cast<uint32_t>(1 - m.read1()));
-        else
-            ASSERT_EQ(zelt_bsr_read_te(&bs, 2), m.read_ue());
+    case 9: {
+        const int max = size % 3;
+        ASSERT_EQ(zelt_bsr_read_te(&bs, max), max == 0   ? 0
+                                              : max == 1 ? static_cast<uint32_t>(1 - m.read1())
+                                                         : m.read_ue());
         break;
+    }
     case 10: ASSERT_EQ(zelt_bsr_read_un(&bs), m.read_un()); break;
     case 11: ASSERT_EQ(zelt_bsr_read_tu(&bs, more), m.read_tu(more)); break;
     }
@@ -189,18 +194,6 @@ void step(ZELT_BSR& bs, model& m, std::mt19937& rng) {
 int refills_left;
 
 int32_t failing_refill(ZELT_BSR* bs, int32_t byte) { return refills_left-- > 0 ? zelt_bsr_flush(bs, byte) : -7; }
-
-/// Drops the third byte of 00 00 03.
-int32_t unescaping_refill(ZELT_BSR* bs, int32_t byte) {
-    bs->code = 0;
-    bs->leftbits = 0;
-    for (; bs->cur <= bs->end && bs->leftbits < 8 * byte; ++bs->cur) {
-        if (bs->cur - bs->beg >= 2 && bs->cur[-2] == 0 && bs->cur[-1] == 0 && *bs->cur == 3) continue;
-        bs->code |= static_cast<uint32_t>(*bs->cur) << (24 - bs->leftbits);
-        bs->leftbits += 8;
-    }
-    return bs->leftbits ? 0 : -1;
-}
 
 }  // namespace
 
@@ -252,25 +245,11 @@ TEST(bsr, longer_codewords_stay_within_the_buffer) {
 }
 
 TEST(bsr, end_of_data) {
-    const bytes data = exact({0xA5, 0xFF, 0x00});
+    const bytes data = exact({0xA5});
     ZELT_BSR bs;
-    zelt_bsr_init(&bs, data.data(), 3, nullptr);
-    EXPECT_EQ(bs.leftbits, 0);  // nothing is loaded before the first read
-    EXPECT_EQ(zelt_bsr_read(&bs, 4), 0xAu);
-    EXPECT_EQ(zelt_bsr_read(&bs, 12), 0x5FFu);
-    EXPECT_EQ(zelt_bsr_read(&bs, 8), 0u);
-    EXPECT_EQ(zelt_bsr_read1(&bs), -1);
-    EXPECT_EQ(zelt_bsr_read(&bs, 1), ~0u);
-    EXPECT_EQ(zelt_bsr_read(&bs, 0), 0u);
-    EXPECT_EQ(zelt_bsr_read_ue(&bs), ~1u);
-    EXPECT_EQ(zelt_bsr_read_se(&bs), 1);
-    EXPECT_EQ(zelt_bsr_read_te(&bs, 1), 2u);
-    EXPECT_EQ(zelt_bsr_skip(&bs, 3), -1);
-    EXPECT_EQ(zelt_bsr_skip_peek(&bs, 3, 8), 0u);
-    EXPECT_EQ(zelt_bsr_peek(&bs, 32), 0u);
-
     // A read that the data cannot fill: zeros below, and leftbits counts what is missing. read1 goes on with zeros.
     zelt_bsr_init(&bs, data.data(), 1, nullptr);
+    EXPECT_EQ(bs.leftbits, 0);  // nothing is loaded before the first read
     EXPECT_EQ(zelt_bsr_read(&bs, 12), 0xA50u);
     EXPECT_EQ(bs.leftbits, -4);
     EXPECT_EQ(zelt_bsr_read1(&bs), 0);
@@ -284,57 +263,6 @@ TEST(bsr, end_of_data) {
         zelt_bsr_init(&bs, nullptr, size, nullptr);
         EXPECT_EQ(zelt_bsr_peek(&bs, 8), 0u);
     }
-}
-
-TEST(bsr, peek_takes_up_to_a_byte_that_is_not_loaded) {
-    const bytes data = exact({0x12, 0x34, 0x56, 0x7A, 0xBC});
-    ZELT_BSR bs;
-    zelt_bsr_init(&bs, data.data(), 5, nullptr);
-    EXPECT_EQ(zelt_bsr_read(&bs, 28), 0x1234567u);
-    EXPECT_EQ(zelt_bsr_peek(&bs, 8), 0xABu);
-    EXPECT_EQ(zelt_bsr_read(&bs, 8), 0xABu);
-
-    const bytes longer = exact({0x80, 1, 2, 3, 4, 5, 6, 7, 8, 9});
-    zelt_bsr_init(&bs, longer.data(), 10, nullptr);
-    zelt_bsr_read(&bs, 1);
-    EXPECT_EQ(zelt_bsr_peek(&bs, 32), 0x00020406u);  // 31 bits cached, none free for a whole byte
-    EXPECT_EQ(bs.cur - bs.beg, 4);
-    zelt_bsr_skip(&bs, 9);
-    EXPECT_EQ(zelt_bsr_peek(&bs, 32), 0x04080C10u);  // 22 bits cached: one byte is loaded, two bits looked at
-    EXPECT_EQ(bs.cur - bs.beg, 5);
-}
-
-TEST(bsr, alignment) {
-    const bytes data = exact({0xB7, 0x80});
-    ZELT_BSR bs;
-    int32_t n = -1;
-    zelt_bsr_init(&bs, data.data(), 2, nullptr);
-    EXPECT_EQ(zelt_bsr_read(&bs, 3), 5u);
-    EXPECT_EQ(zelt_bsr_read_align8(&bs, &n), 0x17u);
-    EXPECT_EQ(n, 5);
-    EXPECT_EQ(zelt_bsr_read_align8(&bs, nullptr), 0u);
-    EXPECT_EQ(zelt_bsr_read1(&bs), 1);
-    zelt_bsr_skip_align8(&bs);
-    EXPECT_EQ(bs.leftbits, 0);
-}
-
-TEST(bsr, truncated_codes) {
-    const auto reader = [](const bytes& data) {
-        ZELT_BSR bs;
-        zelt_bsr_init(&bs, data.data(), static_cast<int32_t>(data.size()), nullptr);
-        return bs;
-    };
-    const bytes ones = {0xF0, 0}, three = {0xE0, 0}, one = {0x80, 0};
-    auto bs = reader(one);
-    EXPECT_EQ(zelt_bsr_read_te(&bs, 0), 0u);
-    EXPECT_EQ(bs.cur, bs.beg);
-    EXPECT_EQ(zelt_bsr_read_te(&bs, 1), 0u);
-    EXPECT_EQ(zelt_bsr_read_te(&bs, 1), 1u);
-    EXPECT_EQ((bs = reader(three), zelt_bsr_read_tu(&bs, 3)), 3u);
-    EXPECT_EQ(bs.leftbits, 12);  // the zero after exactly three ones is gone
-    EXPECT_EQ((bs = reader(ones), zelt_bsr_read_tu(&bs, 3)), 3u);
-    EXPECT_EQ(bs.leftbits, 13);  // the fourth one is not
-    EXPECT_EQ((bs = reader(one), zelt_bsr_read_tu(&bs, 3)), 1u);
 }
 
 TEST(bsr, unary_codes_at_the_end_of_the_cache) {

@@ -99,58 +99,53 @@ TEST(core, counters_lose_nothing_between_threads) {
     constexpr int nthreads = 4, steps = 20000;
     int32_t count = 0;
     std::vector<uint8_t> seen(nthreads * steps + 1);
-    std::vector<std::thread> threads;
-    for (int t = 0; t < nthreads; ++t)
-        threads.emplace_back([&] {
-            for (int i = 0; i < steps; ++i)
-                ++seen[static_cast<size_t>(zelt_atomic_inc(&count))];  // each value is given once
-        });
-    for (auto& t : threads) t.join();
+    const auto in_threads = [](auto step) {
+        std::vector<std::thread> threads;
+        for (int t = 0; t < nthreads; ++t)
+            threads.emplace_back([&] {
+                for (int i = 0; i < steps; ++i) step();
+            });
+        for (auto& t : threads) t.join();
+    };
+    in_threads([&] { ++seen[static_cast<size_t>(zelt_atomic_inc(&count))]; });  // each value is given once
     EXPECT_EQ(count, nthreads * steps);
     EXPECT_EQ(std::vector<uint8_t>(seen.begin() + 1, seen.end()), std::vector<uint8_t>(nthreads * steps, 1));
-    threads.clear();
-    for (int t = 0; t < nthreads; ++t)
-        threads.emplace_back([&] {
-            for (int i = 0; i < steps; ++i) zelt_atomic_dec(&count);
-        });
-    for (auto& t : threads) t.join();
+    in_threads([&] { zelt_atomic_dec(&count); });
     EXPECT_EQ(count, 0);
 }
 
 TEST(vdata, holds_a_terminated_copy) {
     uint8_t bytes[] = {'a', 0, 'b'};
     ZELT_VDATA v{}, copy{};
+    const auto expect = [](const ZELT_VDATA& d) {
+        EXPECT_EQ(d.type, 7u);
+        EXPECT_EQ(d.size, 3);
+        EXPECT_EQ(std::memcmp(d.data, "a\0b\0\0", 5), 0);
+    };
     ASSERT_EQ(zelt_vdata_set(&v, bytes, 3, 7), ZELT_OK);
-    EXPECT_EQ(v.type, 7u);
-    EXPECT_EQ(v.size, 3);
     bytes[0] = 'x';
-    EXPECT_EQ(std::memcmp(v.data, "a\0b\0\0", 5), 0);
     ASSERT_EQ(zelt_vdata_cpy(&copy, &v), ZELT_OK);
+    expect(v);
     EXPECT_NE(copy.data, v.data);
-    zelt_vdata_free(&v);
-    EXPECT_EQ(v.data, nullptr);
-    EXPECT_EQ(v.size, 0);
-    EXPECT_EQ(v.type, 0u);
-    EXPECT_EQ(copy.type, 7u);
-    EXPECT_EQ(copy.size, 3);
-    EXPECT_EQ(std::memcmp(copy.data, "a\0b\0\0", 5), 0);
+    for (ZELT_VDATA empty : {v, ZELT_VDATA{3, 4, nullptr}}) {  // with or without something to free
+        zelt_vdata_free(&empty);
+        EXPECT_EQ(empty.data, nullptr);
+        EXPECT_EQ(empty.size, 0);
+        EXPECT_EQ(empty.type, 0u);
+    }
+    expect(copy);
     zelt_vdata_free(&copy);
-
-    v = {3, 4, nullptr};  // nothing to free, and cleared all the same
-    zelt_vdata_free(&v);
-    EXPECT_EQ(v.size, 0);
-    EXPECT_EQ(v.type, 0u);
     zelt_vdata_free(nullptr);
 }
 
 TEST(vdata, empty_sources_change_nothing) {
     uint8_t kept = 1, byte = 2;
     ZELT_VDATA v{5, 6, &kept};
-    EXPECT_EQ(zelt_vdata_set(&v, &byte, 0, 7), ZELT_ERR_INVALID_ARG);
-    EXPECT_EQ(zelt_vdata_set(&v, &byte, INT32_MIN, 7), ZELT_ERR_INVALID_ARG);
-    EXPECT_EQ(zelt_vdata_set(&v, nullptr, 3, 7), ZELT_ERR_INVALID_ARG);
-    for (const ZELT_VDATA& empty : {ZELT_VDATA{7, 0, &byte}, ZELT_VDATA{7, -1, &byte}, ZELT_VDATA{7, 1, nullptr}})
+    for (const ZELT_VDATA& empty :
+         {ZELT_VDATA{7, 0, &byte}, ZELT_VDATA{7, INT32_MIN, &byte}, ZELT_VDATA{7, 1, nullptr}}) {
+        EXPECT_EQ(zelt_vdata_set(&v, static_cast<const uint8_t*>(empty.data), empty.size, 7), ZELT_ERR_INVALID_ARG);
         EXPECT_EQ(zelt_vdata_cpy(&v, &empty), ZELT_ERR_INVALID_ARG);
+    }
     EXPECT_EQ(v.type, 5u);
     EXPECT_EQ(v.size, 6);
     EXPECT_EQ(v.data, &kept);

@@ -2,6 +2,7 @@
 #include "unit/test_allocator.h"
 #include "zelt/zelt.h"
 
+#include <atomic>
 #include <climits>
 #include <functional>
 #include <gtest/gtest.h>
@@ -14,11 +15,14 @@ namespace {
 ZELT_AUDB* make(ZELT_AUDB*, int32_t* err) { return zelt_audb_create(64, 2, 16, 48000, 0, 0, nullptr, nullptr, err); }
 ZELT_BITB* make(ZELT_BITB*, int32_t* err) { return zelt_bitb_create(100, 7, 0, nullptr, nullptr, err); }
 ZELT_MFAL* make(ZELT_MFAL*, int32_t* err) { return zelt_mfal_create(99, err); }
+ZELT_IMGB* make(ZELT_IMGB*, int32_t* err) {
+    return zelt_imgb_create(8, 4, ZELT_CS_YUV420, 3, nullptr, nullptr, nullptr, nullptr, err);
+}
 
 template <class R> struct records : testing::Test {
     static R* make_one(int32_t* err = nullptr) { return make(static_cast<R*>(nullptr), err); }
 };
-using all_records = testing::Types<ZELT_AUDB, ZELT_BITB, ZELT_MFAL>;
+using all_records = testing::Types<ZELT_AUDB, ZELT_BITB, ZELT_MFAL, ZELT_IMGB>;
 TYPED_TEST_SUITE(records, all_records, );
 
 TYPED_TEST(records, counts_references) {
@@ -32,25 +36,33 @@ TYPED_TEST(records, counts_references) {
     EXPECT_EQ(r->release(r), 1);
     for (const auto f : {r->addref, r->getref, r->release}) EXPECT_EQ(f(nullptr), ZELT_ERR_INVALID_ARG);
     for (const uint32_t word : r->user) EXPECT_EQ(word, 0u);
+    r->refcnt = -3;  // a count below zero is given back as it is
+    EXPECT_EQ(r->release(r), -4);
+    r->refcnt = INT_MIN;
+    EXPECT_EQ(r->release(r), INT_MAX);
+    r->refcnt = 1;
     EXPECT_EQ(r->release(r), 0);
 }
 
+// Under the thread checker: what each holder did happens before the free, whoever comes last.
 TYPED_TEST(records, is_shared_by_threads) {
     TypeParam* r = this->make_one();
     std::vector<std::thread> threads;
+    std::atomic<int> frees = 0;
     for (int t = 0; t < 4; ++t) {
         r->addref(r);
-        threads.emplace_back([r, t] {
+        threads.emplace_back([r, t, &frees] {
             for (int i = 0; i < 2000; ++i) {
                 r->addref(r);
                 r->release(r);
             }
             r->user[t] = 1;  // seen by whichever thread frees the record
-            r->release(r);
+            frees += r->release(r) == 0;
         });
     }
-    r->release(r);
+    frees += r->release(r) == 0;
     for (std::thread& t : threads) t.join();
+    EXPECT_EQ(frees, 1);
 }
 
 // Everything that takes memory, with every allocation failing in turn.
@@ -58,57 +70,55 @@ TEST(allocation_failures, give_null_and_leave_nothing_behind) {
     if (!malloc_probe::works) GTEST_SKIP() << "malloc is the sanitizer's";
     struct maker {
         const char* name;
-        int calls;
+        std::vector<int32_t> errors;  // of each call that fails
         std::function<bool(int32_t*)> make_and_drop;
-        std::vector<int32_t> errors;
     };
-    const auto counted = [](auto* r) { return r && (r->release(r), true); };
-    const auto other = [](auto* object, auto drop, int32_t* err) {
-        *err = object ? ZELT_OK : -1;
-        return object && (drop(object), true);
+    const auto record = [](auto create) {
+        return [=](int32_t* err) {
+            auto* r = create(err);
+            return r && (r->release(r), true);
+        };
     };
-    const int32_t memory = ZELT_ERR_OUT_OF_MEMORY, buffer = ZELT_ERR_BUFFER_ALLOC;
+    const auto container = [](auto create, auto drop) {
+        return [=](int32_t* err) {
+            auto* object = create();
+            *err = object ? ZELT_OK : -1;
+            return object && (drop(object), true);
+        };
+    };
+    const int32_t memory = ZELT_ERR_OUT_OF_MEMORY, buffer = ZELT_ERR_BUFFER_ALLOC, bits = ZELT_ERR_BITB_ALLOC;
     const maker makers[] = {
-        {"planar audio",
-         3,
-         [&](int32_t* err) { return counted(make(static_cast<ZELT_AUDB*>(nullptr), err)); },
-         {memory, buffer, buffer}},
-        {"interleaved audio",
-         2,
-         [&](int32_t* err) { return counted(zelt_audb_create(9, 3, 8, 0, 1, 0, nullptr, nullptr, err)); },
-         {memory, buffer}},
-        {"bitstream",
-         2,
-         [&](int32_t* err) { return counted(make(static_cast<ZELT_BITB*>(nullptr), err)); },
-         {memory, ZELT_ERR_BITB_ALLOC}},
-        {"frame allocator", 1, [&](int32_t* err) { return counted(zelt_mfal_create(0, err)); }, {memory}},
-        {"list",
-         3,
-         [&](int32_t* err) { return other(zelt_list_create(4, nullptr), zelt_list_delete, err); },
-         {-1, -1, -1}},
-        {"ring", 2, [&](int32_t* err) { return other(zelt_rbuf_create(4), zelt_rbuf_delete, err); }, {-1, -1}},
-        {"pool",
-         4,
-         [&](int32_t* err) { return other(zelt_rlist_create(4, 3), zelt_rlist_delete, err); },
-         {-1, -1, -1, -1}},
+        {"planar", {memory, buffer, buffer}, record([](int32_t* err) {
+             return make(static_cast<ZELT_AUDB*>(nullptr), err);
+         })},
+        {"interleaved", {memory, buffer}, record([](int32_t* err) {
+             return zelt_audb_create(9, 3, 8, 0, 1, 0, nullptr, nullptr, err);
+         })},
+        {"bitstream", {memory, bits}, record([](int32_t* err) { return make(static_cast<ZELT_BITB*>(nullptr), err); })},
+        {"frame allocator", {memory}, record([](int32_t* err) { return make(static_cast<ZELT_MFAL*>(nullptr), err); })},
+        {"picture", {memory, buffer}, record([](int32_t* err) { return make(static_cast<ZELT_IMGB*>(nullptr), err); })},
+        {"list", {-1, -1, -1}, container([] { return zelt_list_create(4, nullptr); }, zelt_list_delete)},
+        {"ring", {-1, -1}, container([] { return zelt_rbuf_create(4); }, zelt_rbuf_delete)},
+        {"pool", {-1, -1, -1, -1}, container([] { return zelt_rlist_create(4, 3); }, zelt_rlist_delete)},
     };
     for (const maker& m : makers) {
-        SCOPED_TRACE(m.name);
-        for (int failing = 0; failing <= m.calls; ++failing) {
+        const int calls = static_cast<int>(m.errors.size());
+        for (int failing = 0; failing <= calls; ++failing) {
+            SCOPED_TRACE(testing::Message() << m.name << ", allocation " << failing << " failing");
             int32_t err = 1;
-            int calls, live;
+            int seen, live;
             bool made;
             {
                 malloc_probe probe(failing);
                 made = m.make_and_drop(&err);
-                calls = probe.calls;
+                seen = probe.calls;
                 live = probe.live;
             }
             EXPECT_EQ(made, failing == 0);
-            EXPECT_EQ(live, 0) << "allocation " << failing << " failing";
+            EXPECT_EQ(live, 0);
             EXPECT_EQ(err, failing ? m.errors[static_cast<std::size_t>(failing) - 1] : ZELT_OK);
             if (!failing) {
-                EXPECT_EQ(calls, m.calls);
+                EXPECT_EQ(seen, calls);
             }
         }
     }
@@ -137,50 +147,33 @@ ZELT_AUDB* audio(int32_t nsamples, int32_t nch, int32_t bits, int32_t fmt, int32
     return zelt_audb_create(nsamples, nch, bits, 44100, fmt, 12345, test_allocator::alloc, test_allocator::free, err);
 }
 
-TEST(audb, interleaved) {
-    for (const int fmt : {1, 99}) {
+TEST(audb, buffers) {
+    struct {
+        int32_t nch, bits, fmt, buffers, bytes;
+    } const cases[] = {{2, 16, 1, 1, 4000},  {2, 16, 99, 1, 4000}, {8, 12, 0, 8, 2000}, {8, 12, 100, 8, 2000},
+                       {8, 12, -1, 8, 2000}, {1, 1, 0, 1, 1000},   {1, 8, 0, 1, 1000},  {1, 9, 0, 1, 2000},
+                       {1, 24, 0, 1, 3000},  {1, 32, 0, 1, 4000},  {1, 0, 0, 1, 0},     {2, 16, INT_MIN, 2, 2000}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.nch << " channels of " << c.bits << " bits, format " << c.fmt);
         test_allocator allocator;
-        ZELT_AUDB* aud = audio(1024, 2, 16, fmt);
-        ASSERT_EQ(allocator.live(), 1u);
-        EXPECT_EQ(allocator.last_size, 4096u);
-        EXPECT_EQ(aud->nsamples[0], 1024);
-        EXPECT_EQ(aud->bsize[0], 4096);
-        EXPECT_EQ(aud->buf_aux[0], 0x1000u);
-        EXPECT_EQ(aud->buf[1], nullptr);
-        EXPECT_EQ(aud->nsamples[1] + aud->bsize[1], 0);
-        EXPECT_EQ(aud->interleaved, 1);
-        EXPECT_EQ(aud->fmt, fmt);
-        EXPECT_EQ(aud->nch, 2);
-        EXPECT_EQ(aud->bits, 16);
+        ZELT_AUDB* aud = audio(1000, c.nch, c.bits, c.fmt);
+        ASSERT_EQ(allocator.calls, c.buffers);
+        EXPECT_EQ(allocator.last_size, static_cast<uint32_t>(c.bytes));
+        for (int k = 0; k < 8; ++k) {
+            const bool used = k < c.buffers;
+            EXPECT_EQ(aud->nsamples[k], used ? 1000 : 0);
+            EXPECT_EQ(aud->bsize[k], used ? c.bytes : 0);
+            EXPECT_EQ(aud->buf_aux[k], used ? 0x1000u + static_cast<uint32_t>(k) * 0x100000 : 0);
+            EXPECT_EQ(aud->buf[k] != nullptr, used);
+        }
+        EXPECT_EQ(aud->interleaved, c.fmt >= 1 && c.fmt <= 99);
+        EXPECT_EQ(aud->fmt, c.fmt);
+        EXPECT_EQ(aud->nch, c.nch);
+        EXPECT_EQ(aud->bits, c.bits);
         EXPECT_EQ(aud->srate, 44100);
         EXPECT_EQ(aud->alloc_cb, test_allocator::alloc);
         EXPECT_EQ(aud->free_cb, test_allocator::free);
         EXPECT_EQ(aud->release(aud), 0);
-    }
-}
-
-TEST(audb, planar) {
-    for (const int fmt : {0, 100, -1, INT_MIN}) {
-        test_allocator allocator;
-        ZELT_AUDB* aud = audio(1000, 8, 12, fmt);  // 12 bits take two bytes
-        ASSERT_EQ(allocator.live(), 8u);
-        for (uint32_t k = 0; k < 8; ++k) {
-            EXPECT_EQ(aud->nsamples[k], 1000);
-            EXPECT_EQ(aud->bsize[k], 2000);
-            EXPECT_EQ(aud->buf_aux[k], 0x1000 + k * 0x100000);
-            EXPECT_NE(aud->buf[k], nullptr);
-        }
-        EXPECT_EQ(aud->interleaved, 0);
-        EXPECT_EQ(aud->release(aud), 0);
-    }
-}
-
-TEST(audb, rounds_bits_up_to_bytes) {
-    test_allocator allocator;
-    for (const auto& [bits, bytes] : {std::pair{1, 1u}, {8, 1u}, {9, 2u}, {24, 3u}, {32, 4u}, {0, 0u}}) {
-        ZELT_AUDB* aud = audio(10, 1, bits, 0);
-        EXPECT_EQ(allocator.last_size, 10 * bytes) << bits;
-        aud->release(aud);
     }
 }
 
@@ -257,11 +250,13 @@ TEST(bitb, keeps_tag_and_auxiliary_word) {
     EXPECT_EQ(err, ZELT_ERR_BITB_ALLOC);
 }
 
-// An allocator without a free routine: memory that nobody gives back, and no auxiliary word.
-uint8_t arena[8];
+// An allocator of memory that nobody has to give back, and without auxiliary words.
+uint8_t arena[64];
 void* from_arena(uint32_t, uint32_t*) { return arena; }
+uint32_t freed_aux;
+void note_aux(void*, uint32_t aux) { freed_aux = aux; }
 
-TEST(records, an_allocator_may_come_without_a_free_routine) {
+TEST(records, an_allocator_may_leave_the_auxiliary_word_and_come_without_a_free_routine) {
     int32_t err = 1;
     ZELT_BITB* bit = zelt_bitb_create(8, 0, 0, from_arena, nullptr, &err);
     EXPECT_EQ(err, ZELT_OK);
@@ -274,6 +269,12 @@ TEST(records, an_allocator_may_come_without_a_free_routine) {
     EXPECT_EQ(err, ZELT_OK);
     EXPECT_EQ(aud->buf_aux[1], 0u);
     EXPECT_EQ(aud->release(aud), 0);
+
+    freed_aux = 1;
+    ZELT_IMGB* img = zelt_imgb_create(8, 4, ZELT_CS_YUV400, 0, nullptr, nullptr, from_arena, note_aux, &err);
+    EXPECT_EQ(img->base_aux[0], 0u);
+    EXPECT_EQ(img->release(img), 0);
+    EXPECT_EQ(freed_aux, 0u);
 }
 
 }  // namespace

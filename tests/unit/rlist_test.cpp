@@ -72,17 +72,6 @@ TEST(rlist, agrees_with_two_queues_over_random_calls) {
     }
 }
 
-TEST(rlist, hands_out_released_buffers_last) {
-    const owned_pool rl(zelt_rlist_create(8, 4));
-    void* taken[3];
-    for (void*& buf : taken) buf = zelt_rlist_get_buf(rl.get());
-    zelt_rlist_rem_data(rl.get());
-    EXPECT_EQ(zelt_rlist_get_data(rl.get()), taken[1]);
-    EXPECT_EQ(zelt_rlist_get_buf(rl.get()), rl->first->next + 1);  // never used before
-    EXPECT_EQ(zelt_rlist_get_buf(rl.get()), taken[0]);
-    EXPECT_EQ(zelt_rlist_get_buf(rl.get()), nullptr);
-}
-
 TEST(rlist, has_one_buffer_at_least) {
     for (const int cnt : {0, -5, INT_MIN}) {
         const owned_pool rl(zelt_rlist_create(0, cnt));
