@@ -41,11 +41,15 @@ int written_bytes(const kernel& k, shape s) {
 int main() {
     for (const kernel& k : all_kernels()) {
         const auto [family, rest] = family_and_rest(k.name);
-        if (k.timed == timing::picture || k.timed == timing::counted_picture)
+        if (k.timed == timing::picture)
             count_row(k, {320, 240}, family, rest, "pixel", 320 * 240);
         else if (k.timed != timing::none && k.timed != timing::early_exit)
             count_row(k, k.shapes.front(), family, rest, "block", 1);
         for (const shape s : k.counted.shapes) {
+            if (k.counted.pictures) {
+                count_row(k, s, k.counted.family, rest, "pixel", s.w * s.h);
+                continue;
+            }
             const std::string size = std::to_string(s.w) + (s.h > 1 ? 'x' + std::to_string(s.h) : "");
             count_row(k, s, k.counted.family, k.name.substr(std::strlen("zelt_")) + ' ' + size, "byte",
                       written_bytes(k, s));

@@ -212,7 +212,7 @@ void add_kernel_rows() {
     for (const kernel& k : all_kernels())
         if (k.timed == timing::picture)
             add_picture_rows(k);
-        else if (k.timed != timing::none && k.timed != timing::counted_picture)
+        else if (k.timed != timing::none)
             add_block_row(k);
 }
 

@@ -49,11 +49,8 @@ private:
 
 inline std::string exported_name(const kernel& k) { return k.name.substr(0, k.name.find(' ')); }
 
-/// "csc" and "yuv444_to_rgb565" of zelt_csc_yuv444_to_rgb565, "sad" and "sad_16" of zelt_sad_16. What resizes is in one
-/// family, whether it converts or not.
+/// "csc" and "yuv444_to_rgb565" of zelt_csc_yuv444_to_rgb565, "sad" and "sad_16" of zelt_sad_16
 inline std::pair<std::string, std::string> family_and_rest(const std::string& name) {
-    for (const std::string resizes : {"zelt_csc_rsz_", "zelt_irsz"})
-        if (name.rfind(resizes, 0) == 0) return {"rsz", name.substr(resizes.size())};
     const std::string rest = name.substr(std::strlen("zelt_"));
     const std::string family = rest.substr(0, rest.find_first_not_of("abcdefghijklmnopqrstuvwxyz"));
     if (family == "hadamard") return {"satd", rest};  // the transform alone

@@ -40,7 +40,6 @@ struct view {
 enum class timing {
     none,
     picture,          // through kernel::call, over whole pictures
-    counted_picture,  // likewise, but the benchmark has rows of its own: only the instructions are counted
     pair,             // u32 f(a, b, sa, sb): two blocks as a motion search picks them, of the kernel's first shape
     sized_pair,       // u32 f(w, h, a, b, sa, sb): likewise
     early_exit,       // int f(w, h, a, b, sa, sb, threshold): likewise, against the least of the block before
@@ -63,6 +62,7 @@ struct kernel {
     struct {
         const char* family;
         std::vector<shape> shapes;
+        bool pictures = false;  // and whether it is for pixels, or else for bytes
     } counted = {};
 };
 

@@ -84,7 +84,10 @@ struct ratio {
     int x_num, x_den, y_num, y_den;
     bool counted = false;  // how many instructions it takes is of interest
 
-    timing timed() const { return counted ? timing::counted_picture : timing::none; }
+    kernel counting(kernel k) const {
+        if (counted) k.counted = {"rsz", {{320, 240}}, true};
+        return k;
+    }
 
     static int apply(int n, int num, int den) { return std::max(1, (n * num + den - 1) / den); }
     shape source(shape s) const { return {apply(s.w, x_num, x_den), apply(s.h, y_num, y_den)}; }
@@ -109,25 +112,25 @@ constexpr ratio ratios[] = {
 };
 
 void add_resizer(std::vector<kernel>& rows, const resizer& r, const ratio& q) {
-    rows.push_back({r.name + "_full " + q.name, reinterpret_cast<function>(r.full), q.shapes(),
-                    [&r, q](shape s) -> std::vector<operand> {
-                        const shape from = q.source(s);
-                        return {{.width = from.w * r.src_bytes, .rows = from.h},
-                                {.width = s.w * r.dst_bytes, .rows = s.h, .written = true}};
-                    },
-                    [q](function f, shape s, const view* v) -> u64 {
-                        const shape from = q.source(s);
-                        u32 x, y;
-                        bilinear_rsz_step_size(from.w, from.h, s.w, s.h, &x, &y);
-                        reinterpret_cast<decltype(resizer::full)>(f)(v[0].p, static_cast<int>(v[0].stride), s.w, s.h,
-                                                                     static_cast<int>(v[1].stride), v[1].p, x, y);
-                        return 0;
-                    },
-                    [&r, q](shape s, const view* v) -> u64 {
-                        model_picture(r, v[0], q.source(s), v[1], s);
-                        return 0;
-                    },
-                    q.timed()});
+    rows.push_back(q.counting({r.name + "_full " + q.name, reinterpret_cast<function>(r.full), q.shapes(),
+                               [&r, q](shape s) -> std::vector<operand> {
+                                   const shape from = q.source(s);
+                                   return {{.width = from.w * r.src_bytes, .rows = from.h},
+                                           {.width = s.w * r.dst_bytes, .rows = s.h, .written = true}};
+                               },
+                               [q](function f, shape s, const view* v) -> u64 {
+                                   const shape from = q.source(s);
+                                   u32 x, y;
+                                   bilinear_rsz_step_size(from.w, from.h, s.w, s.h, &x, &y);
+                                   reinterpret_cast<decltype(resizer::full)>(f)(v[0].p, static_cast<int>(v[0].stride),
+                                                                                s.w, s.h, static_cast<int>(v[1].stride),
+                                                                                v[1].p, x, y);
+                                   return 0;
+                               },
+                               [&r, q](shape s, const view* v) -> u64 {
+                                   model_picture(r, v[0], q.source(s), v[1], s);
+                                   return 0;
+                               }}));
     // Rows, of exactly the samples that are needed; the shape's height is the vertical phase.
     std::vector<shape> widths = q.shapes();
     for (shape& s : widths) s.h = s.w % 8;
@@ -169,7 +172,8 @@ void add_fused(std::vector<kernel>& rows, const fused& f, const ratio& q) {
     const int from_planes = static_cast<int>(source->bytes.size()),
               to_planes = static_cast<int>(destination->bytes.size());
     const bool alpha = from_planes == 4;
-    rows.push_back({f.name + std::string(" ") + q.name, reinterpret_cast<function>(f.exported), q.shapes(),
+    rows.push_back(
+        q.counting({f.name + std::string(" ") + q.name, reinterpret_cast<function>(f.exported), q.shapes(),
                     [=](shape s) {
                         const shape from = q.source(s);
                         std::vector<operand> all;
@@ -210,8 +214,7 @@ void add_fused(std::vector<kernel>& rows, const fused& f, const ratio& q) {
                                 destination->write(dst, c);
                             }
                         return 0;
-                    },
-                    q.timed()});
+                    }}));
 }
 }  // namespace
 
