@@ -46,6 +46,10 @@ int main() {
         else if (k.timed != timing::none && k.timed != timing::early_exit)
             count_row(k, k.shapes.front(), family, rest, "block", 1);
         for (const shape s : k.counted.shapes) {
+            if (k.counted.pictures) {
+                count_row(k, s, k.counted.family, rest, "pixel", s.w * s.h);
+                continue;
+            }
             const std::string size = std::to_string(s.w) + (s.h > 1 ? 'x' + std::to_string(s.h) : "");
             count_row(k, s, k.counted.family, k.name.substr(std::strlen("zelt_")) + ' ' + size, "byte",
                       written_bytes(k, s));

@@ -33,7 +33,7 @@ void convert(zelt_csc_fn fn, const picture& from, const picture& to) {
     fn(from.plane, from.w, from.h, from.stride, from.fmt->cs, to.plane, to.w, to.h, to.stride, to.fmt->cs);
 }
 
-/// Megapixels per second, the best of many short runs
+/// Destination megapixels per second, the best of many short runs
 double speed(zelt_csc_fn fn, const picture& from, const picture& to) {
     using clock = std::chrono::steady_clock;
     double best = 0;
@@ -41,7 +41,7 @@ double speed(zelt_csc_fn fn, const picture& from, const picture& to) {
         const auto t0 = clock::now();
         convert(fn, from, to);
         const std::chrono::duration<double, std::micro> took = clock::now() - t0;
-        best = std::max(best, from.w * static_cast<double>(from.h) / took.count());
+        best = std::max(best, to.w * static_cast<double>(to.h) / took.count());
     }
     return best;
 }
@@ -57,7 +57,7 @@ class demo {
 public:
     explicit demo(std::filesystem::path folder) : folder_(std::move(folder)) {
         std::filesystem::create_directories(folder_);
-        std::printf("%-10s %-22s %9s %9s %6s  %s\n", "picture", "path", "vector", "scalar", "", "same bytes");
+        std::printf("%-10s %-26s %9s %9s %6s  %s\n", "picture", "path", "vector", "scalar", "", "same bytes");
     }
 
     void run(const std::string& path) {
@@ -74,6 +74,9 @@ public:
             const picture there = step(yuv, cs), back = step(there, ZELT_CS_YUV444);
             save(step(back, ZELT_CS_RGB888), there.fmt->name);
         }
+        for (const auto& [w, h] :
+             {std::pair{yuv.w / 2, yuv.h / 2}, {yuv.w * 2 / 3, yuv.h * 2 / 3}, {yuv.w * 2, yuv.h * 2}})
+            measure(yuv, picture(format_of(ZELT_CS_RGB888), w, h));
     }
     bool all_same() const { return all_same_; }
 
@@ -106,9 +109,11 @@ private:
         convert(fast, from, to), convert(plain, from, other);
         const bool same = same_bytes(to, other);
         all_same_ &= same;
+        const bool resized = to.w != from.w || to.h != from.h;
+        const std::string size = resized ? ' ' + std::to_string(to.w) + 'x' + std::to_string(to.h) : "";
         const double fast_speed = speed(fast, from, to), plain_speed = speed(plain, from, other);
-        std::printf("%-10s %-22s %9.0f %9.0f %5.1fx  %s\n", name_.c_str(),
-                    (std::string(from.fmt->name) + " > " + to.fmt->name).c_str(), fast_speed, plain_speed,
+        std::printf("%-10s %-26s %9.0f %9.0f %5.1fx  %s\n", name_.c_str(),
+                    (std::string(from.fmt->name) + " > " + to.fmt->name + size).c_str(), fast_speed, plain_speed,
                     fast_speed / plain_speed, same ? "yes" : "NO");
     }
     void save(const picture& pic, const std::string& what) {
@@ -135,7 +140,7 @@ int main(int argc, char** argv) try {
 #endif
     demo d(argv[1]);
     for (int i = 2; i < argc; ++i) d.run(argv[i]);
-    std::printf("Speeds are megapixels per second on one core.\n");
+    std::printf("Speeds are megapixels made per second on one core.\n");
     return d.all_same() ? 0 : 1;
 } catch (const std::exception& e) {
     std::cerr << "zelt_demo: " << e.what() << '\n';

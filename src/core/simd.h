@@ -22,9 +22,11 @@
 // bytes stand in Windows * 16 bytes of the row. Tables give an eight 16 bytes, pair_at(i, side) is the place of sample
 // i's; the eights of `words`, first those of lo, are in the order of eight_at.
 //
+//   reach                          bytes of the windows, 16 or 32, that a mask deals with
 //   pick<Windows>(row, at, masks)  pairs by their places in the windows that start at at[]; masks hold `lanes` bytes a
-//                                  window, 0x80 where another window has the byte
-//   load_pairs(p)                  the pairs of adjoining bytes from p on, eights in their own order
+//                                  reach, 0x80 where the byte is in another
+//   load_pairs<Bytes, Next>(p)     pairs that stand one after another from p on: of pixels of 1 or 4 bytes, either each
+//                                  one or every second one, for eights in their own order
 //   weigh(p, w), weigh(sum, p, w)  sum of a pair's bytes times its weights, in 16 bits
 //   pack(quad, quad)               the low halves of eight 32-bit values
 //   store_pairs(p, l, r)           an eight's 16 bytes of a table from the low bytes of l and r

@@ -184,6 +184,7 @@ inline void store_pairs(u8* p, eight left, eight right) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(p), (__m128i)(left | right << 8));
 }
 
+constexpr int reach = 16;
 template <int Windows> pairs pick(const u8* row, const std::ptrdiff_t* at, const u8* masks) {
     const u8 *low = row + at[0], *high = row + at[1];
     pairs p = _mm256_shuffle_epi8(load_halves(low, high), load_register(masks));
@@ -192,7 +193,18 @@ template <int Windows> pairs pick(const u8* row, const std::ptrdiff_t* at, const
             p, _mm256_shuffle_epi8(load_halves(low + 16 * i, high + 16 * i), load_register(masks + 32 * i)));
     return p;
 }
-inline pairs load_pairs(const u8* p) { return load_register(p); }
+template <int Bytes, int Next> pairs load_pairs(const u8* p) {
+    static_assert((Bytes == 1 || Bytes == 4) && (Next == 1 || Next == 2));
+    __m256i v = load_register(p);
+    if constexpr (Next == 2) {  // every second pixel of two registers
+        const __m256i w = load_register(p + 32), low = _mm256_set1_epi16(255);
+        v = Bytes == 1 ? _mm256_packus_epi16(_mm256_and_si256(v, low), _mm256_and_si256(w, low))
+                       : (__m256i)_mm256_shuffle_ps((__m256)v, (__m256)w, 0x88);
+        v = _mm256_permute4x64_epi64(v, 0xD8);
+    }
+    static constexpr byte_table by_channel = per_place([](int i) { return i % 2 * 4 + i / 2 % 4 + i / 8 * 8; });
+    return Bytes == 1 ? v : _mm256_shuffle_epi8(v, load_table(by_channel));
+}
 inline half weigh(pairs p, bytes w) { return (half)_mm256_maddubs_epi16(p, (__m256i)w); }
 inline half weigh(half sum, pairs p, bytes w) { return sum + weigh(p, w); }
 inline bytes narrow_q6(words a) { return narrow({(half)((uhalf)a.lo >> 6), (half)((uhalf)a.hi >> 6)}); }

@@ -105,7 +105,10 @@ inline void load_words(const u8* p, words& a) { a = {(half)vld1q_u8(p), (half)vl
 inline void store_words(u8* p, words a) { vst1q_u8(p, (uint8x16_t)a.lo), vst1q_u8(p + 16, (uint8x16_t)a.hi); }
 
 template <int A, int B, int C> int16x4_t dot_q10(int16x4_t a, int16x4_t b, int16x4_t c) {
-    return vrshrn_n_s32(vmlal_n_s16(vmlal_n_s16(vmull_n_s16(a, A), b, B), c, C), 10);
+    const int16x4_t factors = {A, B, C, 0};  // lanes of one register: compilers keep factors by themselves in many
+    int32x4_t sum = vmlal_lane_s16(vmull_lane_s16(a, factors, 0), b, factors, 1);
+    if constexpr (C != 0) sum = vmlal_lane_s16(sum, c, factors, 2);
+    return vrshrn_n_s32(sum, 10);
 }
 template <int A, int B, int C> half dot_q10(half a, half b, half c) {
     const auto low = [](half v) { return vget_low_s16((int16x8_t)v); };
@@ -125,21 +128,41 @@ inline void store_pairs(u8* p, eight left, eight right) {
     vst1q_u8(p, vcombine_u8(vmovn_u16((uint16x8_t)left), vmovn_u16((uint16x8_t)right)));
 }
 
+constexpr int reach = 32;
 template <int Windows> pairs pick(const u8* row, const std::ptrdiff_t* at, const u8* masks) {
     row += *at;
-    const auto window = [row](int i) {
-        const uint8x16_t v = vld1q_u8(row + 16 * i);
-        return uint8x8x2_t{{vget_low_u8(v), vget_high_u8(v)}};
-    };
-    pairs p = {vtbl2_u8(window(0), vld1_u8(masks)), vtbl2_u8(window(0), vld1_u8(masks + 8))};
-    for (int i = 1; i < Windows; ++i)
-        p = {vtbx2_u8(p.left, window(i), vld1_u8(masks + 16 * i)),
-             vtbx2_u8(p.right, window(i), vld1_u8(masks + 16 * i + 8))};
+    pairs p = {vdup_n_u8(0), vdup_n_u8(0)};
+    for (int i = 0; i < Windows; i += 2, row += reach, masks += 16) {
+        const uint8x8_t left = vld1_u8(masks), right = vld1_u8(masks + 8);
+        const uint8x16_t v = vld1q_u8(row);
+        if (i + 1 < Windows) {
+            const uint8x16_t w = vld1q_u8(row + 16);
+            const uint8x8x4_t table = {{vget_low_u8(v), vget_high_u8(v), vget_low_u8(w), vget_high_u8(w)}};
+            p = i ? pairs{vtbx4_u8(p.left, table, left), vtbx4_u8(p.right, table, right)}
+                  : pairs{vtbl4_u8(table, left), vtbl4_u8(table, right)};
+        } else {
+            const uint8x8x2_t table = {{vget_low_u8(v), vget_high_u8(v)}};
+            p = i ? pairs{vtbx2_u8(p.left, table, left), vtbx2_u8(p.right, table, right)}
+                  : pairs{vtbl2_u8(table, left), vtbl2_u8(table, right)};
+        }
+    }
     return p;
 }
-inline pairs load_pairs(const u8* p) {
-    const uint8x8x2_t v = vld2_u8(p);
-    return {v.val[0], v.val[1]};
+template <int Bytes, int Next> pairs load_pairs(const u8* p) {
+    static_assert((Bytes == 1 || Bytes == 4) && (Next == 1 || Next == 2));
+    if constexpr (Bytes == 1 && Next == 1) {
+        const uint8x8x2_t v = vld2_u8(p);
+        return {v.val[0], v.val[1]};
+    } else if constexpr (Bytes == 1) {
+        const uint8x8x4_t v = vld4_u8(p);
+        return {v.val[0], v.val[2]};
+    } else {  // not vld2_u32, which may assume alignment
+        const uint32x4_t v = (uint32x4_t)vld1q_u8(p), w = Next == 1 ? v : (uint32x4_t)vld1q_u8(p + 16);
+        const uint32x2_t left = vget_low_u32(v), right = Next == 1 ? vget_high_u32(v) : vget_low_u32(w);
+        const uint32x2x2_t two = vtrn_u32(left, right);
+        if constexpr (Next == 1) return {(uint8x8_t)two.val[0], (uint8x8_t)two.val[1]};
+        return {(uint8x8_t)two.val[0], (uint8x8_t)vtrn_u32(vget_high_u32(v), vget_high_u32(w)).val[0]};
+    }
 }
 inline half weigh(pairs p, bytes w) { return (half)vmlal_u8(vmull_u8(p.left, low8(w)), p.right, high8(w)); }
 inline half weigh(half sum, pairs p, bytes w) {

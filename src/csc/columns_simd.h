@@ -14,35 +14,42 @@ using csc::axis;
 struct row_shape {
     std::ptrdiff_t samples;  // of a destination row
     s64 limit;               // bytes of a source row up to the last one that is needed
-    int windows;
+    int windows;             // of 16 bytes, that an eight reads
+
+    int masks() const { return masks_of(windows); }
+    static constexpr int masks_of(int windows) { return (16 * windows + reach - 1) / reach; }
 
     row_shape(const axis& x, int w, int bytes) : samples(static_cast<std::ptrdiff_t>(s64{w} * bytes)) {
         limit = (x.sample((w - s64{1}) * x.step) + x.next + 1) * bytes;
-        const s64 pixels = 8 % bytes ? 8 / bytes + 2 : 8 / bytes;  // that an eight may touch
-        const s64 apart = ((pixels - 1) * x.step + (1 << 18) - 1) >> 18;
-        const s64 span = (apart * (s64{1} << x.shift) + x.next + 1) * bytes;
-        windows = span <= 16 ? 1 : span <= 32 ? 2 : span <= 64 ? 4 : span <= 128 ? 8 : 0;
+        s64 span = 0;                                             // of what an eight reads
+        for (int c = 0; c < bytes; c += 8 % bytes ? 1 : bytes) {  // its first channel
+            const s64 apart = ((c + 7) / bytes * x.step + (1 << 18) - 1) >> 18;
+            span = std::max<s64>(span, (apart * (s64{1} << x.shift) + x.next) * bytes + (c + 7) % bytes + 1);
+        }
+        windows = span <= 64 ? static_cast<int>((span + 15) / 16) : span <= 128 ? 8 : 0;
         if (limit < 16 * windows || x.next != s64{1} << x.shift) windows = 0;
     }
 };
 
 struct columns {
-    static constexpr int eights = lanes / 8, longest_run = 64;
+    static constexpr int eights = lanes / 8, longest_run = 128;
 
     int groups;                     // of `lanes` samples
     std::ptrdiff_t first, last;     // first sample of the first and of the last group, which ends with the row
     const std::ptrdiff_t* offsets;  // of an eight's windows in a source row
     const u8 *masks, *weights;
-    // Groups whose pairs stand one after another, as at a ratio of 2. Their eights are in their own order.
+    // Groups whose pairs stand one after another, as at ratios of 2 and 4. Their eights are in their own order.
     int run, run_end;
+    std::ptrdiff_t run_source;  // where their pairs begin in a source row
 
     std::ptrdiff_t at(int group) const { return std::min(first + group * lanes, last); }
     /// The part of a source row that is read
     std::ptrdiff_t source_start() const { return offsets[0]; }
     std::ptrdiff_t source_end(int windows) const { return offsets[groups * eights - 1] + 16 * windows; }
 
-    /// Asks for a group's part of the row that comes next: too little of each is read for the processor to foresee it.
-    void prefetch(int group, const u8* row) const { __builtin_prefetch(row + offsets[group * eights]); }
+    /// Asks for half a group's part of the row that comes next: too little of each is read for the processor to foresee
+    /// it.
+    void prefetch(int half_group, const u8* row) const { __builtin_prefetch(row + offsets[half_group * (eights / 2)]); }
 
     bytes weight(int half_group) const {
         bytes w;
@@ -50,7 +57,8 @@ struct columns {
         return w;
     }
     template <int Windows> pairs pick(int half_group, const u8* row) const {
-        return simd::pick<Windows>(row, offsets + half_group * (eights / 2), masks + half_group * Windows * lanes);
+        return simd::pick<Windows>(row, offsets + half_group * (eights / 2),
+                                   masks + half_group * row_shape::masks_of(Windows) * lanes);
     }
 };
 
@@ -76,35 +84,34 @@ public:
     /// Samples from `first` on, as many as fit but at most `most`; pixels have Bytes samples.
     template <int Bytes>
     columns prepare(const axis& x, const row_shape& row, std::ptrdiff_t first, s64 most, bool may_run) {
-        const int group_size = lanes * 2 * (1 + row.windows) + columns::eights * static_cast<int>(sizeof *offsets_);
+        const int group_size = lanes * 2 * (1 + row.masks()) + columns::eights * static_cast<int>(sizeof *offsets_);
         const int groups = static_cast<int>(
             std::min<s64>({Size / group_size, most / lanes, (row.samples - first + lanes - 1) / lanes}));
         weights_ = memory_, masks_ = weights_ + groups * 2 * lanes;
-        offsets_ = reinterpret_cast<std::ptrdiff_t*>(masks_ + groups * 2 * lanes * row.windows);
-        columns c = {groups, first, row.samples - lanes, offsets_, masks_, weights_, groups, groups};
+        offsets_ = reinterpret_cast<std::ptrdiff_t*>(masks_ + groups * 2 * lanes * row.masks());
+        columns c = {groups, first, row.samples - lanes, offsets_, masks_, weights_, groups, groups, 0};
         for (int i = 0; i < groups * columns::eights; ++i)
             prepare_eight<Bytes>(x, row, i, c.at(i / columns::eights) + 8 * eight_at(i % columns::eights));
-        if (!may_run || Bytes > 1 || row.windows > 1) return c;
-        for (c.run = 0; c.run < groups && !adjoins(c, c.run);) ++c.run;
-        const int longest = std::min(groups, c.run + columns::longest_run);
-        for (c.run_end = c.run; c.run_end < longest && adjoins(c, c.run_end);) ++c.run_end;
+        if (may_run && 8 % Bytes == 0 && x.shift <= 1) find_run<Bytes>(c, x, row);
         for (int i = c.run * columns::eights; i < c.run_end * columns::eights; i += columns::eights) order(i);
         return c;
     }
 
 private:
-    /// Whether the pairs of a group stand one after another and, within a run, after those of the group before
-    bool adjoins(const columns& c, int group) const {
-        constexpr u16 pairs[] = {0x100, 0x302, 0x504, 0x706, 0x908, 0xB0A, 0xD0C, 0xF0E};
-        const int index = group * columns::eights, from = c.run * columns::eights;
-        bool all = c.at(group) == c.first + group * lanes;
-        for (int i = 0; all && i < columns::eights; ++i) {
-            u8 masks[16];
-            store_pairs(masks, load_lanes<eight>(pairs) & 255, load_lanes<eight>(pairs) >> 8);
-            all &= offsets_[index + i] == offsets_[from] + 16 * (index - from + eight_at(i));
-            all &= !std::memcmp(masks_ + 16 * (index + i), masks, 16);
-        }
-        return all;
+    /// Finds the first pixels of which each one's pair stands where the one before ends, over whole groups.
+    template <int Bytes> static void find_run(columns& c, const axis& x, const row_shape& row) {
+        const auto first_pixel = [&](int group) { return c.at(group) / Bytes; };
+        const auto last_pixel = [&](int group) { return (c.at(group) + lanes) / Bytes - 1; };
+        const auto lag = [&](s64 pixel) { return 2 * pixel - (pixel * x.step >> 18); };  // never both rises and falls
+        for (c.run = 0; c.run < c.groups && lag(first_pixel(c.run)) != lag(last_pixel(c.run));) ++c.run;
+        const s64 from = first_pixel(c.run);
+        const auto adjoins = [&](int group) {
+            return c.at(group) == c.first + group * lanes && lag(last_pixel(group)) == lag(from) &&
+                   (x.sample(last_pixel(group) * x.step) + 2 * x.next) * Bytes <= row.limit;
+        };
+        const int longest = std::min(c.groups, c.run + columns::longest_run);
+        for (c.run_end = c.run; c.run_end < longest && adjoins(c.run_end);) ++c.run_end;
+        c.run_source = static_cast<std::ptrdiff_t>(x.sample(from * x.step) * Bytes);
     }
 
     /// Puts the weights of a group's eights in their own order.
@@ -128,10 +135,10 @@ private:
         const eight left = (place >> 3 << static_cast<u16>(x.shift)) * static_cast<u16>(Bytes) +
                            load_lanes<eight>(of.channel[c]) + static_cast<u16>(start - window);
         constexpr int sharing = columns::eights / 2;  // eights whose masks are in one register
-        for (int k = 0; k < row.windows; ++k) {
-            const eight l = left - static_cast<u16>(16 * k), r = l + static_cast<u16>(x.next * Bytes);
-            store_pairs(masks_ + (index / sharing * row.windows + k) * lanes + index % sharing * 16,
-                        l > 15 ? eight{} + 0x80 : l, r > 15 ? eight{} + 0x80 : r);
+        for (int k = 0; k < row.masks(); ++k) {
+            const eight l = left - static_cast<u16>(reach * k), r = l + static_cast<u16>(x.next * Bytes);
+            store_pairs(masks_ + (index / sharing * row.masks() + k) * lanes + index % sharing * 16,
+                        l >= reach ? eight{} + 0x80 : l, r >= reach ? eight{} + 0x80 : r);
         }
     }
 

@@ -47,7 +47,8 @@ public:
         rows_[count_++] = rows;
     }
     void flush() {
-        fast::resize_rows<Format>(rows_, count_, x_, dst_w_);
+        const row_pair* rows = rows_;
+        fast::resize_rows<Format>(rows, count_, x_, dst_w_);
         count_ = 0;
     }
 

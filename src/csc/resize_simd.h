@@ -28,11 +28,13 @@ struct put_bytes {
 
 template <class Layout, int Bytes> class taken_apart {
 public:
-    static constexpr int planes = 3, most = 4096;  // pixels of a row that the columns may need
+    static constexpr int planes = 3, most = 4096;            // pixels of a row that the columns may need
+    static constexpr int most_windows = Bytes == 2 ? 8 : 4;  // beyond, too little is used of what comes apart
+    static constexpr bool as_is = false;
 
     taken_apart(const columns& c, int windows) : start_(c.source_start()), size_(c.source_end(windows) - start_) {}
 
-    const u8* const* operator()(const u8* const* row) {
+    [[gnu::noinline]] const u8* const* operator()(const u8* const* row) {
         Layout src;
         src.p[0] = const_cast<u8*>(*row) + start_ * Bytes;
         csc::planar<3> dst;

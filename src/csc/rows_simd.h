@@ -6,10 +6,18 @@
 namespace zelt::simd {
 using csc::row_job;
 
+/// Samples as they stand in memory
+template <int N> struct in_place {
+    static constexpr int planes = N, most = 1 << 30, most_windows = 8;
+    static constexpr bool as_is = true;
+    in_place(const columns&, int) {}
+    const u8* const* operator()(const u8* const* row) { return row; }
+};
+
 // ------------------------------------------------------------------------------------------------- rows by themselves
 
-/// Weights across and down in one, at most 64
-inline bytes scaled(bytes weights, int factor) { return weights * static_cast<u8>(factor); }
+/// Weights across and down in one, at most 64, so that a pair of them is one product
+inline bytes scaled(bytes weights, int factor) { return (bytes)((uhalf)weights * static_cast<u16>(factor)); }
 
 /// The weights of a run's groups, kept while the vertical phase stays the same, as it does for long at a ratio of 2
 class run_weights {
@@ -28,41 +36,42 @@ private:
     int phase_ = -1;
 };
 
-template <class Out, int N, class Dest>
+template <class Out, int Windows, int N, class Dest>
 [[gnu::flatten]] void make_groups(const columns& all, int g, int end, const row_job<N, Dest>& rows,
                                   const row_job<N, Dest>& next) {
     const columns c = all;
-    const row_job<N, Dest> job = rows;
+    const row_job<N, Dest> job = rows, after = next;
     for (; g < end; ++g) {
         words sums[N];
         for (int h = 0; h < 2; ++h) {
             const bytes w = c.weight(2 * g + h), top = scaled(w, 8 - job.phase), bottom = scaled(w, job.phase);
-            for (int p = 0; p < N; ++p)
-                (h ? sums[p].hi : sums[p].lo) =
-                    weigh(weigh(c.pick<1>(2 * g + h, job.top[p]), top), c.pick<1>(2 * g + h, job.bottom[p]), bottom);
+            for (int p = 0; p < N; ++p) {
+                (h ? sums[p].hi : sums[p].lo) = weigh(weigh(c.pick<Windows>(2 * g + h, job.top[p]), top),
+                                                      c.pick<Windows>(2 * g + h, job.bottom[p]), bottom);
+                if (h < (Windows + 1) / 2) c.prefetch(2 * g + h, after.top[p]), c.prefetch(2 * g + h, after.bottom[p]);
+            }
         }
         bytes v[N];
         for (int p = 0; p < N; ++p) v[p] = narrow_q6(sums[p]);
-        for (int p = 0; p < N; ++p) c.prefetch(g, next.top[p]), c.prefetch(g, next.bottom[p]);
         Out::put(job.dst, c.at(g), v);
     }
 }
 
-template <class Out, int N, class Dest>
+template <class Out, int Bytes, int Next, int N, class Dest>
 [[gnu::flatten]] void make_run(const columns& c, const run_weights& weights, const row_job<N, Dest>& rows,
                                const row_job<N, Dest>& next) {
-    const row_job<N, Dest> job = rows;
+    const row_job<N, Dest> job = rows, after = next;
     const int end = 2 * (c.run_end - c.run);
-    std::ptrdiff_t x = c.first + c.run * lanes, source = c.offsets[c.run * columns::eights];
-    for (int i = 0; i < end; i += 2, x += lanes, source += 2 * lanes) {
-        for (int p = 0; p < N; ++p)
-            __builtin_prefetch(next.top[p] + source), __builtin_prefetch(next.bottom[p] + source);
+    std::ptrdiff_t x = c.first + c.run * lanes, source = c.run_source;
+    for (int i = 0; i < end; i += 2, x += lanes, source += 2 * Next * lanes) {
         bytes v[N];
         for (int p = 0; p < N; ++p) {
-            const u8 *top = job.top[p] + source, *bottom = job.bottom[p] + source;
             const auto sum = [&](int half) {
-                return weigh(weigh(load_pairs(top + half * lanes), weights.top[i + half]),
-                             load_pairs(bottom + half * lanes), weights.bottom[i + half]);
+                const std::ptrdiff_t at = source + half * Next * lanes;
+                if (Bytes == 1 && half < Next)  // longer rows are foreseen
+                    __builtin_prefetch(after.top[p] + at), __builtin_prefetch(after.bottom[p] + at);
+                return weigh(weigh(load_pairs<Bytes, Next>(job.top[p] + at), weights.top[i + half]),
+                             load_pairs<Bytes, Next>(job.bottom[p] + at), weights.bottom[i + half]);
             };
             v[p] = narrow_q6_eights({sum(0), sum(1)});
         }
@@ -70,15 +79,28 @@ template <class Out, int N, class Dest>
     }
 }
 
-template <class Out, class Jobs> void make_rows(const columns& c, const Jobs& jobs, int count) {
+template <class Source, class Out, int Windows, int Bytes, class Jobs>
+[[gnu::noinline]] void make_rows(const columns& c, const axis& x, const Jobs& jobs, int count) {
+    constexpr int planes = Source::planes;
     run_weights run;
+    Source take_top(c, Windows), take_bottom(c, Windows);
+    const auto taken = [&](const auto& job) {
+        row_job<planes, decltype(job.dst)> rows;
+        std::copy_n(take_top(job.top), planes, rows.top), std::copy_n(take_bottom(job.bottom), planes, rows.bottom);
+        rows.phase = job.phase, rows.dst = job.dst;
+        return rows;
+    };
     for (int i = 0; i < count; ++i) {
-        const auto job = jobs[i], next = jobs[i + (i + 1 < count)];
-        if (c.run > 0) make_groups<Out>(c, 0, c.run, job, next);
+        const auto job = taken(jobs[i]);
+        auto next = job;
+        if constexpr (Source::as_is) next = jobs[i + (i + 1 < count)];
+        if (c.run > 0) make_groups<Out, Windows>(c, 0, c.run, job, next);
         if (c.run == c.groups) continue;
-        run.scale(c, job.phase);
-        make_run<Out>(c, run, job, next);
-        if (c.run_end < c.groups) make_groups<Out>(c, c.run_end, c.groups, job, next);
+        if constexpr (8 % Bytes == 0) {
+            run.scale(c, job.phase);
+            x.next == 1 ? make_run<Out, Bytes, 1>(c, run, job, next) : make_run<Out, Bytes, 2>(c, run, job, next);
+        }
+        if (c.run_end < c.groups) make_groups<Out, Windows>(c, c.run_end, c.groups, job, next);
     }
 }
 
@@ -87,18 +109,11 @@ template <class Out, class Jobs> void make_rows(const columns& c, const Jobs& jo
 /// The sums of a row of one plane, two halves a group
 template <int Windows> void sum_row(const columns c, const u8* row, const u8* next, half* to) {
     for (int h = 0; h < 2 * c.groups; ++h) {
-        if (h % 2 == 0) c.prefetch(h / 2, next);
+        if (h % 2 < (Windows + 1) / 2) c.prefetch(h, next);
         to[h] = weigh(c.pick<Windows>(h, row), c.weight(h));
     }
 }
 using sum_row_fn = void (*)(columns, const u8*, const u8*, half*);
-
-/// Samples as they stand in memory
-template <int N> struct in_place {
-    static constexpr int planes = N, most = 1 << 30;
-    in_place(const columns&, int) {}
-    const u8* const* operator()(const u8* const* row) { return row; }
-};
 
 /// Sums of two source rows, kept while the rows next to them are made
 template <class Source> class kept_sums {
@@ -115,12 +130,11 @@ public:
         const int i = rows_[0] == other;
         rows_[i] = *row;
         const u8* const* samples = source_(row);
-        for (int p = 0; p < planes; ++p) sum_(c, samples[p], next[as_is ? p : 0], sums_[i] + 2 * c.groups * p);
+        for (int p = 0; p < planes; ++p) sum_(c, samples[p], next[Source::as_is ? p : 0], sums_[i] + 2 * c.groups * p);
         return sums_[i];
     }
 
 private:
-    static constexpr bool as_is = std::is_same_v<Source, in_place<planes>>;
     Source source_;
     sum_row_fn sum_;
     const u8* rows_[2] = {};
@@ -141,8 +155,10 @@ template <class Out, int N, class Dest>
     }
 }
 
-template <class Out, class Source, class Jobs>
-void make_rows(const columns& c, kept_sums<Source>& kept, const Jobs& jobs, int count) {
+template <class Source, class Out, class Jobs>
+[[gnu::noinline]] void make_rows_of_sums(const columns& c, int windows, const Jobs& jobs, int count) {
+    static constexpr sum_row_fn sum_rows[] = {sum_row<1>, sum_row<2>, sum_row<3>, sum_row<4>};
+    kept_sums<Source> kept(c, windows, windows > 4 ? sum_row<8> : sum_rows[windows - 1]);
     for (int i = 0; i < count; ++i) {
         const auto job = jobs[i], next = jobs[i + (i + 1 < count)];
         const half* top = kept.of(c, job.top, *job.bottom, next.top);
@@ -164,35 +180,36 @@ template <class Jobs> bool rows_are_shared(const Jobs& jobs, int count) {
     return fresh < some - 1;
 }
 
-/// Makes all rows, of pixels of Bytes samples in a plane; false where it cannot and nothing is done.
 template <class Source, class Out, int Bytes, class Jobs>
-bool go_through(const Jobs& jobs, int count, const axis& x, int dst_w) {
-    if (s64{dst_w} * Bytes < lanes || s64{dst_w} * Bytes > PTRDIFF_MAX) return false;
-    constexpr bool as_is = std::is_same_v<Source, in_place<Source::planes>>;
-    const row_shape shape(x, dst_w, Bytes);
+[[gnu::noinline]] void make_picture(const Jobs& jobs, int count, const axis& x, const row_shape& shape) {
     const int windows = shape.windows;
-    if (!windows || (as_is && s64{count} * shape.samples < (Bytes == 1 ? 32 : 64) * windows))
-        return false;  // preparing must pay
-    const sum_row_fn sum = windows == 1   ? sum_row<1>
-                           : windows == 2 ? sum_row<2>
-                           : windows == 4 ? sum_row<4>
-                                          : sum_row<8>;
-    const bool keep = !as_is || windows > 1 || rows_are_shared(jobs, count);
+    const bool keep = windows > 4 || rows_are_shared(jobs, count);
     s64 most = keep ? kept_sums<Source>::most : 1 << 16;
     most = std::min<s64>(most, ((Source::most - s64{128}) << 18) / (x.step << x.shift));
     column_tables<24 * 1024> tables;
     columns c;
     for (std::ptrdiff_t first = 0; first < shape.samples; first += c.groups * lanes) {
         c = tables.template prepare<Bytes>(x, shape, first, most, !keep);
-        if constexpr (as_is) {
-            if (!keep) {
-                make_rows<Out>(c, jobs, count);
-                continue;
-            }
+        if (keep) {
+            make_rows_of_sums<Source, Out>(c, windows, jobs, count);
+            continue;
         }
-        kept_sums<Source> kept(c, windows, sum);
-        make_rows<Out>(c, kept, jobs, count);
+        if (windows == 1) make_rows<Source, Out, 1, Bytes>(c, x, jobs, count);
+        if (windows == 2) make_rows<Source, Out, 2, Bytes>(c, x, jobs, count);
+        if (windows == 3) make_rows<Source, Out, 3, Bytes>(c, x, jobs, count);
+        if (windows == 4) make_rows<Source, Out, 4, Bytes>(c, x, jobs, count);
     }
+}
+
+/// Makes all rows, of pixels of Bytes samples in a plane; false where it cannot or preparing would not pay, and nothing
+/// is done. Preparing takes as long as some rows do a pixel at a time, fewer of them where each sample is a pixel.
+template <class Source, class Out, int Bytes, class Jobs>
+bool go_through(const Jobs& jobs, int count, const axis& x, int dst_w) {
+    const s64 rows = s64{count} * Source::planes * (Source::as_is && Bytes == 1 ? 2 : 1), samples = s64{dst_w} * Bytes;
+    if (samples < lanes || rows < 2 || rows * samples < 128 || samples > PTRDIFF_MAX) return false;
+    const row_shape shape(x, dst_w, Bytes);
+    if (!shape.windows || shape.windows > Source::most_windows || rows <= shape.windows) return false;
+    make_picture<Source, Out, Bytes>(jobs, count, x, shape);
     return true;
 }
 }  // namespace zelt::simd

@@ -62,6 +62,7 @@ struct kernel {
     struct {
         const char* family;
         std::vector<shape> shapes;
+        bool pictures = false;  // and whether it is for pixels, or else for bytes
     } counted = {};
 };
 

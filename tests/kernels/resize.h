@@ -2,6 +2,8 @@
 #include "kernels/kernel.h"
 #include "zelt/irsz.h"
 
+#include <array>
+
 namespace zelt::test {
 /// Where a destination sample lies on an axis: its two source samples and the phase between them
 struct place {
@@ -19,6 +21,9 @@ struct grid {
 
 int interpolated(int tl, int tr, int bl, int br, int fx, int fy);
 
+/// The fields of a pixel, as many as its format has
+using fields = std::array<int, 4>;
+
 /// A format of the resizer
 struct resizer {
     std::string name;
@@ -26,8 +31,8 @@ struct resizer {
     void (*line)(const u8* const*, const u8*, int32_t, int32_t, int32_t, int32_t, u8*);
     void (*full)(const u8*, int32_t, int32_t, int32_t, int32_t, u8*, u32, u32);
     int id, src_bytes, dst_bytes;
-    std::vector<int> (*get)(const u8*);
-    void (*put)(u8*, const std::vector<int>&);
+    fields (*get)(const u8*);
+    void (*put)(u8*, const fields&);
 };
 extern const std::vector<resizer> resizers;
 
