@@ -85,15 +85,15 @@ template <int N> void fill_fixed(u8* dst, u8 value) {
 }
 
 inline void fill_bytes(u8* dst, u8 value, std::size_t n) {
-#ifdef __ARM_NEON
-    constexpr std::size_t long_run = SIZE_MAX;
-#else
+#ifdef __AVX2__
     constexpr std::size_t long_run = 1024;  // from here on the C library's way is as fast or faster
+    if (n >= long_run) {
+        std::memset(dst, value, n);
+        return;
+    }
 #endif
     const u32 word = value * 0x01010101u;
-    if (n >= long_run)
-        std::memset(dst, value, n);
-    else if (n >= lanes)
+    if (n >= lanes)
         fill_registers(dst, (word_register)(bytes{} + value), word, n);
     else
         fill_short(dst, word, n);
