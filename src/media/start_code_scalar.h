@@ -3,13 +3,17 @@
 
 namespace zelt {
 // Kinds of start code. `third` tells of a byte, or of every byte of a register, whether it may be the third one.
+// `pair_bits` are clear in both pairs of neighbours of every start code, the first byte the low one.
 struct unit_start {  // H.264, HEVC: 00 00 01
+    static constexpr u16 pair_bits = 0xFEFF;
     template <class V> static V third(V c) { return (V)(c == 1); }
 };
 struct picture_start {  // H.263: 00 00, then the bits 1000 00
+    static constexpr u16 pair_bits = 0x7CFF;
     template <class V> static V third(V c) { return (V)((c & 0xFC) == 0x80); }
 };
 struct unit_or_picture_start {  // MPEG-4 part 2: either
+    static constexpr u16 pair_bits = unit_start::pair_bits & picture_start::pair_bits;
     template <class V> static V third(V c) { return unit_start::third(c) | picture_start::third(c); }
 };
 

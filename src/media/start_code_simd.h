@@ -5,7 +5,7 @@
 namespace zelt::simd {
 constexpr s32 places = 4 * lanes;
 
-template <class Kind> bool any_start(const u8* p) {
+template <class Kind> bool is_start_among(const u8* p) {
     bytes found{};
     for (s32 i = 0; i < places; i += lanes) {
         bytes a, b, c;
@@ -13,5 +13,16 @@ template <class Kind> bool any_start(const u8* p) {
         found |= starts<Kind>(a, b, c);
     }
     return any(found);
+}
+
+/// One pair of neighbours of every start code begins at an odd place from p, and few other pairs look like it.
+template <class Kind> bool any_start(const u8* p) {
+    uhalf found{};
+    for (s32 i = 0; i < places; i += lanes) {
+        bytes v;
+        load(p + i + 1, v);
+        found |= (uhalf)(((uhalf)v & Kind::pair_bits) == 0);
+    }
+    return any((bytes)found) && is_start_among<Kind>(p);
 }
 }  // namespace zelt::simd
