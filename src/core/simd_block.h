@@ -51,11 +51,12 @@ template <class T> T* opaque(T* p) {
 
 /// Calls f(a, b) at the place of every register of a block, four down a column in a turn of the loop: as indices they
 /// need no more than a stride and three of it. Where a row has several registers, or loads take no index, one address
-/// moves down. Blocks of few registers are straight code; of more the compiler would keep all that is added up.
+/// moves down. Blocks of few registers are straight code; of more the compiler would keep all that is added up, and two
+/// turns are enough.
 template <class Step, int W, int H, int Few, class A, class B, class F>
 [[gnu::always_inline]] inline void each_step(const A* a, const B* b, std::ptrdiff_t sa, std::ptrdiff_t sb, F f) {
     constexpr int turn = H < 4 * Step::rows ? H : 4 * Step::rows;
-    constexpr int turns_at_once = W / Step::columns * (H / Step::rows) <= Few ? H / turn : 1;
+    constexpr int turns_at_once = W / Step::columns * (H / Step::rows) <= Few ? H / turn : H / turn % 2 ? 1 : 2;
 #pragma GCC unroll 1
     for (int y = 0; y < H; y += turn * turns_at_once)
         for (int n = 0; n < turns_at_once; ++n)
