@@ -56,8 +56,8 @@ inline block_peer difference_peer(const char* name, void (*f)(s16*, std::intptr_
     static const bool f##_added = zelt::bench::add_peer(kernel, zelt::bench::difference_peer(#f, f));
 
 /// The sizes of 8-bit SAD that two libraries have alike, and the latest form of each
-#define EACH_SAD(SAD)                                                                                                \
-    SAD(4x4, sse2)                                                                                                   \
-    SAD(4x8, sse2)                                                                                                   \
-    SAD(8x4, sse2) SAD(8x8, sse2) SAD(8x16, sse2) SAD(16x8, sse2) SAD(16x16, sse2) SAD(16x32, sse2) SAD(32x16, avx2) \
-        SAD(32x32, avx2) SAD(32x64, avx2) SAD(64x32, avx2) SAD(64x64, avx2)
+// clang-format off
+#define EACH_SAD(SAD) \
+    SAD(4x4, sse2) SAD(4x8, sse2) SAD(8x4, sse2) SAD(8x8, sse2) SAD(8x16, sse2) SAD(16x8, sse2) SAD(16x16, sse2) \
+    SAD(16x32, sse2) SAD(32x16, avx2) SAD(32x32, avx2) SAD(32x64, avx2) SAD(64x32, avx2) SAD(64x64, avx2)
+// clang-format on
