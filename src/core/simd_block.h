@@ -8,7 +8,9 @@
 //   difference_words(a, b), store_difference
 //                                a - b of bytes, in words of an order of their own; stores them
 //   byte_sums, add_abs_diff      sum of |a - b| of bytes; at most 256 additions
-//   add_abs_diff(V s, a, b)      s + |a - b| of signed a and b; where that is 32767 + s or more, any such value
+//   magnitude_sums, add_magnitude(s, a, b), add_magnitudes(s, a, b, c, d)
+//                                sums of |a - b| and |c - d| of signed values, up to eight two by two: below 2^15 and
+//                                right where exact_magnitudes(the bits of all that `seen` says), as they are of 12 bits
 //   any_high(V)                  whether any value is 2^15 or more
 //   add_pairs(sums, V)           adds values below 2^15 two by two; add_pairs_to(sums, V) those up to 2^15
 //   square_sums, add_squares     sum of (a - b)^2 modulo 2^32; `exact` unless a difference was too large for the target

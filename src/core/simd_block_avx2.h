@@ -189,8 +189,25 @@ template <class V> sums_of<V> multiply_pairs(V a, V b) {
         return (sums4)_mm_madd_epi16((__m128i)a, (__m128i)b);
 }
 
-/// A difference out of range saturates, and one that did takes the sum to 32767 or more.
-template <class V> V add_abs_diff(V s, V a, V b) { return add_sat(s, abs(sub_sat(a, b))); }
+/// Magnitudes two by two: in pairs below 8192 none is out of range, and a difference that was saturates. Only such sums
+/// saturate, as they have fewer execution ports than plain ones.
+template <class V> struct magnitude_sums { V sum, seen; };
+template <class V> void add_magnitude(magnitude_sums<V>& s, V a, V b) {
+    const V one = abs(sub_sat(a, b));
+    s.sum += one, s.seen |= one;
+}
+template <class V> void add_magnitudes(magnitude_sums<V>& s, V a, V b, V c, V d) {
+    const V two = add_sat(abs(sub_sat(a, b)), abs(sub_sat(c, d)));
+    s.sum += two, s.seen |= two;
+}
+template <class V> V seen(magnitude_sums<V> s) { return s.seen; }
+template <class V> bool exact_magnitudes(V seen) {
+    constexpr short out_of_range = static_cast<short>(0xE000);
+    if constexpr (is_wide<V>)
+        return _mm256_testz_si256((__m256i)seen, _mm256_set1_epi16(out_of_range));
+    else
+        return _mm_testz_si128((__m128i)seen, _mm_set1_epi16(out_of_range));
+}
 template <class V> bool any_high(V a) {
     if constexpr (is_wide<V>)
         return _mm256_movemask_epi8((__m256i)a) & static_cast<int>(0xAAAAAAAA);

@@ -95,9 +95,15 @@ inline uhalf mean_up(uhalf a, uhalf b) { return (uhalf)vrhaddq_u16((uint16x8_t)a
 inline uhalf add_sat_signed(uhalf a, uhalf b) { return (uhalf)vqaddq_s16((int16x8_t)a, (int16x8_t)b); }
 inline uhalf sub_sat(uhalf a, uhalf b) { return (uhalf)vqsubq_s16((int16x8_t)a, (int16x8_t)b); }
 
-inline uhalf add_abs_diff(uhalf s, uhalf a, uhalf b) {
-    return (uhalf)vqaddq_u16((uint16x8_t)s, (uint16x8_t)vabdq_s16((int16x8_t)a, (int16x8_t)b));
+/// A magnitude has 16 bits, so one out of range takes the sum there.
+template <class V> struct magnitude_sums { V sum; };
+inline void add_magnitude(magnitude_sums<uhalf>& s, uhalf a, uhalf b) {
+    s.sum = (uhalf)vqaddq_u16((uint16x8_t)s.sum, (uint16x8_t)vabdq_s16((int16x8_t)a, (int16x8_t)b));
 }
+inline void add_magnitudes(magnitude_sums<uhalf>& s, uhalf a, uhalf b, uhalf c, uhalf d) {
+    add_magnitude(s, a, b), add_magnitude(s, c, d);
+}
+inline uhalf seen(magnitude_sums<uhalf> s) { return s.sum; }
 inline u16 largest(uhalf a) {
 #ifdef __aarch64__
     return vmaxvq_u16((uint16x8_t)a);
@@ -108,6 +114,7 @@ inline u16 largest(uhalf a) {
 #endif
 }
 inline bool any_high(uhalf a) { return largest(a) >> 15; }
+inline bool exact_magnitudes(uhalf seen) { return !any_high(seen); }
 
 inline sums add_pairs(sums s, uhalf a) { return (sums)vpadalq_u16((uint32x4_t)s, (uint16x8_t)a); }
 inline sums add_pairs_to(sums s, uhalf a) { return add_pairs(s, a); }

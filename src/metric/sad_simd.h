@@ -98,21 +98,19 @@ inline int sad_eskip(int w, int h, const u8* a, const u8* b, int sa, int sb, int
 
 // ------------------------------------------------------------------------------------------- 16-bit and mixed samples
 
-/// Sums of up to eight magnitudes, exact together as long as none of them reaches 32767. With samples of 12 bits none
-/// does; otherwise the scalar form has the result. Each sum starts with 1, so that those have the highest bit.
+/// Sums of parts of up to eight magnitudes. Those of samples of 12 bits are exact; otherwise the scalar form may have
+/// the result.
 template <class V> class magnitudes {
 public:
     static constexpr int at_once = 8;
-    static V start() { return V{} + 1; }
 
-    void add(V part) { sum_ = add_pairs(sum_, part), all_ |= part, ++parts_; }
-    bool exact() const { return !any_high(all_); }
-    u32 total() const { return simd::total(sum_) - parts_ * static_cast<u32>(sizeof(V) / sizeof(u16)); }
+    void add(magnitude_sums<V> part) { sum_ = add_pairs(sum_, part.sum), seen_ |= seen(part); }
+    bool exact() const { return exact_magnitudes(seen_); }
+    u32 total() const { return simd::total(sum_); }
 
 private:
     sums_of<V> sum_{};
-    V all_{};
-    u32 parts_ = 0;
+    V seen_{};
 };
 
 template <int W, int H, class A, class B>
@@ -130,10 +128,17 @@ requires worth_a_register<W, H, s16> u32 sad(const s16* a, const B* b, int s_a, 
     const s16* pa = a;
     const B* pb = b;
     for (int y = 0; y < H; y += group, pa += group * sa, pb += group * sb) {
-        V part = magnitudes<V>::start();
+        magnitude_sums<V> part{};
+        V first_a{}, first_b{};
+        bool second = false;
         const auto add = [&](const s16* of_a, const B* of_b) {
-            part = add_abs_diff(part, load_words<step::columns, step::rows>(of_b, sb),
-                                load_words<step::columns, step::rows>(of_a, sa));
+            const V next_a = load_words<step::columns, step::rows>(of_a, sa);
+            const V next_b = load_words<step::columns, step::rows>(of_b, sb);
+            if (group * W == step::rows * step::columns)
+                add_magnitude(part, next_b, next_a);
+            else if (second)
+                add_magnitudes(part, first_b, first_a, next_b, next_a);
+            first_a = next_a, first_b = next_b, second = !second;
         };
         each_step<step, W, group, magnitudes<V>::at_once>(pa, pb, sa, sb, add);
         all.add(part);
@@ -154,9 +159,13 @@ inline u32 sad(int w, int h, const s16* a, const s16* b, int sa, int sb) {
         } else {
             using V = words_of<width>;
             while (rows > 0) {
-                V part = magnitudes<V>::start();
-                for (int n = std::min(rows, magnitudes<V>::at_once); n > 0; --n, --rows, pa += sa, pb += sb)
-                    part = add_abs_diff(part, load_words<width, 1>(pb, sb), load_words<width, 1>(pa, sa));
+                magnitude_sums<V> part{};
+                const auto row = [=](auto* p) { return load_words<width, 1>(p, 0); };
+                int n = std::min(rows, magnitudes<V>::at_once);
+                rows -= n;
+                for (; n >= 2; n -= 2, pa += 2 * std::ptrdiff_t{sa}, pb += 2 * std::ptrdiff_t{sb})
+                    add_magnitudes(part, row(pb), row(pa), row(pb + sb), row(pa + sa));
+                if (n > 0) add_magnitude(part, row(pb), row(pa)), pa += sa, pb += sb;
                 if constexpr (width == word_lanes)
                     wide.add(part);
                 else

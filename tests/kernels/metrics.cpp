@@ -97,7 +97,7 @@ u64 eskip_model(kinds k, shape s, const view* v) {
 }
 
 /// What each sample kind is filled with: all that it can hold, and for 16 bits also what a picture of 10 bits has,
-/// which is timed, and differences of up to 12 bits.
+/// which is timed, and differences of up to 12 and 13 bits.
 struct range {
     const char* name;
     int low, high;
@@ -105,7 +105,7 @@ struct range {
 std::vector<range> ranges(kinds k) {
     if (k.a == sample::u8) return {{"", 0, 255}};
     if (k.b == sample::u8) return {{"", -255, 510}, {" full", -32768, 32767}};
-    return {{"", 0, 1023}, {" signed", -2047, 2048}, {" full", -32768, 32767}};
+    return {{"", 0, 1023}, {" signed", -2047, 2048}, {" 13 bits", -4095, 4096}, {" full", -32768, 32767}};
 }
 
 /// Strides as the kernels count them
