@@ -14,11 +14,17 @@ template <class T> void store_loose(u8* p, T value) {
     *reinterpret_cast<loose*>(p) = value;
 }
 
+/// p, with nothing known of how it came about
+template <class T> T* opaque(T* p) {
+    asm("" : "+r"(p));
+    return p;
+}
+
 /// Where loads and stores step their own addresses, hides from the compiler how one came about: it would rather compute
 /// each of a row of addresses by itself.
 template <class T> void step_in_place([[maybe_unused]] T*& p) {
 #ifdef __arm__
-    asm("" : "+r"(p));
+    p = opaque(p);
 #endif
 }
 }  // namespace zelt

@@ -23,6 +23,7 @@
 //   paired_residual<W, R>        differences of R rows of W bytes, of two neighbours each the sum and the difference:
 //                                those of a row in order, the sums of a row (of eight) together and the differences
 //   add_sat_signed, sub_sat      of signed values with saturation
+#include "core/loose.h"
 #include "core/simd.h"
 
 namespace zelt::simd {
@@ -44,12 +45,6 @@ template <int W, int H, int N, int Widest> struct step {
 };
 template <int W, int H> using byte_step = step<W, H, 16, lanes>;
 template <int W, int H> using word_step = step<W, H, 8, word_lanes>;
-
-/// p, with nothing known of how it came about
-template <class T> T* opaque(T* p) {
-    asm("" : "+r"(p));
-    return p;
-}
 
 /// Calls f(a, b) at the place of every register of a block, four down a column in a turn of the loop: as indices they
 /// need no more than a stride and three of it. Where a row has several registers, or loads take no index, one address

@@ -15,8 +15,9 @@ namespace {
 
 constexpr const char* notes = R"(
 Clips are Y4M, 4:4:4, 4:2:2, 4:2:0 or grey of 8 bits. One line is printed,
-MD5=DIGEST, over the samples of all pictures, as 'ffmpeg -i CLIP -f md5 -' prints it; with
---per-frame a line a picture, as 'ffmpeg -i CLIP -f framemd5 -' prints them.
+MD5=DIGEST, over the samples of all pictures, as 'ffmpeg -i CLIP -f md5 -'
+prints it; with --per-frame a line a picture, as 'ffmpeg -i CLIP -f framemd5 -'
+prints them.
 --verify compares with what either of them printed: where a digest differs or
 is missing the exit status is 2.)";
 
