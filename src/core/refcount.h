@@ -1,27 +1,23 @@
 #pragma once  // what the reference-counted records share: creation, counting, the default allocator of their blocks
-#include "core/types.h"
+#include "core/atomic.h"
 #include "zelt/mem.h"
 
-#include <atomic>
 #include <cstdlib>
 
 namespace zelt {
 
 template <class R> s32 addref(R* r) { return r ? zelt_atomic_inc(&r->refcnt) : ZELT_ERR_INVALID_ARG; }
 
-template <class R> s32 getref(R* r) {
-    return r ? std::atomic_ref(r->refcnt).load(std::memory_order_relaxed) : ZELT_ERR_INVALID_ARG;
-}
+template <class R> s32 getref(R* r) { return r ? atomic_load(&r->refcnt) : ZELT_ERR_INVALID_ARG; }
 
 /// Drops a reference; the last one gives back what the record owns and frees it. Every holder's use of the record
 /// happens before the free: each decrement releases, and the load at 0 acquires them all, since decrements and
 /// increments continue each other's release sequence. (A fence would do as well, but thread checkers do not model it.)
 template <class R, void (*free_owned)(R*)> s32 release(R* r) {
     if (!r) return ZELT_ERR_INVALID_ARG;
-    const std::atomic_ref count(r->refcnt);
-    const s32 left = static_cast<s32>(static_cast<u32>(count.fetch_sub(1, std::memory_order_release)) - 1);
+    const s32 left = atomic_add<__ATOMIC_RELEASE>(&r->refcnt, -1);
     if (left != 0) return left;
-    static_cast<void>(count.load(std::memory_order_acquire));
+    static_cast<void>(atomic_load<__ATOMIC_ACQUIRE>(&r->refcnt));
     free_owned(r);
     std::free(r);
     return 0;

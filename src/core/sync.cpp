@@ -1,9 +1,7 @@
 // A word that one side polls and the other sets. Relaxed atomics: the word is never torn or read once and kept, and
 // orders nothing else.
-#include "core/types.h"
+#include "core/atomic.h"
 #include "zelt/common.h"
-
-#include <atomic>
 
 using namespace zelt;
 
@@ -37,11 +35,8 @@ void wait_for_event() { asm volatile("wfe" ::: "memory"); }
 void signal_event() { asm volatile("dsb sy\n\tsev" ::: "memory"); }  // the store comes before the event
 void relax() { asm volatile("yield"); }
 #else
-u32 load_exclusive(u32* p) { return std::atomic_ref(*p).load(std::memory_order_relaxed); }
-
-bool store_exclusive(u32* p, u32 loaded, u32 value) {
-    return std::atomic_ref(*p).compare_exchange_strong(loaded, value, std::memory_order_relaxed);
-}
+u32 load_exclusive(u32* p) { return atomic_load(p); }
+bool store_exclusive(u32* p, u32 loaded, u32 value) { return atomic_replace(p, loaded, value); }
 
 void relax() {
 #if defined(__x86_64__) || defined(__i386__)
@@ -55,12 +50,12 @@ void signal_event() {}
 
 uint32_t zelt_sync_wait(uint32_t* p, uint32_t v) {
     for (;; relax()) {
-        const u32 now = std::atomic_ref(*p).load(std::memory_order_relaxed);
+        const u32 now = atomic_load(p);
         if (now == v || now == stop) return now;
     }
 }
 
-void zelt_sync_wake(uint32_t* p, uint32_t v) { std::atomic_ref(*p).store(v, std::memory_order_relaxed); }
+void zelt_sync_wake(uint32_t* p, uint32_t v) { atomic_store(p, v); }
 
 uint32_t zelt_sync_wait_asm(uint32_t* p, uint32_t v) {
     const u32 now = load_exclusive(p);
