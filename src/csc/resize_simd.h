@@ -28,7 +28,8 @@ struct put_bytes {
 
 template <class Layout, int Bytes> class taken_apart {
 public:
-    static constexpr int planes = 3, most = 4096;            // pixels of a row that the columns may need
+    static constexpr int planes = 3, source_planes = 1;
+    static constexpr int most = 4096;                        // pixels of a row that the columns may need
     static constexpr int most_windows = Bytes == 2 ? 8 : 4;  // beyond, too little is used of what comes apart
     static constexpr bool as_is = false;
 

@@ -8,7 +8,7 @@ using csc::row_job;
 
 /// Samples as they stand in memory
 template <int N> struct in_place {
-    static constexpr int planes = N, most = 1 << 30, most_windows = 8;
+    static constexpr int planes = N, source_planes = N, most = 1 << 30, most_windows = 8;
     static constexpr bool as_is = true;
     in_place(const columns&, int) {}
     const u8* const* operator()(const u8* const* row) { return row; }
@@ -118,26 +118,30 @@ using sum_row_fn = void (*)(columns, const u8*, const u8*, half*);
 /// Sums of two source rows, kept while the rows next to them are made
 template <class Source> class kept_sums {
 public:
-    static constexpr int planes = Source::planes;
+    static constexpr int planes = Source::planes, source_planes = Source::source_planes;
     static constexpr int most = 4096 / planes / lanes * lanes;  // samples
+    using source_row = const u8* [source_planes];
 
     kept_sums(const columns& c, int windows, sum_row_fn sum) : source_(c, windows), sum_(sum) {}
 
     /// Those of a row, in place of any but the other row's
-    const half* of(const columns c, const u8* const* row, const u8* other, const u8* const* next) {
+    const half* of(const columns c, const source_row& row, const source_row& other, const source_row& next) {
         for (int i = 0; i < 2; ++i)
-            if (rows_[i] == *row) return sums_[i];
-        const int i = rows_[0] == other;
-        rows_[i] = *row;
+            if (same(rows_[i], row)) return sums_[i];
+        const int i = same(rows_[0], other);
+        std::copy_n(row, source_planes, rows_[i]);
         const u8* const* samples = source_(row);
         for (int p = 0; p < planes; ++p) sum_(c, samples[p], next[Source::as_is ? p : 0], sums_[i] + 2 * c.groups * p);
         return sums_[i];
     }
 
 private:
+    /// Planes may have strides of 0: a row is known by its samples in all of them.
+    static bool same(const source_row& a, const source_row& b) { return std::equal(a, a + source_planes, b); }
+
     Source source_;
     sum_row_fn sum_;
-    const u8* rows_[2] = {};
+    source_row rows_[2] = {};
     half sums_[2][planes * most / lanes * 2];
 };
 
@@ -161,8 +165,8 @@ template <class Source, class Out, class Jobs>
     kept_sums<Source> kept(c, windows, windows > 4 ? sum_row<8> : sum_rows[windows - 1]);
     for (int i = 0; i < count; ++i) {
         const auto job = jobs[i], next = jobs[i + (i + 1 < count)];
-        const half* top = kept.of(c, job.top, *job.bottom, next.top);
-        const half* bottom = kept.of(c, job.bottom, *job.top, next.bottom);
+        const half* top = kept.of(c, job.top, job.bottom, next.top);
+        const half* bottom = kept.of(c, job.bottom, job.top, next.bottom);
         put_between<Out, Source::planes>(c, top, bottom, job.phase, job.dst);
     }
 }
