@@ -8,6 +8,7 @@
 #include "zelt/imgb.h"
 
 #include <CLI/CLI.hpp>
+#include <cctype>
 #include <cstdio>
 
 namespace zelt::tool {
@@ -97,11 +98,13 @@ digest_list read_list(const std::string& path) {
     input in(path);
     digest_list list;
     while (in.peek() != EOF) {
-        const std::string line = in.line(longest);
+        std::string line = in.line(longest, true);
+        if (line.ends_with('\r')) line.pop_back();  // of a CRLF
         if (line.empty() || line[0] == '#') continue;
         const bool of_all = line.starts_with(whole);
         const std::size_t at = line.find_last_of(of_all ? "=" : ", ");
-        const std::string hex = line.substr(at == line.npos ? 0 : at + 1);
+        std::string hex = line.substr(at == line.npos ? 0 : at + 1);
+        for (char& c : hex) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
         if (hex.size() != 32 || hex.find_first_not_of("0123456789abcdef") != hex.npos)
             in.bad("has a line without an MD5 digest at its end");
         if (of_all)

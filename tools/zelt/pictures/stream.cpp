@@ -74,9 +74,10 @@ void input::expect(int64_t bytes) {
             " are left");
 }
 
-std::string input::line(std::size_t longest) {
+std::string input::line(std::size_t longest, bool or_end) {
     std::string text;
     for (int c = get(); c != '\n'; c = get()) {
+        if (c == EOF && or_end) break;
         if (c == EOF) bad("is cut short");
         if (text.size() == longest) bad("has a header line that never ends");
         text += static_cast<char>(c);

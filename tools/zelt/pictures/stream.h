@@ -26,7 +26,8 @@ public:
     int get();                               // the next byte, or EOF
     void read(void* to, std::size_t bytes);  // exactly so many, or a failure
     void expect(int64_t bytes);              // a failure where a regular file holds fewer from here on
-    std::string line(std::size_t longest);   // up to a line feed, which is taken and dropped
+    /// Up to a line feed, which is taken and dropped; with `or_end` the end of the input does as well.
+    std::string line(std::size_t longest, bool or_end = false);
 
     [[noreturn]] void bad(const std::string& text) const;
     [[noreturn]] void unsupported(const std::string& text) const;
