@@ -12,6 +12,8 @@
 namespace zelt::tool {
 namespace {
 
+static_assert(sizeof(off_t) == sizeof(int64_t), "files of 2 GiB and more need _FILE_OFFSET_BITS=64");
+
 std::string reason() { return std::strerror(errno); }
 
 /// The path with symbolic links followed, so that renaming replaces the file and not the link to it.
