@@ -84,6 +84,7 @@ TEST_F(tool, digests_need_a_clip_and_a_list) {
     expect_failure(zelt("md5 -i text"), 2, "no Y4M");
     expect_failure(zelt("md5 -i in.y4m --verify text"), 2, "without an MD5 digest");
     expect_failure(zelt("md5 -i in.y4m --verify empty"), 2, "no digests");
+    expect_failure(zelt("md5 -i in.y4m --verify ''"), 2, "cannot be opened");
     expect_failure(zelt("md5 -i 411.y4m"), 4, "C411");
     expect_failure(zelt("md5 -i in.y4m >/dev/full"), 3, "standard output");
 }

@@ -175,8 +175,8 @@ void add_md5(CLI::App& app) {
     CLI::Option* list = verb->add_option("--verify", opt->list, "Digests to compare with")->type_name("FILE");
     verb->add_flag("--per-frame", opt->per_frame, "A digest for each picture")->excludes(list);
     verb->footer(notes);
-    verb->callback([opt] {
-        if (opt->list.empty()) {
+    verb->callback([opt, list] {
+        if (!list->count()) {
             clip_reader in(opt->in);
             list_digests(in, opt->per_frame);
         } else {
