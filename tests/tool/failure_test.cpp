@@ -53,6 +53,8 @@ TEST_F(tool, ends_with_its_documented_statuses) {
         {1, "convert -i in.ppm -o out.ppm --raw 0x1:rgb888", "WxH:FORMAT", ""},
         {1, "convert -i in.ppm -o out.ppm --raw 65536x65536:rgb888", "WxH:FORMAT", ""},
         {1, "convert -i in.ppm -o out.ppm --raw 1x1:nothing", "nothing", ""},
+        {1, "compare -i in.ppm", "two clips", ""},
+        {1, "compare -i in.ppm -i in.ppm -i in.ppm", "two clips", ""},
         {2, "convert -i none.ppm -o out.ppm", "none.ppm", ""},
         {2, "convert -i folder.png -o out.ppm", "folder.png", ""},
         {2, "convert -i - -o out.ppm", "empty", ""},

@@ -100,11 +100,14 @@ void add_compare(CLI::App& app) {
     const auto paths = std::make_shared<std::vector<std::string>>();
     verb->add_option("-i,--input", *paths, "What to read, once for each clip; - is standard input")
         ->required()
-        ->expected(2)
-        ->take_all()
         ->type_name("FILE");
     verb->footer(notes);
-    verb->callback([paths] { compare(*paths); });
+    verb->callback([paths] {
+        if (paths->size() != 2)
+            throw failure(status::wrong_use, "two clips are compared, each with a --input of its own, not " +
+                                                 std::to_string(paths->size()));
+        compare(*paths);
+    });
 }
 
 }  // namespace zelt::tool
