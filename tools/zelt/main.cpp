@@ -1,8 +1,7 @@
 // zelt: media building blocks from the command line.
 #include "interrupt.h"
-#include "pictures/failure.h"
+#include "output.h"
 #include "verbs.h"
-#include "zelt/common.h"
 
 #include <CLI/CLI.hpp>
 #include <cctype>
@@ -14,12 +13,6 @@ namespace {
 constexpr void (*verbs[])(CLI::App&) = {add_compare, add_convert, add_formats, add_keyframes,
                                         add_match,   add_md5,     add_probe};
 
-std::string version_text() {
-    std::string built = zelt_version();
-    while (!built.empty() && built.back() == '\n') built.pop_back();
-    return "zelt " ZELT_TOOL_VERSION " (library built " + built + ")";
-}
-
 /// Reports on one line, whatever bytes of a broken file or name the text quotes.
 int report(status code, std::string text) {
     for (char& c : text)
@@ -28,9 +21,21 @@ int report(status code, std::string text) {
     return static_cast<int>(code);
 }
 
+/// Parses the arguments; the callback of their verb does the work.
+void parse(CLI::App& app, int argc, char** argv) {
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& asked) {
+        app.exit(asked);  // prints the help or the version
+        finish_output();
+        return;
+    }
+    if (app.get_subcommands().empty()) throw failure(status::wrong_use, "no verb is given (zelt --help lists them)");
+}
+
 int run(int argc, char** argv) {
     CLI::App app("Converts pictures and clips with libzelt.", "zelt");
-    app.set_version_flag("--version", version_text());
+    app.set_version_flag("--version", "zelt " ZELT_TOOL_VERSION);
     app.require_subcommand(0, 1);
     app.get_formatter()->label("SUBCOMMAND", "VERB");
     app.get_formatter()->label("Subcommands", "Verbs");
@@ -38,11 +43,7 @@ int run(int argc, char** argv) {
                "'zelt VERB --help' says more about a verb.");
     for (const auto add : verbs) add(app);
     try {
-        app.parse(argc, argv);
-        if (app.get_subcommands().empty())
-            throw failure(status::wrong_use, "no verb is given (zelt --help lists them)");
-    } catch (const CLI::Success& e) {
-        return app.exit(e);
+        parse(app, argc, argv);
     } catch (const CLI::ParseError& e) {
         return report(status::wrong_use, std::string(e.what()) + " (zelt --help says more)");
     } catch (const failure& e) {
