@@ -1,9 +1,15 @@
-# Flags of the library, shared by all of its variants.
+# Flags of the library, shared by all of its variants. Variables of this folder: a parent project keeps its own.
 set(CMAKE_C_STANDARD 99)
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_C_EXTENSIONS OFF)
+
+# 64-bit code for x86, which a 32-bit compiler on such a processor does not make
+set(ZELT_X86_64 OFF)
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$" AND CMAKE_SIZEOF_VOID_P EQUAL 8)
+  set(ZELT_X86_64 ON)
+endif()
 
 set(ZELT_WARNINGS -Wall -Wextra)
 if(ZELT_WERROR)

@@ -2,13 +2,17 @@
 include(CMakePackageConfigHelpers)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zelt)
 
-install(TARGETS zelt EXPORT zelt-targets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev)
-install(TARGETS zelt_static EXPORT zelt-targets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
-if(TARGET zelt_v3)
-  # Never linked by name: the loader takes it in place of the other where the processor has AVX2.
-  install(TARGETS zelt_v3
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/glibc-hwcaps/x86-64-v3 COMPONENT runtime NAMELINK_SKIP)
+if(shared)
+  install(TARGETS zelt EXPORT zelt-targets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev)
+  if(TARGET zelt_v3)
+    # Never linked by name: the loader takes it in place of the other where the processor has AVX2.
+    install(TARGETS zelt_v3
+      LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/glibc-hwcaps/x86-64-v3 COMPONENT runtime NAMELINK_SKIP)
+  endif()
+endif()
+if(archive)
+  install(TARGETS zelt_static EXPORT zelt-targets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
 endif()
 install(DIRECTORY include/zelt DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT dev FILES_MATCHING PATTERN *.h)
 install(EXPORT zelt-targets NAMESPACE zelt:: DESTINATION ${package_dir} COMPONENT dev)
@@ -18,12 +22,16 @@ write_basic_package_version_file(zelt-config-version.cmake COMPATIBILITY SameMaj
 install(FILES ${PROJECT_BINARY_DIR}/zelt-config.cmake ${PROJECT_BINARY_DIR}/zelt-config-version.cmake
   DESTINATION ${package_dir} COMPONENT dev)
 # Written when it is installed: only then is the prefix known (cmake --install --prefix).
-string(CONFIGURE [[
-set(CMAKE_INSTALL_LIBDIR "@CMAKE_INSTALL_LIBDIR@")
-set(CMAKE_INSTALL_INCLUDEDIR "@CMAKE_INSTALL_INCLUDEDIR@")
+set(libdir "\${prefix}")
+set(includedir "\${prefix}")
+cmake_path(APPEND libdir ${CMAKE_INSTALL_LIBDIR})  # an absolute folder replaces the prefix
+cmake_path(APPEND includedir ${CMAKE_INSTALL_INCLUDEDIR})
+string(CONFIGURE [=[
+set(libdir [[@libdir@]])
+set(includedir [[@includedir@]])
 set(PROJECT_VERSION "@PROJECT_VERSION@")
 set(PROJECT_DESCRIPTION "@PROJECT_DESCRIPTION@")
 configure_file("@PROJECT_SOURCE_DIR@/cmake/zelt.pc.in" "@PROJECT_BINARY_DIR@/zelt.pc" @ONLY)
-]] write_pc @ONLY)
+]=] write_pc @ONLY)
 install(CODE "${write_pc}" COMPONENT dev)
 install(FILES ${PROJECT_BINARY_DIR}/zelt.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)

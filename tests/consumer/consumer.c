@@ -1,4 +1,4 @@
-/* Creates a picture, converts it and says what came out. */
+/* Creates a picture, converts it and says what came out; C99 as well as C++. */
 #include <stdio.h>
 #include <zelt/zelt.h>
 
@@ -9,7 +9,7 @@ int main(void) {
     void* dst[1];
     int32_t dst_stride[1] = {12}, i;
     if (!yuv) return 1;
-    for (y = yuv->base[0], i = 0; i < yuv->size; ++i) y[i] = i < 8 ? 200 : 128;
+    for (y = (uint8_t*)yuv->base[0], i = 0; i < yuv->size; ++i) y[i] = i < 8 ? 200 : 128;
     dst[0] = rgb;
     zelt_imgp_get_fn_csc(4, 2, yuv->cs, 4, 2, ZELT_CS_RGB888, NULL)(yuv->plane, 4, 2, yuv->stride, yuv->cs, dst, 4, 2,
                                                                     dst_stride, ZELT_CS_RGB888);

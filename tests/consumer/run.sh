@@ -1,31 +1,61 @@
 #!/bin/sh
-# Installs a build below a new prefix, builds the consumer against it, and runs it: what it prints, what it is linked with,
-# and which library the loader picks.   run.sh BUILD SCRATCH LIBDIR CMAKE
+# Installs a build below a new prefix and builds a consumer in each way that there is: what it prints, what it is linked
+# with, and which library the loader picks.   run.sh BUILD SCRATCH
 set -eu
-build=$1 scratch=$2 libdir=$3 cmake=$4
-here=$(dirname "$0")
+build=$1 scratch=$2
+here=$(cd "$(dirname "$0")" && pwd)
+libdir=$(sed -n 's/^CMAKE_INSTALL_LIBDIR:.*=//p' "$build/CMakeCache.txt")
+prefix=$scratch/usr
+export CI=true  # warnings are errors in the library's own builds alone
 fail() { echo "$*" >&2 && exit 1; }
+quietly() { "$@" >"$scratch/log" 2>&1 || { cat "$scratch/log" >&2 && fail "failed: $*"; }; }
 
 rm -rf "$scratch"
-"$cmake" --install "$build" --prefix "$scratch/usr" >/dev/null
-PKG_CONFIG_PATH=$scratch/usr/$libdir/pkgconfig "$cmake" -S "$here" -B "$scratch/build" -G Ninja \
-    -DCMAKE_PREFIX_PATH="$scratch/usr" >/dev/null
-"$cmake" --build "$scratch/build" >/dev/null
+mkdir -p "$scratch"
+quietly cmake --install "$build" --prefix "$prefix"
 
-for program in package_c package_cpp pkgconfig_c pkgconfig_cpp static_c static_cpp; do
-    path=$scratch/build/$program
-    said=$(LD_LIBRARY_PATH=$scratch/usr/$libdir "$path")
+# check PROGRAM LIBRARY...: what it prints, and the libraries that it needs
+check() {
+    program=$1
+    shift
+    said=$(LD_LIBRARY_PATH=$prefix/$libdir "$scratch/$program")
     [ "$said" = "200 200 200" ] || fail "$program says $said"
-    case $program in static*) expected= ;; *) expected=libzelt.so.1 ;; esac
-    needed=$(readelf -dW "$path" | sed -n 's/.*NEEDED.*\[\(.*\)\]/\1/p' | grep -vE '^lib(c|m|gcc_s|stdc\+\+)\.so' || true)
-    [ "$needed" = "$expected" ] || fail "$program needs $needed"
-done
-needed=$(readelf -dW "$scratch/build/package_c" | grep -c NEEDED)
-[ "$needed" = 2 ] || fail "the C consumer needs $needed libraries, not libzelt and libc alone"
+    needed=$(readelf -dW "$scratch/$program" | sed -n 's/.*NEEDED.*\[\(.*\)\]/\1/p' | sort | paste -sd' ')
+    [ "$needed" = "$*" ] || fail "$program needs $needed"
+    echo "$program needs ${needed:-nothing}"
+}
 
-picked() { LD_LIBRARY_PATH=$scratch/usr/$libdir LD_DEBUG=libs "$scratch/build/package_c" 2>&1 >/dev/null |
-    sed -n "s|.*calling init: $scratch/usr/$libdir/\(.*libzelt.*\)|\1|p"; }
-[ -d "$scratch/usr/$libdir/glibc-hwcaps" ] || exit 0
+export PKG_CONFIG_PATH="$prefix/$libdir/pkgconfig"
+flags=$(pkg-config --cflags zelt)
+warnings="-pedantic -Wall -Wextra -Werror"
+# shellcheck disable=SC2046,SC2086 # lists of flags
+{
+    cc -std=c99 $warnings "$here/consumer.c" -o "$scratch/pkg-config" $flags $(pkg-config --libs zelt)
+    c++ -std=c++11 $warnings -x c++ "$here/consumer.c" -x none -o "$scratch/pkg-config-c++" $flags $(pkg-config --libs zelt)
+    cc -std=c99 $warnings "$here/consumer.c" -static -o "$scratch/pkg-config-static" $flags $(pkg-config --static --libs zelt)
+}
+check pkg-config libc.so.6 libzelt.so.1
+check pkg-config-static
+
+quietly cmake -S "$here" -B "$scratch/package" -DCMAKE_PREFIX_PATH="$prefix"
+quietly cmake --build "$scratch/package"
+check package/default libc.so.6 libzelt.so.1
+check package/static libc.so.6
+
+# The sources as a part of another project, which wants archives
+quietly cmake -S "$here" -B "$scratch/subproject" -DZELT_SOURCE="$here/../.." -DBUILD_SHARED_LIBS=OFF
+quietly cmake --build "$scratch/subproject"
+check subproject/default libc.so.6
+quietly cmake --install "$scratch/subproject" --prefix "$scratch/nothing"
+[ ! -e "$scratch/nothing" ] || fail "libzelt is installed with its parent"
+
+if [ -x "$prefix/bin/zelt" ]; then
+    "$prefix/bin/zelt" --version >/dev/null || fail "the tool does not start"
+fi
+
+picked() { LD_LIBRARY_PATH=$prefix/$libdir LD_DEBUG=libs "$scratch/pkg-config" 2>&1 >/dev/null |
+    sed -n "s|.*calling init: $prefix/$libdir/\(.*libzelt.*\)|\1|p"; }
+[ -d "$prefix/$libdir/glibc-hwcaps" ] || exit 0
 if grep -q avx2 /proc/cpuinfo; then
     case $(picked) in glibc-hwcaps/x86-64-v3/libzelt.so.1*) ;; *) fail "the loader picked $(picked)" ;; esac
     echo "With AVX2 the loader picks $(picked)"
