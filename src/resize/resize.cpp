@@ -1,5 +1,5 @@
 // The resizer's tables, steps, row and whole-picture kernels, and the life of a handle.
-#include "csc/resize.h"
+#include "resize/resize.h"
 
 #include <cstdlib>
 

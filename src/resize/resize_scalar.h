@@ -1,5 +1,5 @@
 #pragma once  // the resizer a pixel at a time: its formats, and rows of them
-#include "csc/bilinear.h"
+#include "resize/bilinear.h"
 #include "zelt/irsz.h"
 
 #include <array>

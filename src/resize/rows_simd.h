@@ -1,7 +1,7 @@
 #pragma once
 // Rows through runs of columns: from the planes that Source makes of a caller's row, to values that Out::put takes.
 // Neither has a part in the arithmetic.
-#include "csc/columns_simd.h"
+#include "resize/columns_simd.h"
 
 namespace zelt::simd {
 using csc::row_job;

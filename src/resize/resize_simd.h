@@ -1,7 +1,7 @@
 #pragma once  // the formats of the resizer over registers
 #include "csc/convert.h"
-#include "csc/resize_scalar.h"
-#include "csc/rows_simd.h"
+#include "resize/resize_scalar.h"
+#include "resize/rows_simd.h"
 
 namespace zelt::csc {
 /// The fields of RGB565 words

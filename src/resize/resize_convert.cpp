@@ -1,10 +1,10 @@
 // Resizing and colour conversion in one pass: the source layout is planes sampled on a grid, the rest is as at one
 // size.
 #include "csc/convert.h"
-#include "csc/resize_scalar.h"
+#include "resize/resize_scalar.h"
 #include "zelt/csc.h"
 #if ZELT_SIMD
-#include "csc/rows_simd.h"
+#include "resize/rows_simd.h"
 #endif
 
 using namespace zelt;

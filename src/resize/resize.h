@@ -1,8 +1,8 @@
 #pragma once  // every format of the resizer, and the handle
 #include "core/isa.h"
-#include "csc/resize_scalar.h"
+#include "resize/resize_scalar.h"
 #if ZELT_SIMD
-#include "csc/resize_simd.h"
+#include "resize/resize_simd.h"
 #endif
 
 // clang-format off

@@ -1,5 +1,5 @@
 // The resizer's handle at work: whole pictures, and bands of rows as they come.
-#include "csc/resize.h"
+#include "resize/resize.h"
 
 #include <cstring>
 

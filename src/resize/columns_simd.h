@@ -3,7 +3,7 @@
 // across. The weights separate: a value is ((8 - fy) s(top) + fy s(bottom)) >> 6 with s = (8 - fx) left + fx right, at
 // most 2040, so that all of it fits 16 bits, and s of a source row serves every destination row next to it.
 #include "core/simd.h"
-#include "csc/bilinear.h"
+#include "resize/bilinear.h"
 
 #include <cstring>
 
