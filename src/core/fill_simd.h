@@ -5,7 +5,6 @@
 
 #include <bit>
 #include <cstdint>
-#include <cwchar>
 
 namespace zelt::simd {
 typedef u32 word_register __attribute__((vector_size(lanes)));
@@ -30,17 +29,19 @@ inline void fill_short(u8* dst, u32 word, std::size_t n) {
 }
 
 #ifdef __AVX2__
-constexpr std::size_t long_fill = 1 << 15;
-/// As long as a cache near the processor holds it, the C library's registers may be wider; beyond, string instructions
-/// need not read what they overwrite.
+constexpr std::size_t long_fill = 1 << 19;
+/// Beyond the caches near the processor: string instructions need not read what they overwrite.
 inline void fill_long(u8* p, u32 word, std::size_t bytes) {
     std::size_t n = bytes / 4;
-    if (bytes < 1 << 19)
-        std::wmemset(reinterpret_cast<wchar_t*>(p), static_cast<wchar_t>(word), n);
-    else
-        asm volatile("rep stosl" : "+D"(p), "+c"(n) : "a"(word) : "memory");
+    asm volatile("rep stosl" : "+D"(p), "+c"(n) : "a"(word) : "memory");
 }
 #endif
+
+/// A store at a multiple of a register's size. The caller's objects there may be of any type.
+inline void store_aligned(u8* p, word_register value) {
+    typedef word_register any __attribute__((may_alias));
+    *reinterpret_cast<any*>(p) = value;
+}
 
 /// Writes a register's worth or more of a word that also stands in all of a register.
 inline void fill_registers(u8* dst, word_register all, u32 word, std::size_t n) {
@@ -56,13 +57,14 @@ inline void fill_registers(u8* dst, word_register all, u32 word, std::size_t n) 
     const std::size_t first = 2 * lanes - reinterpret_cast<std::uintptr_t>(dst) % lanes;
     const u32 turned = std::rotr(word, static_cast<int>(first % 4) * 8);
     const std::size_t rest = (n - first - lanes - 1) / lanes;  // as far as the two registers at the end
-    auto* p = reinterpret_cast<word_register*>(dst + first);
+    u8* p = dst + first;
 #ifdef __AVX2__
-    if (n >= long_fill) return fill_long(dst + first, turned, rest * lanes);
+    if (n >= long_fill) return fill_long(p, turned, rest * lanes);
 #endif
     const word_register value = word_register{} + turned;
     const auto store = [&] {
-        *p++ = value;
+        store_aligned(p, value);
+        p += lanes;
         step_in_place(p);
     };
     for (std::size_t i = rest % 4; i; --i) store();
