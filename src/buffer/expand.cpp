@@ -35,7 +35,7 @@ void expand_sideways(const u8* src, u8* dst, s64 rows, s64 stride, int count) {
 
 void expand_sideways_16(const u8* src, u8* dst, s64 rows, s64 stride, int count) {
     const std::size_t bytes = count > 0 ? 2 * static_cast<std::size_t>(count) : 0;
-    for (; rows > 0; --rows, src += stride, dst += stride) fast::fill(dst, load_loose<u16>(src) * 0x10001u, bytes);
+    for (; rows > 0; --rows, src += stride, dst += stride) fast::fill(dst, load_unaligned<u16>(src) * 0x10001u, bytes);
 }
 
 s64 round_to_even(s64 stride) { return (stride + 1) >> 1 << 1; }

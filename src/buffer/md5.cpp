@@ -40,13 +40,13 @@ struct I { static u32 early(u32, u32)     { return 0; }      static u32 late(u32
 // clang-format on
 
 /// Hides a sum from the compiler, which would put its terms back in line.
-inline u32 opaque(u32 sum) {
+inline u32 hide_from_optimizer(u32 sum) {
     asm("" : "+r"(sum));
     return sum;
 }
 
 template <class Function, int Shift> void step(u32& a, u32 b, u32 c, u32 d, u32 word_and_constant) {
-    a = opaque(a + word_and_constant + Function::early(c, d));
+    a = hide_from_optimizer(a + word_and_constant + Function::early(c, d));
     a = b + std::rotl(a + Function::late(b, c, d), Shift);
 }
 

@@ -4,15 +4,15 @@
 #include "core/simd.h"
 
 namespace zelt::simd {
-typedef u8 byte_quad __attribute__((vector_size(16)));
-typedef u8 byte_pair __attribute__((vector_size(8)));
+typedef u8 u8x16 __attribute__((vector_size(16)));
+typedef u8 u8x8 __attribute__((vector_size(8)));
 
 /// Copies n bytes, one to two of T, as its two ends.
 template <class T> void copy_ends(u8* dst, const u8* src, std::size_t n) {
     const std::size_t last = n - sizeof(T);
-    const T a = load_loose<T>(src), b = load_loose<T>(src + last);
-    store_loose(dst, a);
-    store_loose(dst + last, b);
+    const T a = load_unaligned<T>(src), b = load_unaligned<T>(src + last);
+    store_unaligned(dst, a);
+    store_unaligned(dst + last, b);
 }
 
 inline void copy(u8* dst, const u8* src, std::size_t n) {
@@ -21,14 +21,14 @@ inline void copy(u8* dst, const u8* src, std::size_t n) {
         std::memcpy(dst, src, n);
     } else if (n >= lanes) {
         u8* const last = dst + (n - lanes);
-        const bytes end = load_loose<bytes>(src + (n - lanes));
+        const u8xn end = load_unaligned<u8xn>(src + (n - lanes));
         for (std::size_t i = (n - 1) / lanes; i; --i, dst += lanes, src += lanes) {
-            step_in_place(dst), step_in_place(src);
-            store_loose(dst, load_loose<bytes>(src));
+            hide_step_from_optimizer(dst), hide_step_from_optimizer(src);
+            store_unaligned(dst, load_unaligned<u8xn>(src));
         }
-        store_loose(last, end);
+        store_unaligned(last, end);
     } else if (n >= 16) {
-        copy_ends<byte_quad>(dst, src, n);
+        copy_ends<u8x16>(dst, src, n);
     } else if (n >= 8) {
         copy_ends<u64>(dst, src, n);
     } else if (n >= 4) {
@@ -43,19 +43,19 @@ inline void copy(u8* dst, const u8* src, std::size_t n) {
 template <int N, int Rows> void copy_rows(u8* dst, std::ptrdiff_t s_dst, const u8* src, std::ptrdiff_t s_src) {
     const auto column = [&]<class T>(T) {
         T v[Rows];
-        for (int i = 0; i < Rows; ++i) v[i] = load_loose<T>(src + i * s_src);
-        for (int i = 0; i < Rows; ++i) store_loose(dst + i * s_dst, v[i]);
+        for (int i = 0; i < Rows; ++i) v[i] = load_unaligned<T>(src + i * s_src);
+        for (int i = 0; i < Rows; ++i) store_unaligned(dst + i * s_dst, v[i]);
         constexpr int size = sizeof(T);
         copy_rows<N - size, Rows>(dst + size, s_dst, src + size, s_src);
     };
     if constexpr (N >= 2 * lanes && Rows > 1)
         for (int i = 0; i < Rows; ++i) copy_rows<N, 1>(dst + i * s_dst, s_dst, src + i * s_src, s_src);
     else if constexpr (N >= lanes)
-        column(bytes{});
+        column(u8xn{});
     else if constexpr (N >= 16)
-        column(byte_quad{});
+        column(u8x16{});
     else if constexpr (N >= 8)
-        column(byte_pair{});
+        column(u8x8{});
     else if constexpr (N >= 4)
         column(u32{});
     else if constexpr (N >= 2)

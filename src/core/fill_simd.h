@@ -13,8 +13,8 @@ typedef u32 word_quad __attribute__((vector_size(16)));
 /// Writes a value at both ends of n bytes; they overlap where n is less than two of them. The word's period divides n,
 /// so that its phase is the same at either end.
 template <class T> void fill_ends(u8* dst, T value, std::size_t n) {
-    store_loose(dst, value);
-    store_loose(dst + n - sizeof(T), value);
+    store_unaligned(dst, value);
+    store_unaligned(dst + n - sizeof(T), value);
 }
 
 inline void fill_short(u8* dst, u32 word, std::size_t n) {
@@ -65,7 +65,7 @@ inline void fill_registers(u8* dst, word_register all, u32 word, std::size_t n) 
     const auto store = [&] {
         store_aligned(p, value);
         p += lanes;
-        step_in_place(p);
+        hide_step_from_optimizer(p);
     };
     for (std::size_t i = rest % 4; i; --i) store();
     for (std::size_t i = rest / 4; i; --i) store(), store(), store(), store();
@@ -79,11 +79,11 @@ inline void fill(u8* dst, u32 word, std::size_t n) {
 
 /// Writes N copies of a byte, N a multiple of 8.
 template <int N> void fill_fixed(u8* dst, u8 value) {
-    const word_register all = (word_register)(bytes{} + value);
+    const word_register all = (word_register)(u8xn{} + value);
     constexpr int tail = N % lanes;
-    for (int i = 0; i + lanes <= N; i += lanes) store_loose(dst + i, all);
-    if constexpr (tail >= 16) store_loose(dst + N - tail, word_quad{} + value * 0x01010101u);
-    if constexpr (tail % 16) store_loose(dst + N - 8, u64{value} * 0x0101010101010101);
+    for (int i = 0; i + lanes <= N; i += lanes) store_unaligned(dst + i, all);
+    if constexpr (tail >= 16) store_unaligned(dst + N - tail, word_quad{} + value * 0x01010101u);
+    if constexpr (tail % 16) store_unaligned(dst + N - 8, u64{value} * 0x0101010101010101);
 }
 
 inline void fill_bytes(u8* dst, u8 value, std::size_t n) {
@@ -96,7 +96,7 @@ inline void fill_bytes(u8* dst, u8 value, std::size_t n) {
 #endif
     const u32 word = value * 0x01010101u;
     if (n >= lanes)
-        fill_registers(dst, (word_register)(bytes{} + value), word, n);
+        fill_registers(dst, (word_register)(u8xn{} + value), word, n);
     else
         fill_short(dst, word, n);
 }

@@ -59,7 +59,7 @@ template <int N, int Element> void copy_block(u8* dst, const u8* src, int s_dst,
     const auto rows = [&]<int Rows>() {
         fast::copy_rows<N, Rows>(dst, to, src, from);
         dst += Rows * to, src += Rows * from;
-        step_in_place(dst), step_in_place(src);
+        hide_step_from_optimizer(dst), hide_step_from_optimizer(src);
     };
     if (h <= 0) return;
     if (h & 1) rows.template operator()<1>();

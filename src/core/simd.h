@@ -15,23 +15,24 @@
 //   shift_add<N>(a, b)           a + (b >> N)
 //   shift_insert<N>(a, b)        the high N bits of bytes a above b >> N
 //   any(mask)                    whether a byte is set, of bytes that are 0 or 255
-//   load_words, store_words      `lanes` samples of 16 bits; their order inside `words` is not that of widen
+//   load_16, store_16          `lanes` samples of 16 bits; their order inside `s16x2n` is not that of widen
 //   dot_q10<A, B, C>(a, b, c)    (A a + B b + C c + 512) >> 10 of signed words, summed in 32 bits
 //
-// Pairs of bytes from anywhere in a row, for half of the samples of `words`. Samples are dealt with in eights, whose
+// Pairs of bytes from anywhere in a row, for half of the samples of `s16x2n`. Samples are dealt with in eights, whose
 // bytes stand in Windows * 16 bytes of the row. Tables give an eight 16 bytes, pair_at(i, side) is the place of sample
-// i's; the eights of `words`, first those of lo, are in the order of eight_at.
+// i's; the eights of `s16x2n`, first those of lo, are in the order of eight_at.
 //
 //   reach                          bytes of the windows, 16 or 32, that a mask deals with
-//   pick<Windows>(row, at, masks)  pairs by their places in the windows that start at at[]; masks hold `lanes` bytes a
+//   gather_pairs<Windows>(row, at, masks)  pairs by their places in the windows that start at at[]; masks hold `lanes`
+//   bytes a
 //                                  reach, 0x80 where the byte is in another
 //   load_pairs<Bytes, Next>(p)     pairs that stand one after another from p on: of pixels of 1 or 4 bytes, either each
 //                                  one or every second one, for eights in their own order
-//   weigh(p, w), weigh(sum, p, w)  sum of a pair's bytes times its weights, in 16 bits
-//   pack(quad, quad)               the low halves of eight 32-bit values
+//   weighted_sum(p, w), weighted_sum(sum, p, w)  sum of a pair's bytes times its weights, in 16 bits
+//   pack(u32x4, u32x4)               the low halves of eight 32-bit values
 //   store_pairs(p, l, r)           an eight's 16 bytes of a table from the low bytes of l and r
-//   narrow_q6, narrow_q6_eights    unsigned words >> 6, to bytes; from eights in their own order
-//   narrow_eights                  narrow of eights in their own order, as load_words has them
+//   narrow_q6, narrow_q6_ordered    unsigned words >> 6, to bytes; from eights in their own order
+//   narrow_ordered                  narrow of eights in their own order, as load_16 has them
 #include "core/types.h"
 
 namespace zelt::simd {
@@ -43,33 +44,33 @@ constexpr int lanes = 16;
 constexpr bool loads_take_an_index = false;
 #endif
 
-typedef u8 bytes __attribute__((vector_size(lanes)));   // one register of samples
-typedef s16 half __attribute__((vector_size(lanes)));   // half of the same samples as 16 bits
-typedef u16 uhalf __attribute__((vector_size(lanes)));  // likewise; arithmetic is unsigned, so that it may wrap
+typedef u8 u8xn __attribute__((vector_size(lanes)));    // one register of samples
+typedef s16 s16xn __attribute__((vector_size(lanes)));  // half of the same samples as 16 bits
+typedef u16 u16xn __attribute__((vector_size(lanes)));  // likewise; arithmetic is unsigned, so that it may wrap
 
-typedef u16 eight __attribute__((vector_size(16)));  // an eight's places or weights
-typedef u32 quad __attribute__((vector_size(16)));
+typedef u16 u16x8 __attribute__((vector_size(16)));  // an eight's places or weights
+typedef u32 u32x4 __attribute__((vector_size(16)));
 
 /// Samples as 16 bits, in an order that is the target's own: `narrow` undoes `widen`.
-struct words {
-    half lo, hi;
+struct s16x2n {
+    s16xn lo, hi;
 };
 
-inline words operator+(words a, words b) {
-    return {(half)((uhalf)a.lo + (uhalf)b.lo), (half)((uhalf)a.hi + (uhalf)b.hi)};
+inline s16x2n operator+(s16x2n a, s16x2n b) {
+    return {(s16xn)((u16xn)a.lo + (u16xn)b.lo), (s16xn)((u16xn)a.hi + (u16xn)b.hi)};
 }
-inline words operator-(words a, words b) {
-    return {(half)((uhalf)a.lo - (uhalf)b.lo), (half)((uhalf)a.hi - (uhalf)b.hi)};
+inline s16x2n operator-(s16x2n a, s16x2n b) {
+    return {(s16xn)((u16xn)a.lo - (u16xn)b.lo), (s16xn)((u16xn)a.hi - (u16xn)b.hi)};
 }
-inline words splat(int value) {
-    const half all = half{} + static_cast<s16>(value);
+inline s16x2n splat(int value) {
+    const s16xn all = s16xn{} + static_cast<s16>(value);
     return {all, all};
 }
-inline words operator+(words a, int b) { return a + splat(b); }
-inline words operator>>(words a, int n) { return {a.lo >> n, a.hi >> n}; }
-inline words operator<<(words a, int n) { return {a.lo << n, a.hi << n}; }
-inline words clamp(words a, int low, int high) {
-    const half least = splat(low).lo, most = splat(high).lo;
+inline s16x2n operator+(s16x2n a, int b) { return a + splat(b); }
+inline s16x2n operator>>(s16x2n a, int n) { return {a.lo >> n, a.hi >> n}; }
+inline s16x2n operator<<(s16x2n a, int n) { return {a.lo << n, a.hi << n}; }
+inline s16x2n clamp(s16x2n a, int low, int high) {
+    const s16xn least = splat(low).lo, most = splat(high).lo;
     a = {a.lo < most ? a.lo : most, a.hi < most ? a.hi : most};
     return {a.lo > least ? a.lo : least, a.hi > least ? a.hi : least};
 }

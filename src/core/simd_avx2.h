@@ -26,11 +26,11 @@ template <int A, int B> __m256i per_pair() {
     return _mm256_set1_epi16(static_cast<s16>((A & 255) | B * 256));
 }
 
-inline void load(const u8* p, bytes& a) { a = (bytes)load_register(p); }
-inline void load2(const u8* p, bytes& a, bytes& b) {
+inline void load(const u8* p, u8xn& a) { a = (u8xn)load_register(p); }
+inline void load2(const u8* p, u8xn& a, u8xn& b) {
     const __m256i even = load_halves(p, p + 32), odd = load_halves(p + 16, p + 48), low = _mm256_set1_epi16(255);
-    a = (bytes)_mm256_packus_epi16(_mm256_and_si256(even, low), _mm256_and_si256(odd, low));
-    b = (bytes)_mm256_packus_epi16(_mm256_srli_epi16(even, 8), _mm256_srli_epi16(odd, 8));
+    a = (u8xn)_mm256_packus_epi16(_mm256_and_si256(even, low), _mm256_and_si256(odd, low));
+    b = (u8xn)_mm256_packus_epi16(_mm256_srli_epi16(even, 8), _mm256_srli_epi16(odd, 8));
 }
 // Three channels: sample i of channel c is byte 3 i + c, so it stands at place (3 i + c) % 16 of whichever of three
 // registers; blends by the place modulo 3 sort registers, shuffles sort places. 11 is the inverse of 3 modulo 16.
@@ -41,13 +41,13 @@ template <int Remainder> constexpr byte_table every3 = per_place([](int i) { ret
 inline __m256i blend3(__m256i a, __m256i b, __m256i c) {
     return _mm256_blendv_epi8(_mm256_blendv_epi8(a, b, load_table(every3<1>)), c, load_table(every3<2>));
 }
-inline void load3(const u8* p, bytes& a, bytes& b, bytes& c) {
+inline void load3(const u8* p, u8xn& a, u8xn& b, u8xn& c) {
     const __m256i x = load_halves(p, p + 48), y = load_halves(p + 16, p + 64), z = load_halves(p + 32, p + 80);
-    a = (bytes)_mm256_shuffle_epi8(blend3(x, z, y), load_table(gather3<0>));
-    b = (bytes)_mm256_shuffle_epi8(blend3(y, x, z), load_table(gather3<1>));
-    c = (bytes)_mm256_shuffle_epi8(blend3(z, y, x), load_table(gather3<2>));
+    a = (u8xn)_mm256_shuffle_epi8(blend3(x, z, y), load_table(gather3<0>));
+    b = (u8xn)_mm256_shuffle_epi8(blend3(y, x, z), load_table(gather3<1>));
+    c = (u8xn)_mm256_shuffle_epi8(blend3(z, y, x), load_table(gather3<2>));
 }
-inline void load4(const u8* p, bytes& a, bytes& b, bytes& c, bytes& d) {
+inline void load4(const u8* p, u8xn& a, u8xn& b, u8xn& c, u8xn& d) {
     static constexpr byte_table channels = per_place([](int i) { return i % 4 * 4 + i / 4; });
     const auto four = [=](int at) {
         return _mm256_shuffle_epi8(load_halves(p + at, p + at + 64), load_table(channels));
@@ -55,18 +55,18 @@ inline void load4(const u8* p, bytes& a, bytes& b, bytes& c, bytes& d) {
     const __m256i v0 = four(0), v1 = four(16), v2 = four(32), v3 = four(48);
     const __m256i ab0 = _mm256_unpacklo_epi32(v0, v1), cd0 = _mm256_unpackhi_epi32(v0, v1);
     const __m256i ab1 = _mm256_unpacklo_epi32(v2, v3), cd1 = _mm256_unpackhi_epi32(v2, v3);
-    a = (bytes)_mm256_unpacklo_epi64(ab0, ab1), b = (bytes)_mm256_unpackhi_epi64(ab0, ab1);
-    c = (bytes)_mm256_unpacklo_epi64(cd0, cd1), d = (bytes)_mm256_unpackhi_epi64(cd0, cd1);
+    a = (u8xn)_mm256_unpacklo_epi64(ab0, ab1), b = (u8xn)_mm256_unpackhi_epi64(ab0, ab1);
+    c = (u8xn)_mm256_unpacklo_epi64(cd0, cd1), d = (u8xn)_mm256_unpackhi_epi64(cd0, cd1);
 }
 
-inline void store(u8* p, bytes a) { store_register(p, (__m256i)a); }
-inline void store2(u8* p, bytes a, bytes b) {
+inline void store(u8* p, u8xn a) { store_register(p, (__m256i)a); }
+inline void store2(u8* p, u8xn a, u8xn b) {
     const __m256i even = _mm256_unpacklo_epi8((__m256i)a, (__m256i)b);
     const __m256i odd = _mm256_unpackhi_epi8((__m256i)a, (__m256i)b);
     store_register(p, _mm256_permute2x128_si256(even, odd, 0x20));
     store_register(p + 32, _mm256_permute2x128_si256(even, odd, 0x31));
 }
-inline void store3(u8* p, bytes a, bytes b, bytes c) {
+inline void store3(u8* p, u8xn a, u8xn b, u8xn c) {
     const __m256i va = _mm256_shuffle_epi8((__m256i)a, load_table(spread3<0>));
     const __m256i vb = _mm256_shuffle_epi8((__m256i)b, load_table(spread3<1>));
     const __m256i vc = _mm256_shuffle_epi8((__m256i)c, load_table(spread3<2>));
@@ -75,7 +75,7 @@ inline void store3(u8* p, bytes a, bytes b, bytes c) {
     store_register(p + 32, _mm256_permute2x128_si256(z, x, 0x30));
     store_register(p + 64, _mm256_permute2x128_si256(y, z, 0x31));
 }
-inline void store4(u8* p, bytes a, bytes b, bytes c, bytes d) {
+inline void store4(u8* p, u8xn a, u8xn b, u8xn c, u8xn d) {
     const __m256i ab0 = _mm256_unpacklo_epi8((__m256i)a, (__m256i)b),
                   ab1 = _mm256_unpackhi_epi8((__m256i)a, (__m256i)b);
     const __m256i cd0 = _mm256_unpacklo_epi8((__m256i)c, (__m256i)d),
@@ -88,19 +88,19 @@ inline void store4(u8* p, bytes a, bytes b, bytes c, bytes d) {
     store_register(p + 96, _mm256_permute2x128_si256(v2, v3, 0x31));
 }
 
-inline words widen(bytes a) {
+inline s16x2n widen(u8xn a) {
     const __m256i zero = _mm256_setzero_si256();
-    return {(half)_mm256_unpacklo_epi8((__m256i)a, zero), (half)_mm256_unpackhi_epi8((__m256i)a, zero)};
+    return {(s16xn)_mm256_unpacklo_epi8((__m256i)a, zero), (s16xn)_mm256_unpackhi_epi8((__m256i)a, zero)};
 }
-inline bytes narrow(words a) { return (bytes)_mm256_packus_epi16((__m256i)a.lo, (__m256i)a.hi); }
-inline bytes narrow_signed(words a) { return (bytes)_mm256_packs_epi16((__m256i)a.lo, (__m256i)a.hi); }
-inline bytes high(words a) { return narrow({(half)((uhalf)a.lo >> 8), (half)((uhalf)a.hi >> 8)}); }
-inline bytes round_high(words a) { return high(a + 128); }
-inline words operator+(words a, bytes b) { return a + widen(b); }
-inline words difference(bytes a, bytes b) { return widen(a) - widen(b); }
-inline words sub_sat(words a, words b) {
-    return {(half)_mm256_subs_epi16((__m256i)a.lo, (__m256i)b.lo),
-            (half)_mm256_subs_epi16((__m256i)a.hi, (__m256i)b.hi)};
+inline u8xn narrow(s16x2n a) { return (u8xn)_mm256_packus_epi16((__m256i)a.lo, (__m256i)a.hi); }
+inline u8xn narrow_signed(s16x2n a) { return (u8xn)_mm256_packs_epi16((__m256i)a.lo, (__m256i)a.hi); }
+inline u8xn high(s16x2n a) { return narrow({(s16xn)((u16xn)a.lo >> 8), (s16xn)((u16xn)a.hi >> 8)}); }
+inline u8xn round_high(s16x2n a) { return high(a + 128); }
+inline s16x2n operator+(s16x2n a, u8xn b) { return a + widen(b); }
+inline s16x2n difference(u8xn a, u8xn b) { return widen(a) - widen(b); }
+inline s16x2n sub_sat(s16x2n a, s16x2n b) {
+    return {(s16xn)_mm256_subs_epi16((__m256i)a.lo, (__m256i)b.lo),
+            (s16xn)_mm256_subs_epi16((__m256i)a.hi, (__m256i)b.hi)};
 }
 /// floor((256 a + filler) F / 65536) for bytes a, signed ones where the least is negative
 constexpr bool product_is_exact(int F, int least, int filler, int offset) {
@@ -110,82 +110,82 @@ constexpr bool product_is_exact(int F, int least, int filler, int offset) {
 }
 /// One high-half multiplication of 256 a + filler, where the filler, the low byte that the unpacking takes in place of
 /// zero, stands for the rounding. With a - 128 it does for some factors; others need a itself and an offset.
-template <int F> words centred_product(bytes a) {
+template <int F> s16x2n centred_product(u8xn a) {
     constexpr int filler = (32768 + F - 1) / F;
     const __m256i factor = _mm256_set1_epi16(F);
     if constexpr (product_is_exact(F, -128, filler, 0)) {
         const __m256i fill = _mm256_set1_epi8(filler), centred = (__m256i)(a ^ 128);
-        return {(half)_mm256_mulhi_epi16(_mm256_unpacklo_epi8(fill, centred), factor),
-                (half)_mm256_mulhi_epi16(_mm256_unpackhi_epi8(fill, centred), factor)};
+        return {(s16xn)_mm256_mulhi_epi16(_mm256_unpacklo_epi8(fill, centred), factor),
+                (s16xn)_mm256_mulhi_epi16(_mm256_unpackhi_epi8(fill, centred), factor)};
     } else {
         constexpr int offset = (128 * F - 128) / 256;
         static_assert(product_is_exact(F, 0, 0, offset));
         const __m256i zero = _mm256_setzero_si256();
-        return words{(half)_mm256_mulhi_epu16(_mm256_unpacklo_epi8(zero, (__m256i)a), factor),
-                     (half)_mm256_mulhi_epu16(_mm256_unpackhi_epi8(zero, (__m256i)a), factor)} -
+        return s16x2n{(s16xn)_mm256_mulhi_epu16(_mm256_unpacklo_epi8(zero, (__m256i)a), factor),
+                      (s16xn)_mm256_mulhi_epu16(_mm256_unpackhi_epi8(zero, (__m256i)a), factor)} -
                splat(offset);
     }
 }
-inline words mul_q15(words a, int b) {
+inline s16x2n mul_q15(s16x2n a, int b) {
     const __m256i factor = _mm256_set1_epi16(static_cast<s16>(b));
-    return {(half)_mm256_mulhrs_epi16((__m256i)a.lo, factor), (half)_mm256_mulhrs_epi16((__m256i)a.hi, factor)};
+    return {(s16xn)_mm256_mulhrs_epi16((__m256i)a.lo, factor), (s16xn)_mm256_mulhrs_epi16((__m256i)a.hi, factor)};
 }
-template <int N> words shift_add(words a, words b) { return a + (b >> N); }
-template <int N> bytes shift_insert(bytes a, bytes b) {
-    const bytes low = bytes{} + static_cast<u8>(255 >> N);
-    const bytes shifted = (bytes)((uhalf)b >> N);
+template <int N> s16x2n shift_add(s16x2n a, s16x2n b) { return a + (b >> N); }
+template <int N> u8xn shift_insert(u8xn a, u8xn b) {
+    const u8xn low = u8xn{} + static_cast<u8>(255 >> N);
+    const u8xn shifted = (u8xn)((u16xn)b >> N);
     return (a & ~low) | (shifted & low);
 }
-inline bool any(bytes mask) { return _mm256_movemask_epi8((__m256i)mask) != 0; }
+inline bool any(u8xn mask) { return _mm256_movemask_epi8((__m256i)mask) != 0; }
 
-template <int A, int B> words dot(bytes a, bytes b) {
+template <int A, int B> s16x2n dot(u8xn a, u8xn b) {
     const __m256i factors = per_pair<A, B>();
-    return {(half)_mm256_maddubs_epi16(_mm256_unpacklo_epi8((__m256i)a, (__m256i)b), factors),
-            (half)_mm256_maddubs_epi16(_mm256_unpackhi_epi8((__m256i)a, (__m256i)b), factors)};
+    return {(s16xn)_mm256_maddubs_epi16(_mm256_unpacklo_epi8((__m256i)a, (__m256i)b), factors),
+            (s16xn)_mm256_maddubs_epi16(_mm256_unpackhi_epi8((__m256i)a, (__m256i)b), factors)};
 }
 
 struct triples {  // pairs of the first two and of the last two
     __m256i ab_lo, ab_hi, cb_lo, cb_hi;
 };
-inline triples interleave(bytes a, bytes b, bytes c) {
+inline triples interleave(u8xn a, u8xn b, u8xn c) {
     return {_mm256_unpacklo_epi8((__m256i)a, (__m256i)b), _mm256_unpackhi_epi8((__m256i)a, (__m256i)b),
             _mm256_unpacklo_epi8((__m256i)c, (__m256i)b), _mm256_unpackhi_epi8((__m256i)c, (__m256i)b)};
 }
 /// B is shared out between the two pairs so that neither product sum leaves 16 bits, where 128 * 255 just fits.
-template <int A, int B, int C> words dot(triples v) {
+template <int A, int B, int C> s16x2n dot(triples v) {
     constexpr int b0 = std::min({B, 128 - std::max(A, 0), 127});
     static_assert(B >= 0 && B - b0 + std::max(C, 0) <= 128);
     const __m256i ab = per_pair<A, b0>(), cb = per_pair<C, B - b0>();
-    return words{(half)_mm256_maddubs_epi16(v.ab_lo, ab), (half)_mm256_maddubs_epi16(v.ab_hi, ab)} +
-           words{(half)_mm256_maddubs_epi16(v.cb_lo, cb), (half)_mm256_maddubs_epi16(v.cb_hi, cb)};
+    return s16x2n{(s16xn)_mm256_maddubs_epi16(v.ab_lo, ab), (s16xn)_mm256_maddubs_epi16(v.ab_hi, ab)} +
+           s16x2n{(s16xn)_mm256_maddubs_epi16(v.cb_lo, cb), (s16xn)_mm256_maddubs_epi16(v.cb_hi, cb)};
 }
 
-inline void load_words(const u8* p, words& a) { a = {(half)load_register(p), (half)load_register(p + 32)}; }
-inline void store_words(u8* p, words a) { store_register(p, (__m256i)a.lo), store_register(p + 32, (__m256i)a.hi); }
+inline void load_16(const u8* p, s16x2n& a) { a = {(s16xn)load_register(p), (s16xn)load_register(p + 32)}; }
+inline void store_16(u8* p, s16x2n a) { store_register(p, (__m256i)a.lo), store_register(p + 32, (__m256i)a.hi); }
 
-template <int A, int B, int C> half dot_q10(half a, half b, half c) {
+template <int A, int B, int C> s16xn dot_q10(s16xn a, s16xn b, s16xn c) {
     const __m256i ab = _mm256_set1_epi32((A & 0xFFFF) | B * 65536), cr = _mm256_set1_epi32((C & 0xFFFF) | 512 << 16);
     const __m256i one = _mm256_set1_epi16(1);  // times 512 is the rounding
     const auto sum = [&](__m256i two, __m256i third) {
         return _mm256_srai_epi32(_mm256_add_epi32(_mm256_madd_epi16(two, ab), _mm256_madd_epi16(third, cr)), 10);
     };
-    return (half)_mm256_packs_epi32(
+    return (s16xn)_mm256_packs_epi32(
         sum(_mm256_unpacklo_epi16((__m256i)a, (__m256i)b), _mm256_unpacklo_epi16((__m256i)c, one)),
         sum(_mm256_unpackhi_epi16((__m256i)a, (__m256i)b), _mm256_unpackhi_epi16((__m256i)c, one)));
 }
-template <int A, int B, int C> words dot_q10(words a, words b, words c) {
+template <int A, int B, int C> s16x2n dot_q10(s16x2n a, s16x2n b, s16x2n c) {
     return {dot_q10<A, B, C>(a.lo, b.lo, c.lo), dot_q10<A, B, C>(a.hi, b.hi, c.hi)};
 }
 
 using pairs = __m256i;  // a pair is a word
 constexpr int eight_at(int i) { return i % 2 * 2 + i / 2; }
-inline eight pack(quad a, quad b) { return (eight)_mm_packus_epi32((__m128i)a, (__m128i)b); }
-inline void store_pairs(u8* p, eight left, eight right) {
+inline u16x8 pack(u32x4 a, u32x4 b) { return (u16x8)_mm_packus_epi32((__m128i)a, (__m128i)b); }
+inline void store_pairs(u8* p, u16x8 left, u16x8 right) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(p), (__m128i)(left | right << 8));
 }
 
 constexpr int reach = 16;
-template <int Windows> pairs pick(const u8* row, const std::ptrdiff_t* at, const u8* masks) {
+template <int Windows> pairs gather_pairs(const u8* row, const std::ptrdiff_t* at, const u8* masks) {
     const u8 *low = row + at[0], *high = row + at[1];
     pairs p = _mm256_shuffle_epi8(load_halves(low, high), load_register(masks));
     for (int i = 1; i < Windows; ++i)
@@ -205,9 +205,9 @@ template <int Bytes, int Next> pairs load_pairs(const u8* p) {
     static constexpr byte_table by_channel = per_place([](int i) { return i % 2 * 4 + i / 2 % 4 + i / 8 * 8; });
     return Bytes == 1 ? v : _mm256_shuffle_epi8(v, load_table(by_channel));
 }
-inline half weigh(pairs p, bytes w) { return (half)_mm256_maddubs_epi16(p, (__m256i)w); }
-inline half weigh(half sum, pairs p, bytes w) { return sum + weigh(p, w); }
-inline bytes narrow_q6(words a) { return narrow({(half)((uhalf)a.lo >> 6), (half)((uhalf)a.hi >> 6)}); }
-inline bytes narrow_eights(words a) { return (bytes)_mm256_permute4x64_epi64((__m256i)narrow(a), 0xD8); }
-inline bytes narrow_q6_eights(words a) { return (bytes)_mm256_permute4x64_epi64((__m256i)narrow_q6(a), 0xD8); }
+inline s16xn weighted_sum(pairs p, u8xn w) { return (s16xn)_mm256_maddubs_epi16(p, (__m256i)w); }
+inline s16xn weighted_sum(s16xn sum, pairs p, u8xn w) { return sum + weighted_sum(p, w); }
+inline u8xn narrow_q6(s16x2n a) { return narrow({(s16xn)((u16xn)a.lo >> 6), (s16xn)((u16xn)a.hi >> 6)}); }
+inline u8xn narrow_ordered(s16x2n a) { return (u8xn)_mm256_permute4x64_epi64((__m256i)narrow(a), 0xD8); }
+inline u8xn narrow_q6_ordered(s16x2n a) { return (u8xn)_mm256_permute4x64_epi64((__m256i)narrow_q6(a), 0xD8); }
 }  // namespace zelt::simd

@@ -4,7 +4,7 @@
 namespace zelt::simd {
 template <class V> constexpr bool is_wide = sizeof(V) == 32;
 
-template <class V> V as_it_is(V v) {
+template <class V> V hide_from_optimizer(V v) {
     asm("" : "+x"(v));
     return v;
 }
@@ -42,27 +42,27 @@ template <int Bytes, int R> __m128i pack_rows(const u8* p, std::ptrdiff_t stride
 
 template <int W, int R> auto load_rows(const u8* p, std::ptrdiff_t stride) {
     if constexpr (W == 32)
-        return (bytes)load_register(p);
+        return (u8xn)load_register(p);
     else
-        return (bytes16)pack_rows<W, R>(p, stride);
+        return (u8x16)pack_rows<W, R>(p, stride);
 }
-template <int W, int R> auto load_words(const u8* p, std::ptrdiff_t stride) {
+template <int W, int R> auto load_rows_16(const u8* p, std::ptrdiff_t stride) {
     if constexpr (W * R == 16)
-        return (uhalf)_mm256_cvtepu8_epi16(pack_rows<W, R>(p, stride));
+        return (u16xn)_mm256_cvtepu8_epi16(pack_rows<W, R>(p, stride));
     else
-        return (words8)_mm_cvtepu8_epi16(pack_rows<W, R>(p, stride));
+        return (u16x8)_mm_cvtepu8_epi16(pack_rows<W, R>(p, stride));
 }
-template <int W, int R> auto load_words(const s16* samples, std::ptrdiff_t stride) {
+template <int W, int R> auto load_rows_16(const s16* samples, std::ptrdiff_t stride) {
     const u8* p = reinterpret_cast<const u8*>(samples);
     if constexpr (W == 16)
-        return (uhalf)load_register(p);
+        return (u16xn)load_register(p);
     else if constexpr (W == 8 && R == 2)
-        return (uhalf)load_halves(p, p + 2 * stride);
+        return (u16xn)load_halves(p, p + 2 * stride);
     else
-        return (words8)pack_rows<2 * W, R>(p, 2 * stride);
+        return (u16x8)pack_rows<2 * W, R>(p, 2 * stride);
 }
-template <int W, int R> auto load_words(const u16* p, std::ptrdiff_t stride) {
-    return load_words<W, R>(reinterpret_cast<const s16*>(p), stride);
+template <int W, int R> auto load_rows_16(const u16* p, std::ptrdiff_t stride) {
+    return load_rows_16<W, R>(reinterpret_cast<const s16*>(p), stride);
 }
 /// Each byte of a row once for sums, once for differences
 template <int W, int R> auto double_rows(const u8* p, std::ptrdiff_t stride) {
@@ -84,15 +84,15 @@ template <int W, int R> auto paired_residual(const u8* a, const u8* b, std::ptrd
         const __m256i signs =
             W == 16 ? _mm256_setr_epi32(together, together, together, together, apart, apart, apart, apart)
                     : _mm256_setr_epi32(together, together, apart, apart, together, together, apart, apart);
-        return as_it_is((uhalf)_mm256_maddubs_epi16(double_rows<W, R>(a, sa), signs) -
-                        (uhalf)_mm256_maddubs_epi16(double_rows<W, R>(b, sb), signs));
+        return hide_from_optimizer((u16xn)_mm256_maddubs_epi16(double_rows<W, R>(a, sa), signs) -
+                                   (u16xn)_mm256_maddubs_epi16(double_rows<W, R>(b, sb), signs));
     } else {
         const __m128i signs = _mm_set_epi64x(static_cast<s64>(0xFF01FF01FF01FF01), 0x0101010101010101);
-        return as_it_is((words8)_mm_maddubs_epi16(double_rows<W, R>(a, sa), signs) -
-                        (words8)_mm_maddubs_epi16(double_rows<W, R>(b, sb), signs));
+        return hide_from_optimizer((u16x8)_mm_maddubs_epi16(double_rows<W, R>(a, sa), signs) -
+                                   (u16x8)_mm_maddubs_epi16(double_rows<W, R>(b, sb), signs));
     }
 }
-template <int W, int R, class V> void store_words(s16* p, std::ptrdiff_t stride, V v) {
+template <int W, int R, class V> void store_rows_16(s16* p, std::ptrdiff_t stride, V v) {
     if constexpr (is_wide<V>) {
         store_register(reinterpret_cast<u8*>(p), (__m256i)v);
     } else if constexpr (W == 8) {
@@ -101,7 +101,7 @@ template <int W, int R, class V> void store_words(s16* p, std::ptrdiff_t stride,
         _mm_storel_epi64(reinterpret_cast<__m128i*>(p), (__m128i)v);
         if constexpr (R == 2) _mm_storeh_pi(reinterpret_cast<__m64*>(p + stride), _mm_castsi128_ps((__m128i)v));
     } else {
-        const sums4 pairs = (sums4)v;
+        const u32x4 pairs = (u32x4)v;
         for (int i = 0; i < R; ++i) {
             const u32 pair = pairs[i];
             std::memcpy(p + i * stride, &pair, sizeof pair);
@@ -109,41 +109,41 @@ template <int W, int R, class V> void store_words(s16* p, std::ptrdiff_t stride,
     }
 }
 
-inline words difference_words(bytes a, bytes b) {
+inline s16x2n difference_words(u8xn a, u8xn b) {
     return dot<1, -1>(a, b);
 }  // of each 128 bits the low and the high half
-inline void store_difference(s16* p, words d) {
+inline void store_widened(s16* p, s16x2n d) {
     u8* to = reinterpret_cast<u8*>(p);
     store_register(to, _mm256_permute2x128_si256((__m256i)d.lo, (__m256i)d.hi, 0x20));
     store_register(to + lanes, _mm256_permute2x128_si256((__m256i)d.lo, (__m256i)d.hi, 0x31));
 }
 
-inline sums extend(sums4 s) { return (sums)_mm256_zextsi128_si256((__m128i)s); }
-inline sums extend(sums s) { return s; }
-inline uhalf extend(words8 s) { return (uhalf)_mm256_zextsi128_si256((__m128i)s); }
-inline uhalf extend(uhalf s) { return s; }
+inline u32xn extend(u32x4 s) { return (u32xn)_mm256_zextsi128_si256((__m128i)s); }
+inline u32xn extend(u32xn s) { return s; }
+inline u16xn extend(u16x8 s) { return (u16xn)_mm256_zextsi128_si256((__m128i)s); }
+inline u16xn extend(u16xn s) { return s; }
 
-inline u32 total(sums4 s) {
+inline u32 reduce_add(u32x4 s) {
     const __m128i two = _mm_add_epi32((__m128i)s, _mm_shuffle_epi32((__m128i)s, 0xEE));
     return static_cast<u32>(_mm_cvtsi128_si32(_mm_add_epi32(two, _mm_shuffle_epi32(two, 0x55))));
 }
-inline sums4 fold(sums s) {
-    return (sums4)_mm256_castsi256_si128((__m256i)s) + (sums4)_mm256_extracti128_si256((__m256i)s, 1);
+inline u32x4 fold(u32xn s) {
+    return (u32x4)_mm256_castsi256_si128((__m256i)s) + (u32x4)_mm256_extracti128_si256((__m256i)s, 1);
 }
-inline u32 total(sums s) { return total(fold(s)); }
+inline u32 reduce_add(u32xn s) { return reduce_add(fold(s)); }
 
-template <class B> struct byte_sums { sums_of<B> in_64_bits; };
-inline byte_sums<bytes16> add_abs_diff(byte_sums<bytes16> s, bytes16 a, bytes16 b) {
-    return {s.in_64_bits + (sums4)_mm_sad_epu8((__m128i)a, (__m128i)b)};
+template <class B> struct abs_diff_sums_8 { u32_of<B> in_64_bits; };
+inline abs_diff_sums_8<u8x16> add_abs_diff(abs_diff_sums_8<u8x16> s, u8x16 a, u8x16 b) {
+    return {s.in_64_bits + (u32x4)_mm_sad_epu8((__m128i)a, (__m128i)b)};
 }
-inline byte_sums<bytes> add_abs_diff(byte_sums<bytes> s, bytes a, bytes b) {
-    return {s.in_64_bits + (sums)_mm256_sad_epu8((__m256i)a, (__m256i)b)};
+inline abs_diff_sums_8<u8xn> add_abs_diff(abs_diff_sums_8<u8xn> s, u8xn a, u8xn b) {
+    return {s.in_64_bits + (u32xn)_mm256_sad_epu8((__m256i)a, (__m256i)b)};
 }
-inline u32 total(byte_sums<bytes16> s) {
+inline u32 reduce_add(abs_diff_sums_8<u8x16> s) {
     const __m128i v = (__m128i)s.in_64_bits;
     return static_cast<u32>(_mm_cvtsi128_si32(_mm_add_epi32(v, _mm_shuffle_epi32(v, 0xEE))));
 }
-inline u32 total(byte_sums<bytes> s) { return total(byte_sums<bytes16>{fold(s.in_64_bits)}); }
+inline u32 reduce_add(abs_diff_sums_8<u8xn> s) { return reduce_add(abs_diff_sums_8<u8x16>{fold(s.in_64_bits)}); }
 
 template <class V> V abs(V a) {
     if constexpr (is_wide<V>)
@@ -157,7 +157,7 @@ template <class V> V max(V a, V b) {
     else
         return (V)_mm_max_epu16((__m128i)a, (__m128i)b);
 }
-template <class V> V mean_up(V a, V b) {
+template <class V> V average(V a, V b) {
     if constexpr (is_wide<V>)
         return (V)_mm256_avg_epu16((__m256i)a, (__m256i)b);
     else
@@ -169,82 +169,82 @@ template <class V> V sub_sat(V a, V b) {
     else
         return (V)_mm_subs_epi16((__m128i)a, (__m128i)b);
 }
-template <class V> V add_sat_signed(V a, V b) {
+template <class V> V add_sat(V a, V b) {
     if constexpr (is_wide<V>)
         return (V)_mm256_adds_epi16((__m256i)a, (__m256i)b);
     else
         return (V)_mm_adds_epi16((__m128i)a, (__m128i)b);
 }
-template <class V> V add_sat(V a, V b) {
+template <class V> V add_sat_unsigned(V a, V b) {
     if constexpr (is_wide<V>)
         return (V)_mm256_adds_epu16((__m256i)a, (__m256i)b);
     else
         return (V)_mm_adds_epu16((__m128i)a, (__m128i)b);
 }
 /// Sums of neighbouring products of signed values, modulo 2^32
-template <class V> sums_of<V> multiply_pairs(V a, V b) {
+template <class V> u32_of<V> multiply_pairs(V a, V b) {
     if constexpr (is_wide<V>)
-        return (sums)_mm256_madd_epi16((__m256i)a, (__m256i)b);
+        return (u32xn)_mm256_madd_epi16((__m256i)a, (__m256i)b);
     else
-        return (sums4)_mm_madd_epi16((__m128i)a, (__m128i)b);
+        return (u32x4)_mm_madd_epi16((__m128i)a, (__m128i)b);
 }
 
 /// Magnitudes two by two: in pairs below 8192 none is out of range, and a difference that was saturates. Only such sums
 /// saturate, as they have fewer execution ports than plain ones.
-template <class V> struct magnitude_sums { V sum, seen; };
-template <class V> void add_magnitude(magnitude_sums<V>& s, V a, V b) {
+template <class V> struct abs_diff_sums_16 { V sum, seen; };
+template <class V> void add_abs_diff(abs_diff_sums_16<V>& s, V a, V b) {
     const V one = abs(sub_sat(a, b));
     s.sum += one, s.seen |= one;
 }
-template <class V> void add_magnitudes(magnitude_sums<V>& s, V a, V b, V c, V d) {
-    const V two = add_sat(abs(sub_sat(a, b)), abs(sub_sat(c, d)));
+template <class V> void add_abs_diffs(abs_diff_sums_16<V>& s, V a, V b, V c, V d) {
+    const V two = add_sat_unsigned(abs(sub_sat(a, b)), abs(sub_sat(c, d)));
     s.sum += two, s.seen |= two;
 }
-template <class V> V seen(magnitude_sums<V> s) { return s.seen; }
-template <class V> bool exact_magnitudes(V seen) {
+template <class V> V seen(abs_diff_sums_16<V> s) { return s.seen; }
+template <class V> bool exact_abs_diffs(V seen) {
     constexpr short out_of_range = static_cast<short>(0xE000);
     if constexpr (is_wide<V>)
         return _mm256_testz_si256((__m256i)seen, _mm256_set1_epi16(out_of_range));
     else
         return _mm_testz_si128((__m128i)seen, _mm_set1_epi16(out_of_range));
 }
-template <class V> bool any_high(V a) {
+template <class V> bool any_sign_bit(V a) {
     if constexpr (is_wide<V>)
         return _mm256_movemask_epi8((__m256i)a) & static_cast<int>(0xAAAAAAAA);
     else
         return _mm_movemask_epi8((__m128i)a) & 0xAAAA;
 }
 
-template <class V> sums_of<V> add_pairs(sums_of<V> s, V a) { return s + multiply_pairs(a, V{} + 1); }
+template <class V> u32_of<V> pairwise_add_accumulate(u32_of<V> s, V a) { return s + multiply_pairs(a, V{} + 1); }
 /// 2^15 has no signed form, its negative has.
-template <class V> sums_of<V> add_pairs_to(sums_of<V> s, V a) {
+template <class V> u32_of<V> pairwise_add_accumulate_abs(u32_of<V> s, V a) {
     return s + multiply_pairs(V{} - a, V{} + static_cast<u16>(-1));
 }
 
 /// Differences saturate: one that did makes a sum of squares of 2^29 at least, one that would not and is taken for it
 /// only costs time.
-template <class V> struct square_sums { sums_of<V> sum, seen; };
+template <class V> struct square_sums { u32_of<V> sum, seen; };
 template <class V> square_sums<V> add_squares(square_sums<V> s, V a, V b) {
     const V d = sub_sat(a, b);
-    const sums_of<V> squares = multiply_pairs(d, d);
+    const u32_of<V> squares = multiply_pairs(d, d);
     return {s.sum + squares, s.seen | squares};
 }
-inline square_sums<uhalf> add_squares(square_sums<uhalf> s, bytes a, bytes b) {
-    const words d = dot<1, -1>(a, b);
-    return {s.sum + (multiply_pairs((uhalf)d.lo, (uhalf)d.lo) + multiply_pairs((uhalf)d.hi, (uhalf)d.hi)), s.seen};
+inline square_sums<u16xn> add_squares(square_sums<u16xn> s, u8xn a, u8xn b) {
+    const s16x2n d = dot<1, -1>(a, b);
+    return {s.sum + (multiply_pairs((u16xn)d.lo, (u16xn)d.lo) + multiply_pairs((u16xn)d.hi, (u16xn)d.hi)), s.seen};
 }
 template <class V> square_sums<V> add(square_sums<V> a, square_sums<V> b) { return {a.sum + b.sum, a.seen | b.seen}; }
 template <class V> bool exact(square_sums<V> s) {
-    sums4 seen;
+    u32x4 seen;
     if constexpr (is_wide<V>)
-        seen = (sums4)_mm256_castsi256_si128((__m256i)s.seen) | (sums4)_mm256_extracti128_si256((__m256i)s.seen, 1);
+        seen = (u32x4)_mm256_castsi256_si128((__m256i)s.seen) | (u32x4)_mm256_extracti128_si256((__m256i)s.seen, 1);
     else
         seen = s.seen;
     return _mm_testz_si128((__m128i)seen, _mm_set1_epi32(7 << 29));
 }
-template <class V> u32 total(square_sums<V> s) { return total(s.sum); }
+template <class V> u32 reduce_add(square_sums<V> s) { return reduce_add(s.sum); }
 
-template <class V> void exchange_words(V& a, V& b) {
+template <class V> void transpose2x2_16(V& a, V& b) {
     if constexpr (is_wide<V>) {
         const __m256i va = (__m256i)a, vb = (__m256i)b;
         a = (V)_mm256_blend_epi16(va, _mm256_slli_epi32(vb, 16), 0xAA);
@@ -255,7 +255,7 @@ template <class V> void exchange_words(V& a, V& b) {
         b = (V)_mm_blend_epi16(_mm_srli_epi32(va, 16), vb, 0xAA);
     }
 }
-template <class V> void exchange_dwords(V& a, V& b) {
+template <class V> void transpose2x2_32(V& a, V& b) {
     if constexpr (is_wide<V>) {
         const __m256 va = (__m256)a, vb = (__m256)b;
         a = (V)_mm256_shuffle_ps(va, vb, 0x88), b = (V)_mm256_shuffle_ps(va, vb, 0xDD);
@@ -264,7 +264,7 @@ template <class V> void exchange_dwords(V& a, V& b) {
         a = (V)_mm_shuffle_ps(va, vb, 0x88), b = (V)_mm_shuffle_ps(va, vb, 0xDD);
     }
 }
-template <class V> void exchange_qwords(V& a, V& b) {
+template <class V> void transpose2x2_64(V& a, V& b) {
     if constexpr (is_wide<V>) {
         const __m256i va = (__m256i)a, vb = (__m256i)b;
         a = (V)_mm256_unpacklo_epi64(va, vb), b = (V)_mm256_unpackhi_epi64(va, vb);
@@ -273,7 +273,7 @@ template <class V> void exchange_qwords(V& a, V& b) {
         a = (V)_mm_unpacklo_epi64(va, vb), b = (V)_mm_unpackhi_epi64(va, vb);
     }
 }
-template <class V> void exchange_lanes(V& a, V& b) {
+template <class V> void transpose2x2_128(V& a, V& b) {
     const __m256i va = (__m256i)a, vb = (__m256i)b;
     a = (V)_mm256_blend_epi32(va, vb, 0xF0), b = (V)_mm256_permute2x128_si256(va, vb, 0x21);
 }

@@ -8,7 +8,7 @@ template <class T> T load_as(const void* p) {  // a plain load: a lane load of a
     return v;
 }
 
-template <class V> V as_it_is(V v) {
+template <class V> V hide_from_optimizer(V v) {
     asm("" : "+w"(v));
     return v;
 }
@@ -43,37 +43,35 @@ template <int Bytes, int R> uint8x16_t pack_rows(const u8* p, std::ptrdiff_t str
         return vcombine_u8(pack_half<Bytes, low>(p, stride), pack_half<Bytes, R - low>(p + low * stride, stride));
 }
 
-template <int W, int R> bytes load_rows(const u8* p, std::ptrdiff_t stride) {
-    return (bytes)pack_rows<W, R>(p, stride);
+template <int W, int R> u8xn load_rows(const u8* p, std::ptrdiff_t stride) { return (u8xn)pack_rows<W, R>(p, stride); }
+template <int W, int R> u16xn load_rows_16(const u8* p, std::ptrdiff_t stride) {
+    return (u16xn)vmovl_u8(pack_half<W, R>(p, stride));
 }
-template <int W, int R> uhalf load_words(const u8* p, std::ptrdiff_t stride) {
-    return (uhalf)vmovl_u8(pack_half<W, R>(p, stride));
+template <int W, int R> u16xn load_rows_16(const s16* p, std::ptrdiff_t stride) {
+    return (u16xn)pack_rows<2 * W, R>(reinterpret_cast<const u8*>(p), 2 * stride);
 }
-template <int W, int R> uhalf load_words(const s16* p, std::ptrdiff_t stride) {
-    return (uhalf)pack_rows<2 * W, R>(reinterpret_cast<const u8*>(p), 2 * stride);
+template <int W, int R> u16xn load_rows_16(const u16* p, std::ptrdiff_t stride) {
+    return load_rows_16<W, R>(reinterpret_cast<const s16*>(p), stride);
 }
-template <int W, int R> uhalf load_words(const u16* p, std::ptrdiff_t stride) {
-    return load_words<W, R>(reinterpret_cast<const s16*>(p), stride);
-}
-template <int W, int R> uhalf paired_residual(const u8* a, const u8* b, std::ptrdiff_t, std::ptrdiff_t) {
+template <int W, int R> u16xn paired_residual(const u8* a, const u8* b, std::ptrdiff_t, std::ptrdiff_t) {
     const int16x8_t d = vreinterpretq_s16_u16(vsubl_u8(vld1_u8(a), vld1_u8(b)));
     const int16x4x2_t pairs = vuzp_s16(vget_low_s16(d), vget_high_s16(d));
-    return (uhalf)vcombine_s16(vadd_s16(pairs.val[0], pairs.val[1]), vsub_s16(pairs.val[0], pairs.val[1]));
+    return (u16xn)vcombine_s16(vadd_s16(pairs.val[0], pairs.val[1]), vsub_s16(pairs.val[0], pairs.val[1]));
 }
-template <int W, int R> void store_words(s16* p, std::ptrdiff_t stride, uhalf v) {
+template <int W, int R> void store_rows_16(s16* p, std::ptrdiff_t stride, u16xn v) {
     if constexpr (W == 8)
         vst1q_u16(reinterpret_cast<u16*>(p), (uint16x8_t)v);
     else
         for (int i = 0; i < R; ++i) std::memcpy(p + i * stride, reinterpret_cast<const u8*>(&v) + 2 * W * i, 2 * W);
 }
 
-inline words difference_words(bytes a, bytes b) { return difference(a, b); }
-inline void store_difference(s16* p, words d) { vst1q_s16(p, (int16x8_t)d.lo), vst1q_s16(p + 8, (int16x8_t)d.hi); }
+inline s16x2n difference_words(u8xn a, u8xn b) { return difference(a, b); }
+inline void store_widened(s16* p, s16x2n d) { vst1q_s16(p, (int16x8_t)d.lo), vst1q_s16(p + 8, (int16x8_t)d.hi); }
 
-inline sums extend(sums s) { return s; }
-inline uhalf extend(uhalf s) { return s; }
+inline u32xn extend(u32xn s) { return s; }
+inline u16xn extend(u16xn s) { return s; }
 
-inline u32 total(uint32x4_t s) {
+inline u32 reduce_add(uint32x4_t s) {
 #ifdef __aarch64__
     return vaddvq_u32(s);
 #else
@@ -81,30 +79,32 @@ inline u32 total(uint32x4_t s) {
     return vget_lane_u32(vpadd_u32(two, two), 0);
 #endif
 }
-inline u32 total(sums s) { return total((uint32x4_t)s); }
+inline u32 reduce_add(u32xn s) { return reduce_add((uint32x4_t)s); }
 
-template <class B> struct byte_sums { uhalf lo, hi; };
-inline byte_sums<bytes> add_abs_diff(byte_sums<bytes> s, bytes a, bytes b) {
-    return {(uhalf)vabal_u8((uint16x8_t)s.lo, low8(a), low8(b)), (uhalf)vabal_u8((uint16x8_t)s.hi, high8(a), high8(b))};
+template <class B> struct abs_diff_sums_8 { u16xn lo, hi; };
+inline abs_diff_sums_8<u8xn> add_abs_diff(abs_diff_sums_8<u8xn> s, u8xn a, u8xn b) {
+    return {(u16xn)vabal_u8((uint16x8_t)s.lo, low8(a), low8(b)), (u16xn)vabal_u8((uint16x8_t)s.hi, high8(a), high8(b))};
 }
-inline u32 total(byte_sums<bytes> s) { return total(vpadalq_u16(vpaddlq_u16((uint16x8_t)s.lo), (uint16x8_t)s.hi)); }
+inline u32 reduce_add(abs_diff_sums_8<u8xn> s) {
+    return reduce_add(vpadalq_u16(vpaddlq_u16((uint16x8_t)s.lo), (uint16x8_t)s.hi));
+}
 
-inline uhalf abs(uhalf a) { return (uhalf)vabsq_s16((int16x8_t)a); }
-inline uhalf max(uhalf a, uhalf b) { return (uhalf)vmaxq_u16((uint16x8_t)a, (uint16x8_t)b); }
-inline uhalf mean_up(uhalf a, uhalf b) { return (uhalf)vrhaddq_u16((uint16x8_t)a, (uint16x8_t)b); }
-inline uhalf add_sat_signed(uhalf a, uhalf b) { return (uhalf)vqaddq_s16((int16x8_t)a, (int16x8_t)b); }
-inline uhalf sub_sat(uhalf a, uhalf b) { return (uhalf)vqsubq_s16((int16x8_t)a, (int16x8_t)b); }
+inline u16xn abs(u16xn a) { return (u16xn)vabsq_s16((int16x8_t)a); }
+inline u16xn max(u16xn a, u16xn b) { return (u16xn)vmaxq_u16((uint16x8_t)a, (uint16x8_t)b); }
+inline u16xn average(u16xn a, u16xn b) { return (u16xn)vrhaddq_u16((uint16x8_t)a, (uint16x8_t)b); }
+inline u16xn add_sat(u16xn a, u16xn b) { return (u16xn)vqaddq_s16((int16x8_t)a, (int16x8_t)b); }
+inline u16xn sub_sat(u16xn a, u16xn b) { return (u16xn)vqsubq_s16((int16x8_t)a, (int16x8_t)b); }
 
 /// A magnitude has 16 bits, so one out of range takes the sum there.
-template <class V> struct magnitude_sums { V sum; };
-inline void add_magnitude(magnitude_sums<uhalf>& s, uhalf a, uhalf b) {
-    s.sum = (uhalf)vqaddq_u16((uint16x8_t)s.sum, (uint16x8_t)vabdq_s16((int16x8_t)a, (int16x8_t)b));
+template <class V> struct abs_diff_sums_16 { V sum; };
+inline void add_abs_diff(abs_diff_sums_16<u16xn>& s, u16xn a, u16xn b) {
+    s.sum = (u16xn)vqaddq_u16((uint16x8_t)s.sum, (uint16x8_t)vabdq_s16((int16x8_t)a, (int16x8_t)b));
 }
-inline void add_magnitudes(magnitude_sums<uhalf>& s, uhalf a, uhalf b, uhalf c, uhalf d) {
-    add_magnitude(s, a, b), add_magnitude(s, c, d);
+inline void add_abs_diffs(abs_diff_sums_16<u16xn>& s, u16xn a, u16xn b, u16xn c, u16xn d) {
+    add_abs_diff(s, a, b), add_abs_diff(s, c, d);
 }
-inline uhalf seen(magnitude_sums<uhalf> s) { return s.sum; }
-inline u16 largest(uhalf a) {
+inline u16xn seen(abs_diff_sums_16<u16xn> s) { return s.sum; }
+inline u16 largest(u16xn a) {
 #ifdef __aarch64__
     return vmaxvq_u16((uint16x8_t)a);
 #else
@@ -113,38 +113,38 @@ inline u16 largest(uhalf a) {
     return vget_lane_u16(vpmax_u16(v, v), 0);
 #endif
 }
-inline bool any_high(uhalf a) { return largest(a) >> 15; }
-inline bool exact_magnitudes(uhalf seen) { return !any_high(seen); }
+inline bool any_sign_bit(u16xn a) { return largest(a) >> 15; }
+inline bool exact_abs_diffs(u16xn seen) { return !any_sign_bit(seen); }
 
-inline sums add_pairs(sums s, uhalf a) { return (sums)vpadalq_u16((uint32x4_t)s, (uint16x8_t)a); }
-inline sums add_pairs_to(sums s, uhalf a) { return add_pairs(s, a); }
+inline u32xn pairwise_add_accumulate(u32xn s, u16xn a) { return (u32xn)vpadalq_u16((uint32x4_t)s, (uint16x8_t)a); }
+inline u32xn pairwise_add_accumulate_abs(u32xn s, u16xn a) { return pairwise_add_accumulate(s, a); }
 
 /// Differences take 32 bits, so all are exact.
-template <class V> struct square_sums { sums lo, hi; };
-inline square_sums<uhalf> add_squares(square_sums<uhalf> s, uhalf a, uhalf b) {
+template <class V> struct square_sums { u32xn lo, hi; };
+inline square_sums<u16xn> add_squares(square_sums<u16xn> s, u16xn a, u16xn b) {
     const int16x8_t va = (int16x8_t)a, vb = (int16x8_t)b;
     const uint32x4_t lo = (uint32x4_t)vsubl_s16(vget_low_s16(va), vget_low_s16(vb));
     const uint32x4_t hi = (uint32x4_t)vsubl_s16(vget_high_s16(va), vget_high_s16(vb));
-    return {(sums)vmlaq_u32((uint32x4_t)s.lo, lo, lo), (sums)vmlaq_u32((uint32x4_t)s.hi, hi, hi)};
+    return {(u32xn)vmlaq_u32((uint32x4_t)s.lo, lo, lo), (u32xn)vmlaq_u32((uint32x4_t)s.hi, hi, hi)};
 }
-inline square_sums<uhalf> add_squares(square_sums<uhalf> s, bytes a, bytes b) {
+inline square_sums<u16xn> add_squares(square_sums<u16xn> s, u8xn a, u8xn b) {
     const uint8x16_t d = vabdq_u8((uint8x16_t)a, (uint8x16_t)b);
     const uint16x8_t lo = vmull_u8(vget_low_u8(d), vget_low_u8(d)), hi = vmull_u8(vget_high_u8(d), vget_high_u8(d));
-    return {add_pairs(s.lo, (uhalf)lo), add_pairs(s.hi, (uhalf)hi)};
+    return {pairwise_add_accumulate(s.lo, (u16xn)lo), pairwise_add_accumulate(s.hi, (u16xn)hi)};
 }
-inline square_sums<uhalf> add(square_sums<uhalf> a, square_sums<uhalf> b) { return {a.lo + b.lo, a.hi + b.hi}; }
-inline bool exact(square_sums<uhalf>) { return true; }
-inline u32 total(square_sums<uhalf> s) { return total(s.lo + s.hi); }
+inline square_sums<u16xn> add(square_sums<u16xn> a, square_sums<u16xn> b) { return {a.lo + b.lo, a.hi + b.hi}; }
+inline bool exact(square_sums<u16xn>) { return true; }
+inline u32 reduce_add(square_sums<u16xn> s) { return reduce_add(s.lo + s.hi); }
 
-template <class V> void exchange_words(V& a, V& b) {
+template <class V> void transpose2x2_16(V& a, V& b) {
     const uint16x8x2_t v = vtrnq_u16((uint16x8_t)a, (uint16x8_t)b);
     a = (V)v.val[0], b = (V)v.val[1];
 }
-template <class V> void exchange_dwords(V& a, V& b) {
+template <class V> void transpose2x2_32(V& a, V& b) {
     const uint32x4x2_t v = vtrnq_u32((uint32x4_t)a, (uint32x4_t)b);
     a = (V)v.val[0], b = (V)v.val[1];
 }
-template <class V> void exchange_qwords(V& a, V& b) {
+template <class V> void transpose2x2_64(V& a, V& b) {
     const uint32x4_t va = (uint32x4_t)a, vb = (uint32x4_t)b;
     a = (V)vcombine_u32(vget_low_u32(va), vget_low_u32(vb));
     b = (V)vcombine_u32(vget_high_u32(va), vget_high_u32(vb));

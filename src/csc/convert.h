@@ -99,7 +99,7 @@ struct components : planes<4> {
         p[0][4 * x] = a, p[1][4 * x] = b, p[2][4 * x] = c, p[3][4 * x] = d;
     }
 #if ZELT_SIMD
-    void put4(std::ptrdiff_t x, bytes a, bytes b, bytes c, bytes d) const { store4(p[0] + 4 * x, a, b, c, d); }
+    void put4(std::ptrdiff_t x, u8xn a, u8xn b, u8xn c, u8xn d) const { store4(p[0] + 4 * x, a, b, c, d); }
 #endif
 };
 
@@ -207,7 +207,7 @@ void convert(void* const* src_a, int src_w, int h, const int* src_s, void* const
 #if ZELT_SIMD
         // Within one buffer the result is that of pixel order, which registers would not keep.
         if (w >= lanes && dst.wide() && !overlap(src, dst, w)) {
-            convert_row<bytes>(src, Matrix{}, dst, w);
+            convert_row<u8xn>(src, Matrix{}, dst, w);
             continue;
         }
 #endif

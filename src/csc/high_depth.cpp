@@ -20,11 +20,11 @@ struct planar_words : planes<3> {
 
     template <class V> auto get(std::ptrdiff_t x) const {
         pixel<wide_of<V>> v{};
-        load_words(p[0] + 2 * x, v.c0), load_words(p[1] + 2 * x, v.c1), load_words(p[2] + 2 * x, v.c2);
+        load_16(p[0] + 2 * x, v.c0), load_16(p[1] + 2 * x, v.c1), load_16(p[2] + 2 * x, v.c2);
         return v;
     }
     template <class W> void put(std::ptrdiff_t x, pixel<W> v) const {
-        store_words(p[0] + 2 * x, v.c0), store_words(p[1] + 2 * x, v.c1), store_words(p[2] + 2 * x, v.c2);
+        store_16(p[0] + 2 * x, v.c0), store_16(p[1] + 2 * x, v.c1), store_16(p[2] + 2 * x, v.c2);
     }
 };
 

@@ -9,12 +9,12 @@ template <class V> struct wide;
 template <> struct wide<u8> { using type = int; };
 template <class V> using wide_of = typename wide<V>::type;
 
-inline void load_words(const u8* p, int& a) {
+inline void load_16(const u8* p, int& a) {
     u16 word;
     std::memcpy(&word, p, sizeof word);
     a = word;
 }
-inline void store_words(u8* p, int a) {
+inline void store_16(u8* p, int a) {
     const u16 word = static_cast<u16>(a);
     std::memcpy(p, &word, sizeof word);
 }
@@ -22,7 +22,7 @@ inline void store_words(u8* p, int a) {
 /// The low 8 bits of a 16-bit sample >> 2
 inline void load_reduced(const u8* p, u8& a) {
     int word;
-    load_words(p, word);
+    load_16(p, word);
     a = static_cast<u8>(word >> 2);
 }
 

@@ -3,27 +3,27 @@
 #include "csc/pixel10_scalar.h"
 
 namespace zelt::scalar {
-template <> struct wide<simd::bytes> { using type = simd::words; };
+template <> struct wide<simd::u8xn> { using type = simd::s16x2n; };
 }  // namespace zelt::scalar
 
 namespace zelt::simd {
-inline void load_reduced(const u8* p, bytes& a) {
-    words v;
-    load_words(p, v);
+inline void load_reduced(const u8* p, u8xn& a) {
+    s16x2n v;
+    load_16(p, v);
     v = v >> 2;
-    a = narrow_eights({v.lo & 255, v.hi & 255});
+    a = narrow_ordered({v.lo & 255, v.hi & 255});
 }
 
 /// (1436 e + 512) >> 10 is a rounding high-half product of e << 5, which fits 16 bits up to e = 512.
-inline pixel<words> yuv_to_rgb10(pixel<words> p) {
-    const auto clamped = [](words v) { return clamp(v, 0, 1023); };
-    const words y = p.c0, d = p.c1 + -512, e = p.c2 + -512;
-    return {clamped(y + mul_q15(e << 5, 1436)), clamped(y - dot_q10<352, 732, 0>(d, e, words{})),
+inline pixel<s16x2n> yuv_to_rgb10(pixel<s16x2n> p) {
+    const auto clamped = [](s16x2n v) { return clamp(v, 0, 1023); };
+    const s16x2n y = p.c0, d = p.c1 + -512, e = p.c2 + -512;
+    return {clamped(y + mul_q15(e << 5, 1436)), clamped(y - dot_q10<352, 732, 0>(d, e, s16x2n{})),
             clamped(y + mul_q15(d << 5, 1816)), p.a};
 }
 
-inline pixel<words> rgb_to_yuv10(pixel<words> p) {
-    const words r = p.c0, g = p.c1, b = p.c2;
+inline pixel<s16x2n> rgb_to_yuv10(pixel<s16x2n> p) {
+    const s16x2n r = p.c0, g = p.c1, b = p.c2;
     return {dot_q10<308, 600, 116>(r, g, b), dot_q10<-172, -340, 512>(r, g, b) + 512,
             dot_q10<512, -428, -84>(r, g, b) + 512, p.a};
 }

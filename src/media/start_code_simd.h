@@ -6,9 +6,9 @@ namespace zelt::simd {
 constexpr s32 places = 4 * lanes;
 
 template <class Kind> bool is_start_among(const u8* p) {
-    bytes found{};
+    u8xn found{};
     for (s32 i = 0; i < places; i += lanes) {
-        bytes a, b, c;
+        u8xn a, b, c;
         load(p + i, a), load(p + i + 1, b), load(p + i + 2, c);
         found |= starts<Kind>(a, b, c);
     }
@@ -17,12 +17,12 @@ template <class Kind> bool is_start_among(const u8* p) {
 
 /// One pair of neighbours of every start code begins at an odd place from p, and few other pairs look like it.
 template <class Kind> bool any_start(const u8* p) {
-    uhalf found{};
+    u16xn found{};
     for (s32 i = 0; i < places; i += lanes) {
-        bytes v;
+        u8xn v;
         load(p + i + 1, v);
-        found |= (uhalf)(((uhalf)v & Kind::pair_bits) == 0);
+        found |= (u16xn)(((u16xn)v & Kind::pair_bits) == 0);
     }
-    return any((bytes)found) && is_start_among<Kind>(p);
+    return any((u8xn)found) && is_start_among<Kind>(p);
 }
 }  // namespace zelt::simd

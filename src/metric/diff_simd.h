@@ -14,13 +14,13 @@ template <int W, int H, class A, class B> void diff(const A* a, const B* b, int 
         if constexpr (of_bytes)
             return difference_words(load_rows<lanes, 1>(pa, sa), load_rows<lanes, 1>(pb, sb));
         else
-            return load_words<step::columns, step::rows>(pa, sa) - load_words<step::columns, step::rows>(pb, sb);
+            return load_rows_16<step::columns, step::rows>(pa, sa) - load_rows_16<step::columns, step::rows>(pb, sb);
     };
     const auto store = [=](s16* pd, auto v) {
         if constexpr (of_bytes)
-            store_difference(pd, v);
+            store_widened(pd, v);
         else
-            store_words<step::columns, step::rows>(pd, sd, v);
+            store_rows_16<step::columns, step::rows>(pd, sd, v);
     };
     const auto second = [](auto* p, std::ptrdiff_t stride) { return p + (down ? step::rows * stride : step::columns); };
     if constexpr (one) return store(d, subtract(a, b));
@@ -30,7 +30,8 @@ template <int W, int H, class A, class B> void diff(const A* a, const B* b, int 
             const auto v = subtract(a + x, b + x), w = subtract(second(a + x, sa), second(b + x, sb));
             store(d + x, v), store(second(d + x, sd), w);
         }
-        a = opaque(a + rows * sa), b = opaque(b + rows * sb), d = opaque(d + rows * sd);
+        a = hide_from_optimizer(a + rows * sa), b = hide_from_optimizer(b + rows * sb),
+        d = hide_from_optimizer(d + rows * sd);
     }
 }
 
@@ -43,7 +44,7 @@ template <class A, class B> void diff(int w, int h, const A* a, const B* b, int 
             if constexpr (width == 1)
                 *pd = static_cast<s16>(*pa - *pb);
             else
-                store_words<width, 1>(pd, sd, load_words<width, 1>(pa, sa) - load_words<width, 1>(pb, sb));
+                store_rows_16<width, 1>(pd, sd, load_rows_16<width, 1>(pa, sa) - load_rows_16<width, 1>(pb, sb));
     });
 }
 }  // namespace zelt::simd

@@ -4,7 +4,7 @@
 namespace zelt::scalar {
 /// |d|. Kept: of two 16-bit samples it is (d ^ m) - m with m = d >> 15, which beyond 32768 is 2 less than |d| for an
 /// odd positive d and 2 more for an odd negative one.
-template <class A, class B> u32 magnitude(int d) {
+template <class A, class B> u32 abs_diff(int d) {
     const int m = d >> (std::is_same_v<A, s16> && std::is_same_v<B, s16> ? 15 : 31);
     return static_cast<u32>((d ^ m) - m);
 }
@@ -12,7 +12,7 @@ template <class A, class B> u32 magnitude(int d) {
 template <class A, class B> u32 sad(int w, int h, const A* a, const B* b, int sa, int sb) {
     u32 sum = 0;
     for (int y = 0; y < h; ++y, a += sa, b += sb)
-        for (int x = 0; x < w; ++x) sum += magnitude<A, B>(a[x] - b[x]);
+        for (int x = 0; x < w; ++x) sum += abs_diff<A, B>(a[x] - b[x]);
     return sum;
 }
 

@@ -13,7 +13,7 @@ template <int W, int H, class Sample> constexpr bool worth_a_register = W* H* st
 // ------------------------------------------------------------------------------------------------------- 8-bit samples
 
 /// What the rows of W bytes are summed up in
-template <int W> using row_sums = byte_sums<std::conditional_t<(W >= lanes), bytes, bytes16>>;
+template <int W> using row_sums = abs_diff_sums_8<std::conditional_t<(W >= lanes), u8xn, u8x16>>;
 
 template <int W, int H>
 row_sums<W> add_block(row_sums<W> sum, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
@@ -28,7 +28,7 @@ row_sums<W> add_block(row_sums<W> sum, const u8* a, const u8* b, std::ptrdiff_t 
 
 template <int W, int H>
 requires worth_a_register<W, H, u8> u32 sad(const u8* a, const u8* b, int sa, int sb) {
-    return total(add_block<W, H>(row_sums<W>{}, a, b, sa, sb));
+    return reduce_add(add_block<W, H>(row_sums<W>{}, a, b, sa, sb));
 }
 
 /// Up to as many rows as the partial sums can take
@@ -37,7 +37,7 @@ template <int W> u32 sad_few_rows(int h, const u8* a, const u8* b, std::ptrdiff_
     row_sums<W> sum{};
     for (; h >= 8; h -= 8, a += 8 * sa, b += 8 * sb) sum = add_block<W, 8>(sum, a, b, sa, sb);
     for (; h > 0; --h, a += sa, b += sb) sum = add_block<W, 1>(sum, a, b, sa, sb);
-    return total(sum);
+    return reduce_add(sum);
 }
 template <int W>
 [[gnu::noinline]] u32 sad_many_rows(int h, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
@@ -100,16 +100,16 @@ inline int sad_eskip(int w, int h, const u8* a, const u8* b, int sa, int sb, int
 
 /// Sums of parts of up to eight magnitudes. Those of samples of 12 bits are exact; otherwise the scalar form may have
 /// the result.
-template <class V> class magnitudes {
+template <class V> class abs_diffs {
 public:
     static constexpr int at_once = 8;
 
-    void add(magnitude_sums<V> part) { sum_ = add_pairs(sum_, part.sum), seen_ |= seen(part); }
-    bool exact() const { return exact_magnitudes(seen_); }
-    u32 total() const { return simd::total(sum_); }
+    void add(abs_diff_sums_16<V> part) { sum_ = pairwise_add_accumulate(sum_, part.sum), seen_ |= seen(part); }
+    bool exact() const { return exact_abs_diffs(seen_); }
+    u32 reduce_add() const { return simd::reduce_add(sum_); }
 
 private:
-    sums_of<V> sum_{};
+    u32_of<V> sum_{};
     V seen_{};
 };
 
@@ -121,52 +121,52 @@ template <int W, int H, class A, class B>
 template <int W, int H, class B>
 requires worth_a_register<W, H, s16> u32 sad(const s16* a, const B* b, int s_a, int s_b) {
     using step = word_step<W, H>;
-    using V = words_of<step::columns * step::rows>;
-    constexpr int group = std::min(magnitudes<V>::at_once * step::columns / W, H / step::rows) * step::rows;
+    using V = u16_of<step::columns * step::rows>;
+    constexpr int group = std::min(abs_diffs<V>::at_once * step::columns / W, H / step::rows) * step::rows;
     const std::ptrdiff_t sa = s_a, sb = s_b;
-    magnitudes<V> all;
+    abs_diffs<V> all;
     const s16* pa = a;
     const B* pb = b;
     for (int y = 0; y < H; y += group, pa += group * sa, pb += group * sb) {
-        magnitude_sums<V> part{};
+        abs_diff_sums_16<V> part{};
         V first_a{}, first_b{};
         bool second = false;
         const auto add = [&](const s16* of_a, const B* of_b) {
-            const V next_a = load_words<step::columns, step::rows>(of_a, sa);
-            const V next_b = load_words<step::columns, step::rows>(of_b, sb);
+            const V next_a = load_rows_16<step::columns, step::rows>(of_a, sa);
+            const V next_b = load_rows_16<step::columns, step::rows>(of_b, sb);
             if (group * W == step::rows * step::columns)
-                add_magnitude(part, next_b, next_a);
+                add_abs_diff(part, next_b, next_a);
             else if (second)
-                add_magnitudes(part, first_b, first_a, next_b, next_a);
+                add_abs_diffs(part, first_b, first_a, next_b, next_a);
             first_a = next_a, first_b = next_b, second = !second;
         };
-        each_step<step, W, group, magnitudes<V>::at_once>(pa, pb, sa, sb, add);
+        each_step<step, W, group, abs_diffs<V>::at_once>(pa, pb, sa, sb, add);
         all.add(part);
     }
     if (!all.exact()) [[unlikely]]
         return sad_of_large<W, H>(a, b, s_a, s_b);
-    return all.total();
+    return all.reduce_add();
 }
 
 inline u32 sad(int w, int h, const s16* a, const s16* b, int sa, int sb) {
-    magnitudes<uhalf> wide;
-    magnitudes<words8> narrow;
+    abs_diffs<u16xn> wide;
+    abs_diffs<u16x8> narrow;
     u32 sum = 0;
     each_strip(w, h, [&](auto width, int x, int y, int rows) {
         const s16 *pa = a + y * std::ptrdiff_t{sa} + x, *pb = b + y * std::ptrdiff_t{sb} + x;
         if constexpr (width == 1) {
             sum += scalar::sad(1, rows, pa, pb, sa, sb);
         } else {
-            using V = words_of<width>;
+            using V = u16_of<width>;
             while (rows > 0) {
-                magnitude_sums<V> part{};
-                const auto row = [=](auto* p) { return load_words<width, 1>(p, 0); };
-                int n = std::min(rows, magnitudes<V>::at_once);
+                abs_diff_sums_16<V> part{};
+                const auto row = [=](auto* p) { return load_rows_16<width, 1>(p, 0); };
+                int n = std::min(rows, abs_diffs<V>::at_once);
                 rows -= n;
                 for (; n >= 2; n -= 2, pa += 2 * std::ptrdiff_t{sa}, pb += 2 * std::ptrdiff_t{sb})
-                    add_magnitudes(part, row(pb), row(pa), row(pb + sb), row(pa + sa));
-                if (n > 0) add_magnitude(part, row(pb), row(pa)), pa += sa, pb += sb;
-                if constexpr (width == word_lanes)
+                    add_abs_diffs(part, row(pb), row(pa), row(pb + sb), row(pa + sa));
+                if (n > 0) add_abs_diff(part, row(pb), row(pa)), pa += sa, pb += sb;
+                if constexpr (width == lanes_16)
                     wide.add(part);
                 else
                     narrow.add(part);
@@ -175,6 +175,6 @@ inline u32 sad(int w, int h, const s16* a, const s16* b, int sa, int sb) {
     });
     if (!wide.exact() || !narrow.exact()) [[unlikely]]
         return scalar::sad(w, h, a, b, sa, sb);
-    return sum + wide.total() + narrow.total();
+    return sum + wide.reduce_add() + narrow.reduce_add();
 }
 }  // namespace zelt::simd

@@ -9,9 +9,9 @@ namespace zelt::simd {
 /// What one register takes: whole bytes where a row has as many, otherwise 16-bit samples of one row or more
 template <int W, class Sample> struct square_step {
     static constexpr bool of_bytes = std::is_same_v<Sample, u8> && W >= lanes;
-    static constexpr int columns = of_bytes ? lanes : std::min(W, word_lanes);
-    static constexpr int rows = std::min(word_lanes / std::min(W, word_lanes), std::is_same_v<Sample, u8> ? 4 : 2);
-    using sums = square_sums<words_of<std::min(W, word_lanes) * rows>>;
+    static constexpr int columns = of_bytes ? lanes : std::min(W, lanes_16);
+    static constexpr int rows = std::min(lanes_16 / std::min(W, lanes_16), std::is_same_v<Sample, u8> ? 4 : 2);
+    using sums = square_sums<u16_of<std::min(W, lanes_16) * rows>>;
 };
 
 template <int W, int H, class Sample>
@@ -23,8 +23,8 @@ template <int W, int H, class Sample>
         if constexpr (step::of_bytes)
             sum = add_squares(sum, load_rows<lanes, 1>(pa, sa), load_rows<lanes, 1>(pb, sb));
         else
-            sum = add_squares(sum, load_words<step::columns, step::rows>(pa, sa),
-                              load_words<step::columns, step::rows>(pb, sb));
+            sum = add_squares(sum, load_rows_16<step::columns, step::rows>(pa, sa),
+                              load_rows_16<step::columns, step::rows>(pb, sb));
         std::swap(sum, other);
     };
     each_step<step, W, H, 4>(a, b, sa, sb, add_to_either);
@@ -44,7 +44,7 @@ template <int W, class Sample>
     for (; left >= rows; left -= rows, pa += rows * sa, pb += rows * sb) add_block<W, rows>(sum, pa, pb, sa, sb);
     if (std::is_same_v<Sample, s16> && !exact(sum)) [[unlikely]]
         return scalar::ssd<W>(W, h, a, b, s_a, s_b);
-    return total(sum) + scalar::ssd<W>(W, left, pa, pb, s_a, s_b);
+    return reduce_add(sum) + scalar::ssd<W>(W, left, pa, pb, s_a, s_b);
 }
 
 template <int W, class Sample> u32 ssd_of_square(int w, int h, const Sample* a, const Sample* b, int sa, int sb) {
@@ -52,7 +52,7 @@ template <int W, class Sample> u32 ssd_of_square(int w, int h, const Sample* a, 
     add_block<W, W>(sum, a, b, sa, sb);
     if (std::is_same_v<Sample, s16> && !exact(sum)) [[unlikely]]
         return ssd_of_rows<W>(w, h, a, b, sa, sb);
-    return total(sum);
+    return reduce_add(sum);
 }
 
 template <int W, class Sample>

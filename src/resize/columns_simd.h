@@ -51,14 +51,14 @@ struct columns {
     /// it.
     void prefetch(int half_group, const u8* row) const { __builtin_prefetch(row + offsets[half_group * (eights / 2)]); }
 
-    bytes weight(int half_group) const {
-        bytes w;
+    u8xn weight(int half_group) const {
+        u8xn w;
         load(weights + half_group * lanes, w);
         return w;
     }
-    template <int Windows> pairs pick(int half_group, const u8* row) const {
-        return simd::pick<Windows>(row, offsets + half_group * (eights / 2),
-                                   masks + half_group * row_shape::masks_of(Windows) * lanes);
+    template <int Windows> pairs gather_pairs(int half_group, const u8* row) const {
+        return simd::gather_pairs<Windows>(row, offsets + half_group * (eights / 2),
+                                           masks + half_group * row_shape::masks_of(Windows) * lanes);
     }
 };
 
@@ -127,18 +127,18 @@ private:
         offsets_[index] = static_cast<std::ptrdiff_t>(window);
         static constexpr pixel_bytes<Bytes> of;
         const auto c = static_cast<std::size_t>(sample - pixel * Bytes);  // channel of the first sample
-        const quad low = load_lanes<quad>(of.pixel[c]), high = load_lanes<quad>(of.pixel[c] + 4);
+        const u32x4 low = load_lanes<u32x4>(of.pixel[c]), high = load_lanes<u32x4>(of.pixel[c] + 4);
         const u32 fraction = static_cast<u32>(position) & 0x3FFFF, step = static_cast<u32>(x.step);
-        const eight place = pack((low * step + fraction) >> 15, (high * step + fraction) >> 15);
-        const eight phase = place & 7;
+        const u16x8 place = pack((low * step + fraction) >> 15, (high * step + fraction) >> 15);
+        const u16x8 phase = place & 7;
         store_pairs(weights_ + 16 * index, 8 - phase, phase);
-        const eight left = (place >> 3 << static_cast<u16>(x.shift)) * static_cast<u16>(Bytes) +
-                           load_lanes<eight>(of.channel[c]) + static_cast<u16>(start - window);
+        const u16x8 left = (place >> 3 << static_cast<u16>(x.shift)) * static_cast<u16>(Bytes) +
+                           load_lanes<u16x8>(of.channel[c]) + static_cast<u16>(start - window);
         constexpr int sharing = columns::eights / 2;  // eights whose masks are in one register
         for (int k = 0; k < row.masks(); ++k) {
-            const eight l = left - static_cast<u16>(reach * k), r = l + static_cast<u16>(x.next * Bytes);
+            const u16x8 l = left - static_cast<u16>(reach * k), r = l + static_cast<u16>(x.next * Bytes);
             store_pairs(masks_ + (index / sharing * row.masks() + k) * lanes + index % sharing * 16,
-                        l >= reach ? eight{} + 0x80 : l, r >= reach ? eight{} + 0x80 : r);
+                        l >= reach ? u16x8{} + 0x80 : l, r >= reach ? u16x8{} + 0x80 : r);
         }
     }
 

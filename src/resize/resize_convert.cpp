@@ -34,8 +34,8 @@ template <int N, class Dest> struct sampled {
 
 #if ZELT_SIMD
 template <class Matrix> struct put_converted {
-    template <int N, class Dest> static void put(const Dest& dst, std::ptrdiff_t x, const bytes (&v)[N]) {
-        dst.put(x, Matrix{}(pixel<bytes>{v[0], v[1], v[2], N == 4 ? v[N - 1] : opaque<bytes>}));
+    template <int N, class Dest> static void put(const Dest& dst, std::ptrdiff_t x, const u8xn (&v)[N]) {
+        dst.put(x, Matrix{}(pixel<u8xn>{v[0], v[1], v[2], N == 4 ? v[N - 1] : opaque<u8xn>}));
     }
 };
 #endif

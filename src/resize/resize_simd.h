@@ -21,7 +21,7 @@ using csc::row_pair;
 // Pixels of 1, 3 and 4 bytes are interpolated where they stand; the bytes of a row are its samples.
 
 struct put_bytes {
-    static void put(u8* dst, std::ptrdiff_t x, const bytes (&v)[1]) { store(dst + x, v[0]); }
+    static void put(u8* dst, std::ptrdiff_t x, const u8xn (&v)[1]) { store(dst + x, v[0]); }
 };
 
 // Where the result is RGB565, a source row comes apart into three planes first.
@@ -41,7 +41,7 @@ public:
         csc::planar<3> dst;
         for (int i = 0; i < 3; ++i) dst.p[i] = pixels_[i], samples_[i] = pixels_[i] - start_;
         if (size_ >= lanes)
-            csc::convert_row<bytes>(src, csc::repack{}, dst, size_);
+            csc::convert_row<u8xn>(src, csc::repack{}, dst, size_);
         else
             csc::convert_row<u8>(src, csc::repack{}, dst, size_);
         return samples_;
@@ -54,13 +54,13 @@ private:
 };
 
 struct put_fields565 {
-    static void put(u8* dst, std::ptrdiff_t x, const bytes (&v)[3]) {
+    static void put(u8* dst, std::ptrdiff_t x, const u8xn (&v)[3]) {
         store2(dst + 2 * x, v[1] << 5 | v[2], v[0] << 3 | v[1] >> 3);
     }
 };
 struct put_rgb565 {
-    static void put(u8* dst, std::ptrdiff_t x, const bytes (&v)[3]) {
-        const pixel<bytes> rgb = {v[0], v[1], v[2], v[2]};
+    static void put(u8* dst, std::ptrdiff_t x, const u8xn (&v)[3]) {
+        const pixel<u8xn> rgb = {v[0], v[1], v[2], v[2]};
         store2(dst + 2 * x, csc::low565(rgb), csc::high565(rgb));
     }
 };

@@ -17,7 +17,7 @@ template <int N> struct in_place {
 // ------------------------------------------------------------------------------------------------- rows by themselves
 
 /// Weights across and down in one, at most 64, so that a pair of them is one product
-inline bytes scaled(bytes weights, int factor) { return (bytes)((uhalf)weights * static_cast<u16>(factor)); }
+inline u8xn scaled(u8xn weights, int factor) { return (u8xn)((u16xn)weights * static_cast<u16>(factor)); }
 
 /// The weights of a run's groups, kept while the vertical phase stays the same, as it does for long at a ratio of 2
 class run_weights {
@@ -26,11 +26,11 @@ public:
         if (phase == phase_) return;
         phase_ = phase;
         for (int i = 0; i < 2 * (c.run_end - c.run); ++i) {
-            const bytes w = c.weight(2 * c.run + i);
+            const u8xn w = c.weight(2 * c.run + i);
             top[i] = scaled(w, 8 - phase), bottom[i] = scaled(w, phase);
         }
     }
-    bytes top[2 * columns::longest_run], bottom[2 * columns::longest_run];
+    u8xn top[2 * columns::longest_run], bottom[2 * columns::longest_run];
 
 private:
     int phase_ = -1;
@@ -42,16 +42,17 @@ template <class Out, int Windows, int N, class Dest>
     const columns c = all;
     const row_job<N, Dest> job = rows, after = next;
     for (; g < end; ++g) {
-        words sums[N];
+        s16x2n sums[N];
         for (int h = 0; h < 2; ++h) {
-            const bytes w = c.weight(2 * g + h), top = scaled(w, 8 - job.phase), bottom = scaled(w, job.phase);
+            const u8xn w = c.weight(2 * g + h), top = scaled(w, 8 - job.phase), bottom = scaled(w, job.phase);
             for (int p = 0; p < N; ++p) {
-                (h ? sums[p].hi : sums[p].lo) = weigh(weigh(c.pick<Windows>(2 * g + h, job.top[p]), top),
-                                                      c.pick<Windows>(2 * g + h, job.bottom[p]), bottom);
+                (h ? sums[p].hi : sums[p].lo) =
+                    weighted_sum(weighted_sum(c.gather_pairs<Windows>(2 * g + h, job.top[p]), top),
+                                 c.gather_pairs<Windows>(2 * g + h, job.bottom[p]), bottom);
                 if (h < (Windows + 1) / 2) c.prefetch(2 * g + h, after.top[p]), c.prefetch(2 * g + h, after.bottom[p]);
             }
         }
-        bytes v[N];
+        u8xn v[N];
         for (int p = 0; p < N; ++p) v[p] = narrow_q6(sums[p]);
         Out::put(job.dst, c.at(g), v);
     }
@@ -64,16 +65,16 @@ template <class Out, int Bytes, int Next, int N, class Dest>
     const int end = 2 * (c.run_end - c.run);
     std::ptrdiff_t x = c.first + c.run * lanes, source = c.run_source;
     for (int i = 0; i < end; i += 2, x += lanes, source += 2 * Next * lanes) {
-        bytes v[N];
+        u8xn v[N];
         for (int p = 0; p < N; ++p) {
             const auto sum = [&](int half) {
                 const std::ptrdiff_t at = source + half * Next * lanes;
                 if (Bytes == 1 && half < Next)  // longer rows are foreseen
                     __builtin_prefetch(after.top[p] + at), __builtin_prefetch(after.bottom[p] + at);
-                return weigh(weigh(load_pairs<Bytes, Next>(job.top[p] + at), weights.top[i + half]),
-                             load_pairs<Bytes, Next>(job.bottom[p] + at), weights.bottom[i + half]);
+                return weighted_sum(weighted_sum(load_pairs<Bytes, Next>(job.top[p] + at), weights.top[i + half]),
+                                    load_pairs<Bytes, Next>(job.bottom[p] + at), weights.bottom[i + half]);
             };
-            v[p] = narrow_q6_eights({sum(0), sum(1)});
+            v[p] = narrow_q6_ordered({sum(0), sum(1)});
         }
         Out::put(job.dst, x, v);
     }
@@ -107,13 +108,13 @@ template <class Source, class Out, int Windows, int Bytes, class Jobs>
 // ----------------------------------------------------------------------------------------------------------- kept sums
 
 /// The sums of a row of one plane, two halves a group
-template <int Windows> void sum_row(const columns c, const u8* row, const u8* next, half* to) {
+template <int Windows> void sum_row(const columns c, const u8* row, const u8* next, s16xn* to) {
     for (int h = 0; h < 2 * c.groups; ++h) {
         if (h % 2 < (Windows + 1) / 2) c.prefetch(h, next);
-        to[h] = weigh(c.pick<Windows>(h, row), c.weight(h));
+        to[h] = weighted_sum(c.gather_pairs<Windows>(h, row), c.weight(h));
     }
 }
-using sum_row_fn = void (*)(columns, const u8*, const u8*, half*);
+using sum_row_fn = void (*)(columns, const u8*, const u8*, s16xn*);
 
 /// Sums of two source rows, kept while the rows next to them are made
 template <class Source> class kept_sums {
@@ -125,7 +126,7 @@ public:
     kept_sums(const columns& c, int windows, sum_row_fn sum) : source_(c, windows), sum_(sum) {}
 
     /// Those of a row, in place of any but the other row's
-    const half* of(const columns c, const source_row& row, const source_row& other, const source_row& next) {
+    const s16xn* of(const columns c, const source_row& row, const source_row& other, const source_row& next) {
         for (int i = 0; i < 2; ++i)
             if (same(rows_[i], row)) return sums_[i];
         const int i = same(rows_[0], other);
@@ -142,17 +143,18 @@ private:
     Source source_;
     sum_row_fn sum_;
     source_row rows_[2] = {};
-    half sums_[2][planes * most / lanes * 2];
+    s16xn sums_[2][planes * most / lanes * 2];
 };
 
 template <class Out, int N, class Dest>
-[[gnu::flatten]] void put_between(const columns& all, const half* top, const half* bottom, int phase, const Dest& to) {
+[[gnu::flatten]] void put_between(const columns& all, const s16xn* top, const s16xn* bottom, int phase,
+                                  const Dest& to) {
     const columns c = all;
     const Dest dst = to;
-    const uhalf bottom_weight = uhalf{} + static_cast<u16>(phase), top_weight = 8 - bottom_weight;
-    const auto down = [=](half t, half b) { return (half)((uhalf)t * top_weight + (uhalf)b * bottom_weight); };
+    const u16xn bottom_weight = u16xn{} + static_cast<u16>(phase), top_weight = 8 - bottom_weight;
+    const auto down = [=](s16xn t, s16xn b) { return (s16xn)((u16xn)t * top_weight + (u16xn)b * bottom_weight); };
     for (int g = 0; g < c.groups; ++g, top += 2, bottom += 2) {
-        bytes v[N];
+        u8xn v[N];
         for (int p = 0, i = 0; p < N; ++p, i += 2 * c.groups)
             v[p] = narrow_q6({down(top[i], bottom[i]), down(top[i + 1], bottom[i + 1])});
         Out::put(dst, c.at(g), v);
@@ -165,8 +167,8 @@ template <class Source, class Out, class Jobs>
     kept_sums<Source> kept(c, windows, windows > 4 ? sum_row<8> : sum_rows[windows - 1]);
     for (int i = 0; i < count; ++i) {
         const auto job = jobs[i], next = jobs[i + (i + 1 < count)];
-        const half* top = kept.of(c, job.top, job.bottom, next.top);
-        const half* bottom = kept.of(c, job.bottom, job.top, next.bottom);
+        const s16xn* top = kept.of(c, job.top, job.bottom, next.top);
+        const s16xn* bottom = kept.of(c, job.bottom, job.top, next.bottom);
         put_between<Out, Source::planes>(c, top, bottom, job.phase, job.dst);
     }
 }
