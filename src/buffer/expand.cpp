@@ -1,13 +1,8 @@
-#include "core/isa.h"
-#include "core/loose.h"
-#include "core/types.h"
-#include "zelt/imgb.h"
+#include "buffer/expand.h"
 
-#if ZELT_SIMD
-#include "buffer/expand_simd.h"
-#else
-#include "buffer/expand_scalar.h"
-#endif
+#include "core/types.h"
+#include "core/unaligned.h"
+#include "zelt/imgb.h"
 
 #include <algorithm>
 

@@ -2,14 +2,9 @@
 // and the step's result; whatever does not depend on `b` is kept off that path.
 #include "zelt/md5.h"
 
-#include "core/isa.h"
+#include "core/fill.h"
 #include "core/types.h"
-
-#if ZELT_SIMD
-#include "core/fill_simd.h"
-#else
-#include "core/fill_scalar.h"
-#endif
+#include "simd/barrier.h"
 
 #include <algorithm>
 #include <bit>
@@ -39,12 +34,7 @@ struct H { static u32 early(u32, u32)     { return 0; }      static u32 late(u32
 struct I { static u32 early(u32, u32)     { return 0; }      static u32 late(u32 b, u32 c, u32 d) { return c ^ (b | ~d); } };
 // clang-format on
 
-/// Hides a sum from the compiler, which would put its terms back in line.
-inline u32 hide_from_optimizer(u32 sum) {
-    asm("" : "+r"(sum));
-    return sum;
-}
-
+/// The barrier keeps the compiler from putting the terms of the sum back in line.
 template <class Function, int Shift> void step(u32& a, u32 b, u32 c, u32 d, u32 word_and_constant) {
     a = hide_from_optimizer(a + word_and_constant + Function::early(c, d));
     a = b + std::rotl(a + Function::late(b, c, d), Shift);

@@ -1,9 +1,9 @@
 #pragma once
 #include "core/copy_scalar.h"
-#include "core/loose.h"
-#include "core/simd.h"
+#include "core/unaligned.h"
+#include "simd/vocabulary.h"
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::simd {
 typedef u8 u8x16 __attribute__((vector_size(16)));
 typedef u8 u8x8 __attribute__((vector_size(8)));
 
@@ -61,4 +61,4 @@ template <int N, int Rows> void copy_rows(u8* dst, std::ptrdiff_t s_dst, const u
     else if constexpr (N >= 2)
         column(u16{});
 }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::simd

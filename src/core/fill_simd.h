@@ -1,12 +1,12 @@
 #pragma once
 #include "core/fill_scalar.h"
-#include "core/loose.h"
-#include "core/simd.h"
+#include "core/unaligned.h"
+#include "simd/vocabulary.h"
 
 #include <bit>
 #include <cstdint>
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::simd {
 typedef u32 word_register __attribute__((vector_size(lanes)));
 typedef u32 word_quad __attribute__((vector_size(16)));
 
@@ -100,4 +100,4 @@ inline void fill_bytes(u8* dst, u8 value, std::size_t n) {
     else
         fill_short(dst, word, n);
 }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::simd

@@ -1,16 +1,9 @@
 #include "zelt/mem.h"
 
-#include "core/isa.h"
-#include "core/loose.h"
+#include "core/copy.h"
+#include "core/fill.h"
 #include "core/types.h"
-
-#if ZELT_SIMD
-#include "core/copy_simd.h"
-#include "core/fill_simd.h"
-#else
-#include "core/copy_scalar.h"
-#include "core/fill_scalar.h"
-#endif
+#include "simd/barrier.h"
 
 #include <algorithm>
 #include <array>

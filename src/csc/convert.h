@@ -1,13 +1,12 @@
 #pragma once
 // Same-size conversion: a row loop over a source layout, a colour matrix and a destination layout. Each is written once
-// over the value V: u8, a pixel at a time, or simd::bytes, a register of pixels.
-#include "core/isa.h"
+// over the value V: u8, a pixel at a time, or simd::u8xn, a register of pixels.
 #include "csc/pixel_scalar.h"
 #if ZELT_SIMD
 #include "csc/pixel_simd.h"
 #endif
 
-namespace zelt::csc {
+namespace zelt::inline ZELT_LEVEL::csc {
 using namespace scalar;
 #if ZELT_SIMD
 using namespace simd;
@@ -214,4 +213,4 @@ void convert(void* const* src_a, int src_w, int h, const int* src_s, void* const
         convert_row<u8>(src, Matrix{}, dst, w);
     }
 }
-}  // namespace zelt::csc
+}  // namespace zelt::inline ZELT_LEVEL::csc

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-namespace zelt::scalar {
+namespace zelt::inline ZELT_LEVEL::scalar {
 /// What holds a 16-bit sample where V holds a byte
 template <class V> struct wide;
 template <> struct wide<u8> { using type = int; };
@@ -41,4 +41,4 @@ inline pixel<int> rgb_to_yuv10(pixel<int> p) {
     return {std::min((308 * r + 600 * g + 116 * b + 512) >> 10, 1023), chroma(-172 * r - 340 * g + 512 * b),
             chroma(512 * r - 428 * g - 84 * b), p.a};
 }
-}  // namespace zelt::scalar
+}  // namespace zelt::inline ZELT_LEVEL::scalar

@@ -1,12 +1,12 @@
 #pragma once  // 10-bit samples in 16-bit words over whole registers
-#include "core/simd.h"
 #include "csc/pixel10_scalar.h"
+#include "simd/vocabulary.h"
 
-namespace zelt::scalar {
+namespace zelt::inline ZELT_LEVEL::scalar {
 template <> struct wide<simd::u8xn> { using type = simd::s16x2n; };
-}  // namespace zelt::scalar
+}  // namespace zelt::inline ZELT_LEVEL::scalar
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::simd {
 inline void load_reduced(const u8* p, u8xn& a) {
     s16x2n v;
     load_16(p, v);
@@ -27,4 +27,4 @@ inline pixel<s16x2n> rgb_to_yuv10(pixel<s16x2n> p) {
     return {dot_q10<308, 600, 116>(r, g, b), dot_q10<-172, -340, 512>(r, g, b) + 512,
             dot_q10<512, -428, -84>(r, g, b) + 512, p.a};
 }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::simd

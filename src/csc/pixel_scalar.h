@@ -1,9 +1,10 @@
 #pragma once  // one pixel at a time: samples, and the colour matrices as they are defined
 #include "core/types.h"
+#include "simd/level.h"
 
 #include <algorithm>
 
-namespace zelt {
+namespace zelt::inline ZELT_LEVEL {
 /// The components of a pixel (V = u8) or of as many as a register holds: R, G, B, A or Y, U, V, A.
 template <class V> struct pixel { V c0, c1, c2, a; };
 
@@ -36,4 +37,4 @@ inline pixel<u8> rgb_to_yuv(pixel<u8> p) {
             chroma(128 * r - 107 * g - 21 * b), p.a};
 }
 }  // namespace scalar
-}  // namespace zelt
+}  // namespace zelt::inline ZELT_LEVEL

@@ -1,8 +1,8 @@
 #pragma once  // the colour matrices over whole registers, exact in 16 bits
-#include "core/simd.h"
 #include "csc/pixel_scalar.h"
+#include "simd/vocabulary.h"
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::simd {
 /// With d = U - 128, e = V - 128: red and blue are rounding products of e by 359 / 256 and d by 454 / 256. In the green
 /// term 183 = 256 - 73, so G = Y - e - ((88 d - 73 e + 128) >> 8) = Y - V + 128 + ((73 V - 88 U + 2047) >> 8), where
 /// 2047 = (88 - 73) * 128 - 128 + 255: the negated shift rounds up. Saturating about 128 adds the 128 and clamps.
@@ -19,4 +19,4 @@ inline pixel<u8xn> rgb_to_yuv(pixel<u8xn> p) {
     return {round_high(dot<77, 150, 29>(rgb)), high(sub_sat(splat(128), dot<43, 85, -128>(rgb))) ^ 128,
             high(sub_sat(splat(128), dot<-128, 107, 21>(rgb))) ^ 128, p.a};
 }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::simd

@@ -1,10 +1,6 @@
 // Key frames: the picture and unit headers of each codec.
-#include "core/isa.h"
-#include "media/start_code_scalar.h"
+#include "media/start_code.h"
 #include "zelt/fcc2mt.h"
-#if ZELT_SIMD
-#include "media/start_code_simd.h"
-#endif
 
 using namespace zelt;
 

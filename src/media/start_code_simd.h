@@ -1,8 +1,8 @@
 #pragma once  // start codes in whole registers
-#include "core/simd.h"
 #include "media/start_code_scalar.h"
+#include "simd/vocabulary.h"
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::simd {
 constexpr s32 places = 4 * lanes;
 
 template <class Kind> bool is_start_among(const u8* p) {
@@ -25,4 +25,4 @@ template <class Kind> bool any_start(const u8* p) {
     }
     return any((u8xn)found) && is_start_among<Kind>(p);
 }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::simd

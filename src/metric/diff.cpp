@@ -1,13 +1,17 @@
 // The exports: differences.
-#include "core/isa.h"
-#include "metric/diff_scalar.h"
-#include "metric/sizes.h"
-#include "zelt/sad.h"
-#if ZELT_SIMD
-#include "metric/diff_simd.h"
-#endif
+#include "metric/diff.h"
 
+#include "zelt/sad.h"
 using namespace zelt;
+
+// clang-format off
+/// Differences of both sample kinds, and of 16-bit samples only
+#define ZELT_DIFF_SIZES(X)                                                      \
+    X(2, 2)   X(2, 4)   X(4, 2)   X(4, 4)   X(4, 8)   X(8, 4)   X(8, 8)         \
+    X(8, 16)  X(16, 8)  X(16, 16) X(16, 32) X(32, 16) X(32, 32) X(32, 64)       \
+    X(64, 32) X(64, 64)
+#define ZELT_DIFF_16_SIZES(X) X(2, 8) X(4, 16) X(8, 32) X(16, 64)
+// clang-format on
 
 #define KERNEL(W, H, suffix, A, B)                                                                                \
     [[gnu::flatten]] void zelt_diff##W##x##H##suffix(const void* src1, const void* src2, int s_src1, int s_src2,  \

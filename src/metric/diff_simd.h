@@ -1,8 +1,8 @@
 #pragma once
-#include "core/simd_block.h"
 #include "metric/diff_scalar.h"
+#include "simd/vocabulary.h"
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::simd {
 /// Two registers are loaded before they are stored: a load waits for the stores before it that might be to its place.
 template <int W, int H, class A, class B> void diff(const A* a, const B* b, int s_a, int s_b, int s_d, s16* d) {
     constexpr bool of_bytes = std::is_same_v<A, u8> && std::is_same_v<B, u8> && W >= lanes;
@@ -47,4 +47,4 @@ template <class A, class B> void diff(int w, int h, const A* a, const B* b, int 
                 store_rows_16<width, 1>(pd, sd, load_rows_16<width, 1>(pa, sa) - load_rows_16<width, 1>(pb, sb));
     });
 }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::simd

@@ -1,14 +1,18 @@
 // The exports: sums of absolute differences.
+#include "metric/sad.h"
+
 #include "zelt/sad.h"
 
-#include "core/isa.h"
-#include "metric/sad_scalar.h"
-#include "metric/sizes.h"
-#if ZELT_SIMD
-#include "metric/sad_simd.h"
-#endif
-
 using namespace zelt;
+
+// clang-format off
+/// SAD: width, height, and the mixed kernels `_bi` and `_bi_16`: none, `_bi_16` as an alias of `_16`, or of its own.
+#define ZELT_SAD_SIZES(X)                                                       \
+    X(2, 2, NONE)    X(2, 4, NONE)    X(4, 2, NONE)    X(4, 4, NONE)            \
+    X(4, 8, ALIAS)   X(8, 4, ALIAS)   X(8, 8, OWN)     X(8, 16, ALIAS)          \
+    X(16, 8, ALIAS)  X(16, 16, OWN)   X(16, 32, ALIAS) X(32, 16, ALIAS)         \
+    X(32, 32, OWN)   X(32, 64, ALIAS) X(64, 32, OWN)   X(64, 64, OWN)
+// clang-format on
 
 #define KERNEL(W, H, suffix, A, B)                                                                                    \
     [[gnu::flatten]] uint32_t zelt_sad##W##x##H##suffix(const void* src1, const void* src2, int s_src1, int s_src2) { \

@@ -1,7 +1,8 @@
 #pragma once  // sums of absolute differences, sample by sample
 #include "core/types.h"
+#include "simd/level.h"
 
-namespace zelt::scalar {
+namespace zelt::inline ZELT_LEVEL::scalar {
 /// |d|. Kept: of two 16-bit samples it is (d ^ m) - m with m = d >> 15, which beyond 32768 is 2 less than |d| for an
 /// odd positive d and 2 more for an odd negative one.
 template <class A, class B> u32 abs_diff(int d) {
@@ -31,4 +32,4 @@ inline int sad_eskip(int w, int h, const u8* a, const u8* b, int sa, int sb, int
     }
     return static_cast<int>(sum);
 }
-}  // namespace zelt::scalar
+}  // namespace zelt::inline ZELT_LEVEL::scalar

@@ -1,10 +1,10 @@
 #pragma once
-#include "core/simd_block.h"
 #include "metric/sad_scalar.h"
+#include "simd/vocabulary.h"
 
 #include <algorithm>
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::simd {
 using scalar::sad;  // blocks that are too small for a register
 
 /// Whether a block fills half a register at least
@@ -106,7 +106,7 @@ public:
 
     void add(abs_diff_sums_16<V> part) { sum_ = pairwise_add_accumulate(sum_, part.sum), seen_ |= seen(part); }
     bool exact() const { return exact_abs_diffs(seen_); }
-    u32 reduce_add() const { return simd::reduce_add(sum_); }
+    u32 reduce_add() const { return vec::reduce_add(sum_); }
 
 private:
     u32_of<V> sum_{};
@@ -177,4 +177,4 @@ inline u32 sad(int w, int h, const s16* a, const s16* b, int sa, int sb) {
         return scalar::sad(w, h, a, b, sa, sb);
     return sum + wide.reduce_add() + narrow.reduce_add();
 }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::simd

@@ -1,11 +1,7 @@
 // The exports: Hadamard-transformed differences.
-#include "core/isa.h"
-#include "metric/satd_scalar.h"
-#include "zelt/sad.h"
-#if ZELT_SIMD
-#include "metric/satd_simd.h"
-#endif
+#include "metric/satd.h"
 
+#include "zelt/sad.h"
 using namespace zelt;
 
 #define KERNEL(N, suffix, A, B)                                                                             \

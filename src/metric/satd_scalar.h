@@ -1,7 +1,8 @@
 #pragma once  // Hadamard-transformed differences, coefficient by coefficient
 #include "core/types.h"
+#include "simd/level.h"
 
-namespace zelt::scalar {
+namespace zelt::inline ZELT_LEVEL::scalar {
 /// In-place transform of N values that lie `step` apart
 template <int N, class T> void hadamard(T* v, int step) {
     for (int half = N / 2; half > 0; half /= 2)
@@ -46,4 +47,4 @@ template <class A, class B> u32 satd_tiles(int w, int h, const A* a, const B* b,
         for (std::ptrdiff_t x = 0; x < w; x += 4) sum += satd<4>(a + x, b + x, sa, sb);
     return sum;
 }
-}  // namespace zelt::scalar
+}  // namespace zelt::inline ZELT_LEVEL::scalar

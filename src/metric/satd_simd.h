@@ -2,10 +2,10 @@
 // Hadamard-transformed differences. A stage of the transform adds and subtracts the values of two places; the order of
 // the stages is free. Those between registers are the cheapest; exchanges bring neighbours within two registers into
 // one each. In the last stage |a + b| + |a - b| = 2 max(|a|, |b|) where neither sum leaves the range.
-#include "core/simd_block.h"
 #include "metric/satd_scalar.h"
+#include "simd/vocabulary.h"
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::simd {
 template <class V> void butterflies(V& a, V& b, V& c, V& d) { butterfly(a, b), butterfly(c, d); }
 
 /// Half of |a + b| + |a - b| over neighbours in a and in b
@@ -209,4 +209,4 @@ template <class A, class B> u32 satd8x8(const A* a, const B* b, int sa, int sb) 
         return satd8x8_of_large(a, b, sa, sb);
     return rounded_cost(reduce_add(half));
 }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::simd

@@ -1,11 +1,7 @@
 // The exports: sums of squared differences.
-#include "core/isa.h"
-#include "metric/ssd_scalar.h"
-#include "zelt/sad.h"
-#if ZELT_SIMD
-#include "metric/ssd_simd.h"
-#endif
+#include "metric/ssd.h"
 
+#include "zelt/sad.h"
 using namespace zelt;
 
 /// Kept: an unlisted width is 64 columns.

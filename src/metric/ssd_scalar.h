@@ -1,7 +1,8 @@
 #pragma once  // sums of squared differences, sample by sample
 #include "core/types.h"
+#include "simd/level.h"
 
-namespace zelt::scalar {
+namespace zelt::inline ZELT_LEVEL::scalar {
 /// Modulo 2^32
 template <int W, class A> u32 ssd(int, int h, const A* a, const A* b, int sa, int sb) {
     u32 sum = 0;
@@ -12,4 +13,4 @@ template <int W, class A> u32 ssd(int, int h, const A* a, const A* b, int sa, in
         }
     return sum;
 }
-}  // namespace zelt::scalar
+}  // namespace zelt::inline ZELT_LEVEL::scalar

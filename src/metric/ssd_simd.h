@@ -1,11 +1,11 @@
 #pragma once
-#include "core/simd_block.h"
 #include "metric/ssd_scalar.h"
+#include "simd/vocabulary.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::simd {
 /// What one register takes: whole bytes where a row has as many, otherwise 16-bit samples of one row or more
 template <int W, class Sample> struct square_step {
     static constexpr bool of_bytes = std::is_same_v<Sample, u8> && W >= lanes;
@@ -65,4 +65,4 @@ template <int W, class Sample> u32 ssd(int w, int h, const Sample* a, const Samp
     if (h != W) return ssd_of_rows<W>(w, h, a, b, sa, sb);
     return W <= 8 ? ssd_of_square<W>(w, h, a, b, sa, sb) : ssd_of_large_square<W>(w, h, a, b, sa, sb);
 }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::simd

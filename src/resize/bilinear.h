@@ -1,9 +1,10 @@
 #pragma once  // the sampling grid of an axis, shared by the resizer and the fused converters
 #include "core/types.h"
+#include "simd/level.h"
 
 #include <algorithm>
 
-namespace zelt::csc {
+namespace zelt::inline ZELT_LEVEL::csc {
 /// Position of destination samples among the source samples of one axis. Destination sample i lies at i * step / 2^18
 /// on the grid of every 2^shift-th source sample; the top three bits of the fraction are its phase.
 struct axis {
@@ -54,4 +55,4 @@ template <int N, class Dest> struct picture_rows {
         return job;
     }
 };
-}  // namespace zelt::csc
+}  // namespace zelt::inline ZELT_LEVEL::csc

@@ -2,12 +2,12 @@
 // A run of destination columns, prepared once for many rows: where in a source row their samples stand, and the weights
 // across. The weights separate: a value is ((8 - fy) s(top) + fy s(bottom)) >> 6 with s = (8 - fx) left + fx right, at
 // most 2040, so that all of it fits 16 bits, and s of a source row serves every destination row next to it.
-#include "core/simd.h"
 #include "resize/bilinear.h"
+#include "simd/vocabulary.h"
 
 #include <cstring>
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::simd {
 using csc::axis;
 
 /// How registers go over a row of pixels of `bytes` samples; `windows` is 0 where they cannot.
@@ -57,8 +57,8 @@ struct columns {
         return w;
     }
     template <int Windows> pairs gather_pairs(int half_group, const u8* row) const {
-        return simd::gather_pairs<Windows>(row, offsets + half_group * (eights / 2),
-                                           masks + half_group * row_shape::masks_of(Windows) * lanes);
+        return vec::gather_pairs<Windows>(row, offsets + half_group * (eights / 2),
+                                          masks + half_group * row_shape::masks_of(Windows) * lanes);
     }
 };
 
@@ -146,4 +146,4 @@ private:
     std::ptrdiff_t* offsets_;
     alignas(lanes) u8 memory_[Size];
 };
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::simd

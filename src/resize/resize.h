@@ -1,5 +1,4 @@
 #pragma once  // every format of the resizer, and the handle
-#include "core/isa.h"
 #include "resize/resize_scalar.h"
 #if ZELT_SIMD
 #include "resize/resize_simd.h"
@@ -33,7 +32,7 @@ struct ZELT_IRSZ {
     zelt::u8* row_buffer;
 };
 
-namespace zelt::csc {
+namespace zelt::inline ZELT_LEVEL::csc {
 /// Destination rows of a band on their way to the row kernels, which want many at a time
 template <class Format> class row_batch {
 public:
@@ -72,4 +71,4 @@ void resize_picture(const u8* src, s64 src_stride, int dst_w, int dst_h, s64 dst
     const picture_rows<1, byte_rows> rows = {{src}, {src_stride}, y, {dst, dst_stride}};
     fast::resize_rows<Format>(rows, dst_h, x, dst_w);
 }
-}  // namespace zelt::csc
+}  // namespace zelt::inline ZELT_LEVEL::csc

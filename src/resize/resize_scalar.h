@@ -4,7 +4,7 @@
 
 #include <array>
 
-namespace zelt::csc {
+namespace zelt::inline ZELT_LEVEL::csc {
 /// The fields of a pixel, at their own precision
 template <int N> using fields = std::array<int, N>;
 
@@ -43,9 +43,9 @@ inline int blend(const u8* w, int tl, int tr, int bl, int br) {
     return (tl * w[0] + tr * w[1] + bl * w[2] + br * w[3]) >> 6;
 }
 
-}  // namespace zelt::csc
+}  // namespace zelt::inline ZELT_LEVEL::csc
 
-namespace zelt::scalar {
+namespace zelt::inline ZELT_LEVEL::scalar {
 using csc::axis;
 using csc::row_pair;
 
@@ -68,4 +68,4 @@ template <class Format> void resize_row(const row_pair& rows, const axis& x, int
 template <class Format, class Rows> void resize_rows(const Rows& rows, int count, const axis& x, int dst_w) {
     for (int i = 0; i < count; ++i) resize_row<Format>(rows[i], x, dst_w);
 }
-}  // namespace zelt::scalar
+}  // namespace zelt::inline ZELT_LEVEL::scalar

@@ -3,7 +3,7 @@
 #include "resize/resize_scalar.h"
 #include "resize/rows_simd.h"
 
-namespace zelt::csc {
+namespace zelt::inline ZELT_LEVEL::csc {
 /// The fields of RGB565 words
 struct fields565 : planes<1> {
     using planes::planes;
@@ -13,9 +13,9 @@ struct fields565 : planes<1> {
         return {static_cast<V>(high >> 3), static_cast<V>((high & 7) << 3 | low >> 5), static_cast<V>(low & 31), low};
     }
 };
-}  // namespace zelt::csc
+}  // namespace zelt::inline ZELT_LEVEL::csc
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::simd {
 using csc::row_pair;
 
 // Pixels of 1, 3 and 4 bytes are interpolated where they stand; the bytes of a row are its samples.
@@ -83,4 +83,4 @@ template <class Format, class Rows> void resize_rows(const Rows& rows, int count
     if (dst_w > 0 && !registers<Format>::resize(rows, count, x, dst_w))
         scalar::resize_rows<Format>(rows, count, x, dst_w);
 }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::simd

@@ -3,7 +3,7 @@
 // Neither has a part in the arithmetic.
 #include "resize/columns_simd.h"
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::simd {
 using csc::row_job;
 
 /// Samples as they stand in memory
@@ -218,4 +218,4 @@ bool go_through(const Jobs& jobs, int count, const axis& x, int dst_w) {
     make_picture<Source, Out, Bytes>(jobs, count, x, shape);
     return true;
 }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::simd

@@ -34,8 +34,9 @@
 //   narrow_q6, narrow_q6_ordered    unsigned words >> 6, to bytes; from eights in their own order
 //   narrow_ordered                  narrow of eights in their own order, as load_16 has them
 #include "core/types.h"
+#include "simd/level.h"
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::vec {
 #ifdef __AVX2__
 constexpr int lanes = 32;
 constexpr bool loads_take_an_index = true;
@@ -74,10 +75,11 @@ inline s16x2n clamp(s16x2n a, int low, int high) {
     a = {a.lo < most ? a.lo : most, a.hi < most ? a.hi : most};
     return {a.lo > least ? a.lo : least, a.hi > least ? a.hi : least};
 }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::vec
 
-#ifdef __AVX2__
-#include "core/simd_avx2.h"
-#else
-#include "core/simd_neon.h"
-#endif
+#include ZELT_BACK_END
+#include "simd/block.h"
+
+namespace zelt::inline ZELT_LEVEL::simd {
+using namespace vec;
+}

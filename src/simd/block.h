@@ -22,10 +22,9 @@
 //   paired_residual<W, R>        differences of R rows of W bytes, of two neighbours each the sum and the difference:
 //                                those of a row in order, the sums of a row (of eight) together and the differences
 //   add_sat, sub_sat      of signed values with saturation
-#include "core/loose.h"
-#include "core/simd.h"
+#include "simd/barrier.h"
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::vec {
 constexpr int lanes_16 = lanes / 2;
 
 typedef u8 u8x16 __attribute__((vector_size(16)));
@@ -93,17 +92,17 @@ template <class V> void butterfly(V& a, V& b) {
     const V sum = a + b;
     b = hide_from_optimizer(a - b), a = sum;
 }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::vec
 
 #ifdef __AVX2__
-#include "core/simd_block_avx2.h"
+#include "simd/avx2_block.h"
 #else
-#include "core/simd_block_neon.h"
+#include "simd/neon_block.h"
 #endif
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::vec {
 template <class V> void butterfly_sat(V& a, V& b) {
     const V sum = add_sat(a, b);
     b = sub_sat(a, b), a = sum;
 }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::vec

@@ -1,7 +1,7 @@
 #pragma once  // the vocabulary of sample blocks on NEON, ARMv7 and AArch64 alike
 #include <cstring>
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::vec {
 template <class T> T load_as(const void* p) {  // a plain load: a lane load of a cast pointer may assume alignment
     T v;
     std::memcpy(&v, p, sizeof v);
@@ -149,4 +149,4 @@ template <class V> void transpose2x2_64(V& a, V& b) {
     a = (V)vcombine_u32(vget_low_u32(va), vget_low_u32(vb));
     b = (V)vcombine_u32(vget_high_u32(va), vget_high_u32(vb));
 }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::vec

@@ -1,7 +1,7 @@
 #pragma once  // the vector vocabulary on NEON, ARMv7 and AArch64 alike
 #include <arm_neon.h>
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::vec {
 inline void load(const u8* p, u8xn& a) { a = (u8xn)vld1q_u8(p); }
 inline void load2(const u8* p, u8xn& a, u8xn& b) {
     const uint8x16x2_t v = vld2q_u8(p);
@@ -174,4 +174,4 @@ inline u8xn narrow_q6(s16x2n a) {
 }
 inline u8xn narrow_ordered(s16x2n a) { return narrow(a); }
 inline u8xn narrow_q6_ordered(s16x2n a) { return narrow_q6(a); }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::vec

@@ -1,7 +1,7 @@
 #pragma once  // the vocabulary of sample blocks on AVX2, in registers of 128 bits where a row or two fill no more
 #include <cstring>
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::vec {
 template <class V> constexpr bool is_wide = sizeof(V) == 32;
 
 template <class V> V hide_from_optimizer(V v) {
@@ -277,4 +277,4 @@ template <class V> void transpose2x2_128(V& a, V& b) {
     const __m256i va = (__m256i)a, vb = (__m256i)b;
     a = (V)_mm256_blend_epi32(va, vb, 0xF0), b = (V)_mm256_permute2x128_si256(va, vb, 0x21);
 }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::vec

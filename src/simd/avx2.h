@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <immintrin.h>
 
-namespace zelt::simd {
+namespace zelt::inline ZELT_LEVEL::vec {
 inline __m256i load_register(const u8* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
 inline void store_register(u8* p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
 /// 16 bytes from either place
@@ -210,4 +210,4 @@ inline s16xn weighted_sum(s16xn sum, pairs p, u8xn w) { return sum + weighted_su
 inline u8xn narrow_q6(s16x2n a) { return narrow({(s16xn)((u16xn)a.lo >> 6), (s16xn)((u16xn)a.hi >> 6)}); }
 inline u8xn narrow_ordered(s16x2n a) { return (u8xn)_mm256_permute4x64_epi64((__m256i)narrow(a), 0xD8); }
 inline u8xn narrow_q6_ordered(s16x2n a) { return (u8xn)_mm256_permute4x64_epi64((__m256i)narrow_q6(a), 0xD8); }
-}  // namespace zelt::simd
+}  // namespace zelt::inline ZELT_LEVEL::vec

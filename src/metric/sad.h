@@ -1,0 +1,5 @@
+#pragma once  // sums of absolute differences: the forms that this level has
+#include "metric/sad_scalar.h"
+#if ZELT_SIMD
+#include "metric/sad_simd.h"
+#endif

@@ -1,0 +1,21 @@
+#pragma once  // optimisation barriers
+#include "simd/level.h"
+
+#include <type_traits>
+
+namespace zelt::inline ZELT_LEVEL {
+/// Hides from the compiler how a value came about. Back ends have the same for their registers.
+template <class T>
+requires(std::is_pointer_v<T> || std::is_integral_v<T>) T hide_from_optimizer(T value) {
+    asm("" : "+r"(value));
+    return value;
+}
+
+/// On targets with post-increment addressing, keeps gcc from splitting one stepped pointer into many of a base and an
+/// offset.
+template <class T> void hide_step_from_optimizer([[maybe_unused]] T*& p) {
+#ifdef __arm__
+    p = hide_from_optimizer(p);
+#endif
+}
+}  // namespace zelt::inline ZELT_LEVEL
