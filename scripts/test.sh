@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds and runs every test: on x86-64 (x86-64-v3 and baseline) and on 32-bit ARM under emulation.
 #   --quick    x86-64 alone
-#   --all      every target, and the sanitizers
+#   --all      every preset: the other targets, compilers and sanitizers
 #   PRESET...  those presets of CMakePresets.json
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -10,7 +10,11 @@ cd "$(dirname "$0")/.."
 case ${1-} in
 "") presets=(x86-64 armv7-softfp) ;;
 --quick) presets=(x86-64) ;;
---all) presets=(x86-64 armv7-softfp armv7-hf aarch64 i686 asan tsan) ;;
+--all)
+    need "${test_packages[@]}"
+    listed=$(cmake --list-presets=test | sed -n 's/^ *"\([^"]*\)".*/\1/p')
+    mapfile -t presets <<<"$listed"
+    ;;
 -*) sed -n '2,/^set/s/^# \{0,1\}//p' "$0" >&2 && exit 1 ;;
 *) presets=("$@") ;;
 esac
@@ -18,8 +22,11 @@ esac
 need "${test_packages[@]}"
 for preset in "${presets[@]}"; do
     case $preset in
-    arm* | aarch64) need "${arm_packages[@]}" ;;
+    arm* | aarch64*) need "${arm_packages[@]}" ;;
     i686) need "${i686_packages[@]}" ;;
+    esac
+    case $preset in
+    *clang) need clang ;;
     esac
 done
 
