@@ -25,9 +25,14 @@ for source in fuzz/corpus/*/; do
     cmake --build "$build" --target "fuzz_$target" -- --quiet
     mkdir -p "$build/corpus/$target"
     echo "== $target ${arch:-x86-64}, $seconds s"
+    log=$build/$target.log status=0
     "${loader[@]}" "$build/fuzz/fuzz_$target" -max_total_time="$seconds" -max_len=1024 -print_final_stats=1 \
-        -artifact_prefix="$build/found/$target-" "$build/corpus/$target" "$source" 2>&1 |
-        grep -E 'Loaded.*counters|DONE|number_of_executed_units|new_units_added|ERROR|SUMMARY|Test unit' || true
-    test -z "$(find "$build/found" -name "$target-*")"
+        -artifact_prefix="$build/found/$target-" "$build/corpus/$target" "$source" >"$log" 2>&1 || status=$?
+    grep -E 'Loaded.*counters|DONE|number_of_executed_units|new_units_added|ERROR|SUMMARY|Test unit' "$log" || true
+    if [ $status -ne 0 ]; then
+        echo "fuzz_$target ended with status $status; the end of $log:" >&2
+        tail -n 20 "$log" >&2
+        exit 1
+    fi
 done
 echo "Nothing found."
