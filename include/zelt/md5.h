@@ -46,8 +46,12 @@ ZELT_API void zelt_md5_finish(ZELT_MD5 *ctx, uint8_t digest[16]);
  *  is; then, unless the colour space is ZELT_CS_YUV400, of planes 1 and 2 the rows `y >> 1` to `((h + 1) >> 1) - 1`,
  *  `(w + 1 - x) >> 1` bytes each. These sizes hold for every planar format, also where its chroma is larger and where
  *  samples have two bytes; a fourth plane is left out. For ZELT_CS_YUV400 and ZELT_CS_YUV420 the digest is that of the
- *  picture's samples, back to back. A plane that is null is skipped, and so is what would lie outside the block of a
- *  picture that has one (`base[0]` and `size`).
+ *  picture's samples, back to back. A plane that is null is skipped.
+ *
+ *  Of a picture that the library allocated (`base[0]` and a `size` above 0), what would lie outside its block is left
+ *  out, and of each plane the digest ends with the row that makes four times the block's size and 1 MiB full: sizes
+ *  that are not the picture's own end soon, and do no harm. Where `size` is 0, as in a record that a caller cleared and
+ *  filled in, planes, strides and sizes are taken as they are, whatever `base` holds.
  *  @param img     the picture
  *  @param digest  where the 16 bytes go
  *  @return        ZELT_OK; ZELT_ERR_UNSUPPORTED where the colour space is not 10 to 99, nothing being written then */

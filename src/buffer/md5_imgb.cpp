@@ -7,27 +7,29 @@
 using namespace zelt;
 
 namespace {
-/// Digests rows from..to of a plane, at most what lies inside the picture's block.
+/// Digests rows from..to of a plane; of a block that the library allocated, only what lies inside.
 void digest_rows(ZELT_MD5* ctx, const ZELT_IMGB* img, int plane, s64 from, s64 to, s64 bytes) {
     const u8* sample = static_cast<const u8*>(img->plane[plane]);
     if (!sample || bytes <= 0) return;
     const s64 stride = img->stride[plane];
     const u8* block = static_cast<const u8*>(img->base[0]);
-    if (!block) {  // planes that a caller put together
+    const s64 size = img->size;
+    if (!block || size <= 0) {  // planes that a caller put together
         for (s64 r = from; r < to; ++r) zelt_md5_update(ctx, sample + r * stride, static_cast<u32>(bytes));
         return;
     }
-    // A row of 4:1:1 chroma goes on into the one after it, none goes farther: this ends early where w or x is no
-    // picture's.
-    bytes = std::min(bytes, 2 * stride);
-    if (bytes <= 0) return;
-    const s64 origin = sample - block, size = img->size;
-    // Rows beyond these bounds lie outside the plane's own memory, whatever the caller made of x, y, w and h.
-    from = std::max<s64>(from, -s64{img->rows[plane]});
-    to = std::min<s64>(to, img->rows[plane]);
-    for (s64 r = from; r < to; ++r) {
+    const s64 origin = sample - block;
+    if (stride) {  // only rows that reach into the block, or nearly
+        const auto [least, most] = std::minmax({-(origin + bytes) / stride, (size - origin) / stride});
+        from = std::max(from, least - 1);
+        to = std::min(to, most + 2);
+    }
+    // No picture's own rows come near this, but where w and x are wild every row may be most of the block.
+    s64 left = 4 * size + (1 << 20);
+    for (s64 r = from; r < to && left > 0; ++r) {
         const s64 start = std::max<s64>(origin + r * stride, 0), end = std::min(origin + r * stride + bytes, size);
         if (start < end) zelt_md5_update(ctx, block + start, static_cast<u32>(end - start));
+        left -= std::max<s64>(end - start, 1);
     }
 }
 }  // namespace

@@ -1,6 +1,8 @@
 #include "zelt/imgb.h"
 #include "zelt/md5.h"
 
+#include <algorithm>
+#include <array>
 #include <climits>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -178,22 +180,52 @@ TEST(md5, stays_inside_the_block) {
     const picture img = make_picture(8, 1, ZELT_CS_YUV411);
     EXPECT_EQ(md5(img), md5(rows(img, 0, 0, 1, 8) + "\x55\x5c\xaa\xb1" + "\xaa\xb1"));
 
-    const picture wild = make_picture(8, 8, ZELT_CS_YUV400);
+    // Any other numbers, rows in memory order and in the other: what the formula says of the block
+    for (const bool upside_down : {false, true})
+        for (const auto& [x, y, w, h] : {std::array{-24, 0, 16, 8},
+                                         {0, -5, 16, 8},
+                                         {0, 0, 16, 20},
+                                         {-300, -30, 90, 40},
+                                         {0, INT_MIN, 16, INT_MAX}}) {
+            const picture grey = make_picture(16, 8, ZELT_CS_YUV400);
+            const std::string block = rows(grey, 0, 0, 1, 128);
+            if (upside_down) grey->plane[0] = static_cast<uint8_t*>(grey->base[0]) + 112, grey->stride[0] = -16;
+            grey->x = x, grey->y = y, grey->w = w, grey->h = h;
+            std::string expected;
+            for (int r = std::max(y, -100); r < std::min(h, 100); ++r)
+                for (int i = 0; i < w - x; ++i) {
+                    const int at = upside_down ? 112 - r * 16 + i : r * 16 + i;
+                    if (at >= 0 && at < 128) expected += block[static_cast<size_t>(at)];
+                }
+            EXPECT_EQ(md5(grey), md5(expected)) << x << ", " << y << ", " << w << ", " << h;
+        }
+
+    const picture wild = make_picture(500, 5000, ZELT_CS_YUV420);
     wild->w = wild->h = INT_MAX;
     wild->x = wild->y = INT_MIN;
-    md5(wild);  // ends, and faults nowhere under a memory checker
+    md5(wild);  // ends soon, and faults nowhere under a memory checker
+    wild->stride[0] = wild->stride[1] = wild->stride[2] = 0;
+    md5(wild);
 }
 
-TEST(md5, takes_planes_without_a_block) {
+// Whatever `base` holds: a record that was cleared and filled in has no size.
+TEST(md5, takes_planes_that_a_caller_put_together) {
     uint8_t samples[] = {1, 2, 3, 9, 4, 5, 6, 9};
-    ZELT_IMGB img{};
-    img.w = 3;
-    img.h = 2;
-    img.cs = ZELT_CS_YUV420;
-    img.stride[0] = 4;
-    img.plane[0] = samples;
-    uint8_t digest[16];
-    EXPECT_EQ(zelt_md5_imgb(&img, digest), ZELT_OK);
-    EXPECT_EQ(hex(digest), md5("\1\2\3\4\5\6"));
+    for (void* const base : {static_cast<void*>(nullptr), static_cast<void*>(samples)}) {
+        ZELT_IMGB img{};
+        img.w = 3;
+        img.h = 2;
+        img.cs = ZELT_CS_YUV420;
+        img.stride[0] = 4;
+        img.plane[0] = samples;
+        img.base[0] = base;
+        uint8_t digest[16];
+        EXPECT_EQ(zelt_md5_imgb(&img, digest), ZELT_OK);
+        EXPECT_EQ(hex(digest), md5("\1\2\3\4\5\6"));
+        img.x = -5;
+        img.stride[0] = 0;
+        EXPECT_EQ(zelt_md5_imgb(&img, digest), ZELT_OK);
+        EXPECT_EQ(hex(digest), md5("\1\2\3\x9\4\5\6\x9\1\2\3\x9\4\5\6\x9"));
+    }
 }
 }  // namespace
