@@ -48,13 +48,13 @@ using block_copy = void(u8* dst, const u8* src, int s_dst, int s_src, int w, int
 
 /// Rows of N bytes, two at a time and four in a round
 template <int N, int Element> void copy_block(u8* dst, const u8* src, int s_dst, int s_src, int, int h) {
+    if (h <= 0) return;
     const std::ptrdiff_t to = std::ptrdiff_t{s_dst} * Element, from = std::ptrdiff_t{s_src} * Element;
     const auto rows = [&]<int Rows>() {
         fast::copy_rows<N, Rows>(dst, to, src, from);
         dst += Rows * to, src += Rows * from;
         hide_step_from_optimizer(dst), hide_step_from_optimizer(src);
     };
-    if (h <= 0) return;
     if (h & 1) rows.template operator()<1>();
     if (h & 2) rows.template operator()<2>();
     for (h >>= 2; h > 0; --h) {

@@ -52,10 +52,10 @@ using csc::row_pair;
 template <class Format> void resize_row(const row_pair& rows, const axis& x, int dst_w) {
     const u8 *top = rows.top[0], *bottom = rows.bottom[0], *weights = csc::weights_of(rows.phase);
     u8* dst = rows.dst;
-    const std::ptrdiff_t next = static_cast<std::ptrdiff_t>(x.next) * Format::src_bytes;
+    const std::ptrdiff_t next = static_cast<std::ptrdiff_t>(x.next * Format::src_bytes);
     s64 position = 0;
     for (int i = 0; i < dst_w; ++i, position += x.step, dst += Format::dst_bytes) {
-        const std::ptrdiff_t left = static_cast<std::ptrdiff_t>(x.sample(position)) * Format::src_bytes;
+        const std::ptrdiff_t left = static_cast<std::ptrdiff_t>(x.sample(position) * Format::src_bytes);
         const u8* w = weights + 32 * axis::phase(position);
         const auto tl = Format::get(top + left), tr = Format::get(top + left + next);
         const auto bl = Format::get(bottom + left), br = Format::get(bottom + left + next);
@@ -66,6 +66,7 @@ template <class Format> void resize_row(const row_pair& rows, const axis& x, int
 }
 
 template <class Format, class Rows> void resize_rows(const Rows& rows, int count, const axis& x, int dst_w) {
+    if (dst_w < 1) return;  // the rows may be anywhere then
     for (int i = 0; i < count; ++i) resize_row<Format>(rows[i], x, dst_w);
 }
 }  // namespace zelt::inline ZELT_LEVEL::scalar

@@ -80,7 +80,6 @@ template <> struct registers<csc::rgb565_words> : apart<taken_apart<csc::fields5
 template <> struct registers<csc::rgb888_to_565> : apart<taken_apart<csc::rgb888, 3>, put_rgb565> {};
 
 template <class Format, class Rows> void resize_rows(const Rows& rows, int count, const axis& x, int dst_w) {
-    if (dst_w > 0 && !registers<Format>::resize(rows, count, x, dst_w))
-        scalar::resize_rows<Format>(rows, count, x, dst_w);
+    if (!registers<Format>::resize(rows, count, x, dst_w)) scalar::resize_rows<Format>(rows, count, x, dst_w);
 }
 }  // namespace zelt::inline ZELT_LEVEL::simd

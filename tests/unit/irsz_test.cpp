@@ -123,5 +123,11 @@ TEST(irsz, sizes_below_one_write_nothing) {
     zelt_irsz8b_line(rows, zelt_tbl_bilinear_rszw, 0, 0, 1, 1 << 18, &dst);
     zelt_irsz8b_full(src, 1, 1, 0, 1, &dst, 0, 0);
     zelt_irsz8b_full(src, 1, -1, 1, 1, &dst, 0, 0);
+    // at once, whatever the other numbers
+    for (const int32_t none : {0, -1, INT32_MIN}) {
+        zelt_irsz8b8b8b8b_line(rows, zelt_tbl_bilinear_rszw, none, 7, INT32_MAX, INT32_MAX, &dst);
+        zelt_irsz8b8b8b8b_full(src, INT32_MAX, none, INT32_MAX, INT32_MIN, &dst, UINT32_MAX, UINT32_MAX);
+        zelt_irsz5b6b5b_full(src, INT32_MIN, none, INT32_MAX, INT32_MAX, &dst, UINT32_MAX, UINT32_MAX);
+    }
     EXPECT_EQ(dst, 7);
 }

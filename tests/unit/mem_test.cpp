@@ -29,8 +29,10 @@ TEST(mem, nothing_is_copied_without_rows_or_columns) {
         zelt_mcpy_pic_16(&sample, from_16, 1, 1, w, h);
         zelt_mcpy_pic_16(&sample, from_16, w, w, w, h);
     }
-    zelt_mcpy_blk(&byte, from, 1, 1, 8, 0);
-    zelt_mcpy_blk_16(&sample, from_16, 1, 1, 8, -1);
+    for (const int stride : {1, INT_MAX, INT_MIN}) {
+        zelt_mcpy_blk(&byte, from, stride, stride, 8, 0);
+        zelt_mcpy_blk_16(&sample, from_16, stride, stride, 8, -1);
+    }
     EXPECT_EQ(byte, 7);
     EXPECT_EQ(sample, 7);
 }
