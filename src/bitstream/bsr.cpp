@@ -14,7 +14,7 @@ namespace {
 inline u32 load_be32(const u8* p) {
     u32 v;
     std::memcpy(&v, p, sizeof v);
-    return std::endian::native == std::endian::little ? __builtin_bswap32(v) : v;
+    return __builtin_bswap32(v);
 }
 
 inline s32 refill(ZELT_BSR* bs) {

@@ -15,7 +15,7 @@ namespace {
 inline s32 pending(const ZELT_BSW* bs) { return std::clamp(sub(39, bs->leftbits) >> 3, 0, 4); }
 
 inline void store_be32(u8* p, u32 v) {
-    if (std::endian::native == std::endian::little) v = __builtin_bswap32(v);
+    v = __builtin_bswap32(v);
     std::memcpy(p, &v, sizeof v);
 }
 

@@ -4,6 +4,7 @@
 
 #include "core/fill.h"
 #include "core/types.h"
+#include "core/unaligned.h"
 #include "simd/barrier.h"
 
 #include <algorithm>
@@ -14,17 +15,6 @@ using namespace zelt;
 
 namespace {
 constexpr std::size_t block_size = 64;
-
-u32 load_le32(const u8* p) {
-    u32 word;
-    std::memcpy(&word, p, sizeof word);
-    return std::endian::native == std::endian::little ? word : __builtin_bswap32(word);
-}
-
-void store_le32(u8* p, u32 word) {
-    if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap32(word);
-    std::memcpy(p, &word, sizeof word);
-}
 
 // The four functions of a step. G is (b & d) | (c & ~d): its terms are disjoint, so the one without b is added early.
 // clang-format off
@@ -44,7 +34,7 @@ void transform(u32 (&state)[4], const u8* data, std::size_t blocks) {
     auto [a, b, c, d] = state;
     for (; blocks; --blocks, data += block_size) {
         const u32 a0 = a, b0 = b, c0 = c, d0 = d;
-        const auto x = [data](int k) { return load_le32(data + 4 * k); };
+        const auto x = [data](int k) { return load_unaligned<u32>(data + 4 * k); };
         // clang-format off
 #define STEPS(FUNCTION, s0, s1, s2, s3, k0, t0, k1, t1, k2, t2, k3, t3) \
         step<FUNCTION, s0>(a, b, c, d, x(k0) + t0);                     \
@@ -98,23 +88,11 @@ void zelt_md5_update(ZELT_MD5* ctx, const uint8_t* data, uint32_t len) {
 }
 
 void zelt_md5_update_16(ZELT_MD5* ctx, const uint16_t* samples, int32_t count) {
-    u8 staged[512];
-    while (count > 0) {
-        const int n = std::min(count, 256);
-        for (int i = 0; i < n; ++i) {
-            staged[2 * i] = static_cast<u8>(samples[i]);
-            staged[2 * i + 1] = static_cast<u8>(samples[i] >> 8);
-        }
-        zelt_md5_update(ctx, staged, static_cast<u32>(2 * n));
-        samples += n;
-        count -= n;
-    }
+    if (count > 0) zelt_md5_update(ctx, reinterpret_cast<const u8*>(samples), 2 * static_cast<u32>(count));
 }
 
 void zelt_md5_trans(ZELT_MD5* ctx, const uint32_t* block) {
-    u8 data[block_size];
-    for (int i = 0; i < 16; ++i) store_le32(data + 4 * i, block[i]);
-    transform(ctx->state, data, 1);
+    transform(ctx->state, reinterpret_cast<const u8*>(block), 1);
 }
 
 void zelt_md5_finish(ZELT_MD5* ctx, uint8_t digest[16]) {
@@ -126,9 +104,9 @@ void zelt_md5_finish(ZELT_MD5* ctx, uint8_t digest[16]) {
     std::memcpy(tail, ctx->buffer, block_size);
     std::memcpy(tail + pending, padding, block_size);
     const std::size_t size = pending < block_size - 8 ? block_size : 2 * block_size;
-    store_le32(tail + size - 8, ctx->bits_lo);
-    store_le32(tail + size - 4, ctx->bits_hi);
+    store_unaligned(tail + size - 8, ctx->bits_lo);
+    store_unaligned(tail + size - 4, ctx->bits_hi);
     transform(ctx->state, tail, size / block_size);
-    for (int i = 0; i < 4; ++i) store_le32(digest + 4 * i, ctx->state[i]);
+    std::memcpy(digest, ctx->state, sizeof ctx->state);
     fast::fill_bytes(reinterpret_cast<u8*>(ctx), 0, sizeof *ctx);
 }

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <type_traits>
 
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "libzelt is for little-endian processors");
+
 namespace zelt {
 using u8 = std::uint8_t;
 using u16 = std::uint16_t;
