@@ -18,6 +18,13 @@
 #define ZELT_API __attribute__((visibility("default")))
 /** @endcond */
 
+/** Version of these headers, for the preprocessor. */
+/** @{ */
+#define ZELT_VERSION_MAJOR 1
+#define ZELT_VERSION_MINOR 0
+#define ZELT_VERSION_PATCH 0
+/** @} */
+
 ZELT_BEGIN_DECLS
 
 /** Status codes. Success is 0, failures are negative. Functions that return an object return null on failure and
