@@ -11,10 +11,11 @@ typedef u32 word_register __attribute__((vector_size(lanes)));
 typedef u32 word_quad __attribute__((vector_size(16)));
 
 /// Writes a value at both ends of n bytes; they overlap where n is less than two of them. The word's period divides n,
-/// so that its phase is the same at either end.
-template <class T> void fill_ends(u8* dst, T value, std::size_t n) {
+/// so that its phase is the same at either end. n is negative where the steps of fill_registers from both sides have
+/// passed each other.
+template <class T> void fill_ends(u8* dst, T value, std::ptrdiff_t n) {
     store_unaligned(dst, value);
-    store_unaligned(dst + n - sizeof(T), value);
+    store_unaligned(dst + (n - static_cast<std::ptrdiff_t>(sizeof(T))), value);
 }
 
 inline void fill_short(u8* dst, u32 word, std::size_t n) {
