@@ -60,5 +60,7 @@ template <int N, int Rows> void copy_rows(u8* dst, std::ptrdiff_t s_dst, const u
         column(u32{});
     else if constexpr (N >= 2)
         column(u16{});
+    else
+        static_assert(N == 0, "no form for rows of this width");
 }
 }  // namespace zelt::inline ZELT_LEVEL::simd

@@ -80,6 +80,7 @@ inline void fill(u8* dst, u32 word, std::size_t n) {
 
 /// Writes N copies of a byte, N a multiple of 8.
 template <int N> void fill_fixed(u8* dst, u8 value) {
+    static_assert(N % 8 == 0);
     const word_register all = (word_register)(u8xn{} + value);
     constexpr int tail = N % lanes;
     for (int i = 0; i + lanes <= N; i += lanes) store_unaligned(dst + i, all);

@@ -9,6 +9,7 @@ template <int W, int H, class A, class B> void diff(const A* a, const B* b, int 
     using step = std::conditional_t<of_bytes, byte_step<W, H>, word_step<W, H>>;
     constexpr bool one = W == step::columns && H == step::rows, down = W == step::columns;
     constexpr int rows = down && !one ? 2 * step::rows : step::rows, columns = down ? W : 2 * step::columns;
+    static_assert(one || (W % columns == 0 && H % rows == 0), "no form for blocks of this size");
     const std::ptrdiff_t sa = s_a, sb = s_b, sd = s_d;
     const auto subtract = [=](const A* pa, const B* pb) {
         if constexpr (of_bytes)

@@ -123,6 +123,8 @@ requires worth_a_register<W, H, s16> u32 sad(const s16* a, const B* b, int s_a, 
     using step = word_step<W, H>;
     using V = u16_of<step::columns * step::rows>;
     constexpr int group = std::min(abs_diffs<V>::at_once * step::columns / W, H / step::rows) * step::rows;
+    constexpr int registers = group * W / (step::columns * step::rows);
+    static_assert(H % group == 0 && (registers == 1 || registers % 2 == 0), "no form for blocks of this size");
     const std::ptrdiff_t sa = s_a, sb = s_b;
     abs_diffs<V> all;
     const s16* pa = a;
@@ -134,7 +136,7 @@ requires worth_a_register<W, H, s16> u32 sad(const s16* a, const B* b, int s_a, 
         const auto add = [&](const s16* of_a, const B* of_b) {
             const V next_a = load_rows_16<step::columns, step::rows>(of_a, sa);
             const V next_b = load_rows_16<step::columns, step::rows>(of_b, sb);
-            if (group * W == step::rows * step::columns)
+            if (registers == 1)
                 add_abs_diff(part, next_b, next_a);
             else if (second)
                 add_abs_diffs(part, first_b, first_a, next_b, next_a);

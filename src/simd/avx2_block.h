@@ -18,7 +18,7 @@ template <class T> int load_as_int(const void* p) {
 
 /// R rows of `Bytes` bytes each, in one register of 128 bits
 template <int Bytes, int R> __m128i pack_rows(const u8* p, std::ptrdiff_t stride) {
-    static_assert(Bytes * R <= 16);
+    static_assert(R >= 1 && Bytes * R <= 16);
     if constexpr (Bytes == 16) {
         return load_xmm(p);
     } else if constexpr (Bytes == 8) {
@@ -32,6 +32,7 @@ template <int Bytes, int R> __m128i pack_rows(const u8* p, std::ptrdiff_t stride
         if constexpr (R >= 4) v = _mm_insert_epi32(v, load_as_int<u32>(p + 3 * stride), 3);
         return v;
     } else {
+        static_assert(Bytes == 2 && R <= 4, "no form for rows of this width");
         __m128i v = _mm_cvtsi32_si128(load_as_int<u16>(p));
         if constexpr (R >= 2) v = _mm_insert_epi16(v, load_as_int<u16>(p + stride), 1);
         if constexpr (R >= 3) v = _mm_insert_epi16(v, load_as_int<u16>(p + 2 * stride), 2);
@@ -41,7 +42,7 @@ template <int Bytes, int R> __m128i pack_rows(const u8* p, std::ptrdiff_t stride
 }
 
 template <int W, int R> auto load_rows(const u8* p, std::ptrdiff_t stride) {
-    if constexpr (W == 32)
+    if constexpr (W == 32 && R == 1)
         return (u8xn)load_register(p);
     else
         return (u8x16)pack_rows<W, R>(p, stride);
@@ -54,7 +55,7 @@ template <int W, int R> auto load_rows_16(const u8* p, std::ptrdiff_t stride) {
 }
 template <int W, int R> auto load_rows_16(const s16* samples, std::ptrdiff_t stride) {
     const u8* p = reinterpret_cast<const u8*>(samples);
-    if constexpr (W == 16)
+    if constexpr (W == 16 && R == 1)
         return (u16xn)load_register(p);
     else if constexpr (W == 8 && R == 2)
         return (u16xn)load_halves(p, p + 2 * stride);
@@ -71,6 +72,7 @@ template <int W, int R> auto double_rows(const u8* p, std::ptrdiff_t stride) {
         std::memcpy(&v, from, sizeof v);
         return v;
     };
+    static_assert(W == 16 ? R == 1 : W == 8 && R <= 2, "no form for rows of this width");
     if constexpr (W == 16)
         return _mm256_broadcastsi128_si256(load_xmm(p));
     else if constexpr (R == 2)
@@ -93,7 +95,8 @@ template <int W, int R> auto paired_residual(const u8* a, const u8* b, std::ptrd
     }
 }
 template <int W, int R, class V> void store_rows_16(s16* p, std::ptrdiff_t stride, V v) {
-    if constexpr (is_wide<V>) {
+    static_assert(R == 1 || R * W <= 8, "no form for rows of this width");
+    if constexpr (W == 16) {
         store_register(reinterpret_cast<u8*>(p), (__m256i)v);
     } else if constexpr (W == 8) {
         _mm_storeu_si128(reinterpret_cast<__m128i*>(p), (__m128i)v);
@@ -101,6 +104,7 @@ template <int W, int R, class V> void store_rows_16(s16* p, std::ptrdiff_t strid
         _mm_storel_epi64(reinterpret_cast<__m128i*>(p), (__m128i)v);
         if constexpr (R == 2) _mm_storeh_pi(reinterpret_cast<__m64*>(p + stride), _mm_castsi128_ps((__m128i)v));
     } else {
+        static_assert(W == 2, "no form for rows of this width");
         const u32x4 pairs = (u32x4)v;
         for (int i = 0; i < R; ++i) {
             const u32 pair = pairs[i];

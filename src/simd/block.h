@@ -51,6 +51,7 @@ template <int W, int H> using word_step = step<W, H, 8, lanes_16>;
 template <class Step, int W, int H, int Few, class A, class B, class F>
 [[gnu::always_inline]] inline void each_step(const A* a, const B* b, std::ptrdiff_t sa, std::ptrdiff_t sb, F f) {
     constexpr int turn = H < 4 * Step::rows ? H : 4 * Step::rows;
+    static_assert(W % Step::columns == 0 && turn % Step::rows == 0 && H % turn == 0, "no form for blocks of this size");
     constexpr int turns_at_once = W / Step::columns * (H / Step::rows) <= Few ? H / turn : H / turn % 2 ? 1 : 2;
 #pragma GCC unroll 1
     for (int y = 0; y < H; y += turn * turns_at_once)

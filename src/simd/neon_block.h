@@ -15,7 +15,7 @@ template <class V> V hide_from_optimizer(V v) {
 
 /// R rows of `Bytes` bytes each, in half a register
 template <int Bytes, int R> uint8x8_t pack_half(const u8* p, std::ptrdiff_t stride) {
-    static_assert(Bytes * R <= 8);
+    static_assert(R >= 1 && Bytes * R <= 8);
     if constexpr (Bytes == 8) {
         return vld1_u8(p);
     } else if constexpr (Bytes == 4) {
@@ -24,6 +24,7 @@ template <int Bytes, int R> uint8x8_t pack_half(const u8* p, std::ptrdiff_t stri
         if constexpr (R >= 2) v = vset_lane_u32(load_as<u32>(p + stride), v, 1);
         return vreinterpret_u8_u32(v);
     } else {
+        static_assert(Bytes == 2, "no form for rows of this width");
         uint16x4_t v = vdup_n_u16(0);
         v = vset_lane_u16(load_as<u16>(p), v, 0);
         if constexpr (R >= 2) v = vset_lane_u16(load_as<u16>(p + stride), v, 1);
@@ -34,6 +35,7 @@ template <int Bytes, int R> uint8x8_t pack_half(const u8* p, std::ptrdiff_t stri
 }
 /// R rows of `Bytes` bytes each, in a register
 template <int Bytes, int R> uint8x16_t pack_rows(const u8* p, std::ptrdiff_t stride) {
+    static_assert(R >= 1 && Bytes * R <= 16);
     constexpr int low = R > 8 / Bytes ? 8 / Bytes : R;
     if constexpr (Bytes == 16)
         return vld1q_u8(p);
@@ -54,11 +56,13 @@ template <int W, int R> u16xn load_rows_16(const u16* p, std::ptrdiff_t stride) 
     return load_rows_16<W, R>(reinterpret_cast<const s16*>(p), stride);
 }
 template <int W, int R> u16xn paired_residual(const u8* a, const u8* b, std::ptrdiff_t, std::ptrdiff_t) {
+    static_assert(W == 8 && R == 1, "no form for rows of this width");
     const int16x8_t d = vreinterpretq_s16_u16(vsubl_u8(vld1_u8(a), vld1_u8(b)));
     const int16x4x2_t pairs = vuzp_s16(vget_low_s16(d), vget_high_s16(d));
     return (u16xn)vcombine_s16(vadd_s16(pairs.val[0], pairs.val[1]), vsub_s16(pairs.val[0], pairs.val[1]));
 }
 template <int W, int R> void store_rows_16(s16* p, std::ptrdiff_t stride, u16xn v) {
+    static_assert(W * R <= 8, "no form for rows of this width");
     if constexpr (W == 8)
         vst1q_u16(reinterpret_cast<u16*>(p), (uint16x8_t)v);
     else
