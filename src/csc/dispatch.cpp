@@ -99,7 +99,7 @@ consteval auto make_table(const source (&rows)[Rows], const int (&columns)[Colum
     std::array<zelt_csc_fn, 2 * Rows * Columns> table{};
     const auto enter = [&](std::size_t row, const auto& pairs) {
         for (const pair& p : pairs)
-            if (p.convert) table[row * Columns + column_of(columns, p.destination)] = p.convert;
+            if (p.destination) table[row * Columns + column_of(columns, p.destination)] = p.convert;
     };
     for (std::size_t i = 0; i < Rows; ++i) {
         enter(i, rows[i].same_size);
