@@ -20,12 +20,13 @@ endif()
 set(CMAKE_CXX_IMPLICIT_LINK_LIBRARIES "")
 set(ZELT_LIBRARY_FLAGS -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-semantic-interposition
   -Wmissing-declarations)
-# Kernels gain up to 1.4x from -O3; packages, which are built with flags of their own (-O2), get it too.
-list(APPEND ZELT_LIBRARY_FLAGS $<$<NOT:$<CONFIG:Debug,MinSizeRel>>:-O3>)
 set(ZELT_LINK_FLAGS -Wl,--as-needed -Wl,-z,text -Wl,-z,max-page-size=16384)
 if(ZELT_SANITIZE)
-  add_compile_options(-fsanitize=${ZELT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  # -O1 compiles in half the time of -O3.
+  add_compile_options(-fsanitize=${ZELT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
   add_link_options(-fsanitize=${ZELT_SANITIZE})
 else()
+  # Kernels gain up to 1.4x from -O3; packages, which are built with flags of their own (-O2), get it too.
+  list(APPEND ZELT_LIBRARY_FLAGS $<$<NOT:$<CONFIG:Debug,MinSizeRel>>:-O3>)
   list(APPEND ZELT_LINK_FLAGS -Wl,--no-undefined)  # sanitizers leave symbols to the executable
 endif()
