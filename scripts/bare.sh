@@ -21,7 +21,7 @@ mmdebstrap --quiet --variant=apt --format=null --include=g++,cmake,make \
     --customize-hook="$inside 'mkdir /libzelt'" --customize-hook='tar-in build/bare.tar /libzelt' \
     --customize-hook="$inside 'cd /libzelt
         cmake -S . -B build
-        cmake --build build -- --silent
+        cmake --build build >/dev/null
         cmake --install build --prefix /opt/zelt'" \
     --customize-hook="$inside 'apt-get install -y -qq --no-install-recommends pkg-config >/dev/null
         sh /libzelt/tests/consumer/run.sh /libzelt/build /tmp/consumer'" \
