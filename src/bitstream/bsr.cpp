@@ -30,17 +30,17 @@ inline void consume(ZELT_BSR* bs, s32 size) {
     bs->leftbits = sub(bs->leftbits, size);
 }
 
-/// Whether the bits asked for are all in the cache, as they mostly are; false for counts out of range.
+/// Whether the cache holds all the bits asked for, the usual case; false for counts out of range.
 inline bool in_cache(const ZELT_BSR* bs, s32 size) { return static_cast<u32>(size) <= 32 && size <= bs->leftbits; }
 
-/// Whether the default refill would load a whole word and the cache is as reads leave it.
-[[maybe_unused]] inline bool word_ahead(const ZELT_BSR* bs) {
+/// Whether the default refill would load a whole word, with the cache in the state that reads leave it in.
+[[maybe_unused]] inline bool can_refill_word(const ZELT_BSR* bs) {
     return bs->flush_fn == zelt_bsr_flush && bytes_left(bs) >= 4 && static_cast<u32>(bs->leftbits) <= 32;
 }
 
-/// Reads 0..32 bits with a word ahead. Fields of any width meet the end of the cache at random, and a mispredicted
-/// branch costs more than all of this.
-[[maybe_unused]] inline u32 take_branchless(ZELT_BSR* bs, s32 size) {
+/// Reads 0..32 bits if a whole word can be refilled. Whether a field crosses the end of the cache is unpredictable, and
+/// a mispredicted branch costs more than all of this.
+[[maybe_unused]] inline u32 read_bits_branchless(ZELT_BSR* bs, s32 size) {
     const u32 code = bs->code, next = load_be32(bs->cur);
     const s32 left = bs->leftbits - size, refilled = left >> 31;
     const u32 value = shr(code | shr(next, bs->leftbits), 32 - size), mask = static_cast<u32>(refilled);
@@ -50,8 +50,8 @@ inline bool in_cache(const ZELT_BSR* bs, s32 size) { return static_cast<u32>(siz
     return value;
 }
 
-/// Reads `size` bits. The result is that of the refill, 0 where none was needed; the value is set only then.
-inline s32 take(ZELT_BSR* bs, s32 size, u32& value) {
+/// Reads `size` bits. Returns what the refill returned, 0 if none was needed; only then is the value set.
+inline s32 read_bits(ZELT_BSR* bs, s32 size, u32& value) {
     const s32 left = bs->leftbits;
     u32 high = shr(bs->code, sub(32, size));
     if (left < size) {
@@ -66,12 +66,12 @@ inline s32 take(ZELT_BSR* bs, s32 size, u32& value) {
 
 [[gnu::noinline]] u32 read_slowly(ZELT_BSR* bs, s32 size) {
     u32 value;
-    return take(bs, size, value) ? ~u32{0} : value;
+    return read_bits(bs, size, value) ? ~u32{0} : value;
 }
 
 [[gnu::noinline]] s32 skip_slowly(ZELT_BSR* bs, s32 size) {
     u32 value;
-    const s32 status = take(bs, size, value);
+    const s32 status = read_bits(bs, size, value);
     return status ? status : bs->leftbits;
 }
 
@@ -79,7 +79,7 @@ inline s32 take(ZELT_BSR* bs, s32 size, u32& value) {
     s32 zeros = 0;
     if (bs->code == 0) {  // the cache holds nothing but zeros of this codeword
         zeros = bs->leftbits;
-        refill(bs);  // at the end of the data the cache stays 0, and `take` fails
+        refill(bs);  // at the end of the data the cache stays 0, and read_bits fails
     }
     const s32 more = std::countl_zero(bs->code);
     if (add(zeros, more) == 0) {
@@ -87,7 +87,7 @@ inline s32 take(ZELT_BSR* bs, s32 size, u32& value) {
         return 0;
     }
     u32 value;
-    return take(bs, add(zeros, 2 * more + 1), value) ? ~u32{1} : value - 1;
+    return read_bits(bs, add(zeros, 2 * more + 1), value) ? ~u32{1} : value - 1;
 }
 
 [[gnu::noinline]] u32 peek_slowly(ZELT_BSR* bs, s32 size) {
@@ -95,19 +95,19 @@ inline s32 take(ZELT_BSR* bs, s32 size, u32& value) {
         const u32 old = bs->code;
         const s32 left = bs->leftbits, room = sub(32, left) >> 3;
         if (room > 0) {
-            bs->flush_fn(bs, std::min(room, 4));  // a failure leaves what was there
+            bs->flush_fn(bs, std::min(room, 4));  // if it fails, the old bits remain
             bs->code = old | shr(bs->code, left);
             bs->leftbits = add(bs->leftbits, left);
         }
     }
     u32 value = shr(bs->code, sub(32, size));
-    // Up to a byte may be missing still: the next one is looked at, not loaded. Further bits would read as 0.
+    // Up to a byte may still be missing: the next one is peeked at, not loaded. Any further bits read as 0.
     if (size > bs->leftbits && bytes_left(bs) > 0) value |= shr(*bs->cur, sub(8, sub(size, bs->leftbits)));
     return value;
 }
 
-/// Whether the cache counts as holding the zero that ends a run of ones. The test reaches one bit past the valid ones.
-/// Kept: that bit is a zero, so a run that fills the cache ends with it; a full cache has no such bit and never counts.
+/// Whether the cache counts as holding the zero that ends a run of ones. The test includes one bit past the valid ones.
+/// Kept: that bit is a zero, so a run that fills the cache ends with it; a full cache has no such bit.
 inline bool run_ends(const ZELT_BSR* bs) { return bs->leftbits != 0 && shr(~bs->code, sub(31, bs->leftbits)) != 0; }
 
 inline s32 leading_ones(const ZELT_BSR* bs) { return std::countl_one(bs->code); }
@@ -148,13 +148,13 @@ int32_t zelt_bsr_skip(ZELT_BSR* bs, int32_t size) {
 
 uint32_t zelt_bsr_skip_peek(ZELT_BSR* bs, int32_t size, int32_t peek_size) {
     u32 value;
-    if (take(bs, size, value)) return 0;
+    if (read_bits(bs, size, value)) return 0;
     return bs->leftbits >= peek_size ? shr(bs->code, sub(32, peek_size)) : zelt_bsr_peek(bs, peek_size);
 }
 
 uint32_t zelt_bsr_read(ZELT_BSR* bs, int32_t size) {
     if constexpr (shift_limit == 64) {
-        if (static_cast<u32>(size) <= 32 && word_ahead(bs)) return take_branchless(bs, size);
+        if (static_cast<u32>(size) <= 32 && can_refill_word(bs)) return read_bits_branchless(bs, size);
     } else if (in_cache(bs, size)) {
         const u32 value = shr(bs->code, 32 - size);
         consume(bs, size);
@@ -164,7 +164,7 @@ uint32_t zelt_bsr_read(ZELT_BSR* bs, int32_t size) {
 }
 
 int32_t zelt_bsr_read1(ZELT_BSR* bs) {
-    // Kept: only an empty cache is refilled. Below 0 the reader goes on giving zeros.
+    // Kept: only an empty cache is refilled. Below 0 the reader keeps returning zeros.
     if (bs->leftbits == 0 && refill(bs)) return -1;
     const u32 bit = bs->code >> 31;
     consume(bs, 1);
@@ -205,7 +205,7 @@ uint32_t zelt_bsr_read_te(ZELT_BSR* bs, int32_t range) {
 uint32_t zelt_bsr_read_un(ZELT_BSR* bs) {
     s32 ones = 0;
     if (!run_ends(bs)) {
-        ones = bs->leftbits;  // Kept: counted without a look at them
+        ones = bs->leftbits;  // Kept: counted unseen
         refill(bs);
     }
     const s32 more = leading_ones(bs);
@@ -217,7 +217,7 @@ uint32_t zelt_bsr_read_tu(ZELT_BSR* bs, int32_t max) {
     s32 ones = 0;
     if (!run_ends(bs)) {
         ones = bs->leftbits;
-        if (ones >= max) {  // Kept: not looked at
+        if (ones >= max) {  // Kept: counted unseen
             consume(bs, max);
             return static_cast<u32>(max);
         }

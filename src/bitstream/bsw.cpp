@@ -1,4 +1,4 @@
-// Bit writer. The default flush is done inline where a whole word goes out; a caller's own goes through the callback.
+// Bit writer. The default flush of a whole word is done inline; a caller's own goes through the callback.
 #include "zelt/bsw.h"
 
 #include "bitstream/cache.h"
@@ -11,15 +11,15 @@ using namespace zelt;
 
 namespace {
 
-/// Occupied bytes of the cache, a partial one counting whole.
-inline s32 pending(const ZELT_BSW* bs) { return std::clamp(sub(39, bs->leftbits) >> 3, 0, 4); }
+/// Bytes of the cache that hold bits, a partial one included.
+inline s32 occupied_bytes(const ZELT_BSW* bs) { return std::clamp(sub(39, bs->leftbits) >> 3, 0, 4); }
 
 inline void store_be32(u8* p, u32 v) {
     v = __builtin_bswap32(v);
     std::memcpy(p, &v, sizeof v);
 }
 
-/// Hands a full cache to the caller's flush, then keeps the bits of `word` that the first `left` ones leave over.
+/// Hands a full cache to the caller's flush, then keeps the bits of `word` after the first `left`.
 [[gnu::noinline]] s32 flush_full(ZELT_BSW* bs, u32 word, s32 left, s32 leftbits) {
     bs->leftbits = 0;
     bs->flush_fn(bs);
@@ -29,7 +29,7 @@ inline void store_be32(u8* p, u32 v) {
 }
 
 /// Appends the low `len` bits of `val`.
-inline s32 put(ZELT_BSW* bs, u32 val, s32 len) {
+inline s32 write_bits(ZELT_BSW* bs, u32 val, s32 len) {
     const u32 word = shl(val, sub(32, len));  // left-aligned
     const s32 left = bs->leftbits;
     bs->code |= shr(word, sub(32, left));
@@ -47,10 +47,10 @@ inline s32 put(ZELT_BSW* bs, u32 val, s32 len) {
     return 0;
 }
 
-inline void put_ue(ZELT_BSW* bs, u32 val) {
+inline void write_ue(ZELT_BSW* bs, u32 val) {
     const u32 x = val + 1;
     const s32 k = std::min(31 - std::countl_zero(x | 1), 16);
-    put(bs, u32{1} << k | (x & ((u32{1} << k) - 1)), 2 * k + 1);
+    write_bits(bs, u32{1} << k | (x & ((u32{1} << k) - 1)), 2 * k + 1);
 }
 
 }  // namespace
@@ -65,7 +65,7 @@ void zelt_bsw_init(ZELT_BSW* bs, uint8_t* buf, int32_t size, zelt_bsw_flush_fn f
 }
 
 int32_t zelt_bsw_flush(ZELT_BSW* bs) {
-    const s32 n = pending(bs), stored = static_cast<s32>(std::clamp<std::intptr_t>(bytes_left(bs), 0, n));
+    const s32 n = occupied_bytes(bs), stored = static_cast<s32>(std::clamp<std::intptr_t>(bytes_left(bs), 0, n));
     for (s32 i = 0; i < stored; ++i) bs->cur[i] = static_cast<u8>(bs->code >> (24 - 8 * i));
     bs->cur = advance(bs->cur, n);
     bs->code = shl(bs->code, 8 * n);
@@ -75,7 +75,7 @@ int32_t zelt_bsw_flush(ZELT_BSW* bs) {
 int32_t zelt_bsw_deinit(ZELT_BSW* bs) { return bs->flush_fn(bs); }
 
 int32_t zelt_bsw_sink(ZELT_BSW* bs) {
-    if (pending(bs) >= bytes_left(bs)) return -1;  // Kept: the last byte of the buffer stays free
+    if (occupied_bytes(bs) >= bytes_left(bs)) return -1;  // Kept: the last byte of the buffer stays free
     bs->flush_fn(bs);
     bs->code = 0;
     bs->leftbits = 32;
@@ -89,23 +89,23 @@ int32_t zelt_bsw_write1(ZELT_BSW* bs, int32_t val) {
     }
     if (bs->leftbits > 0) return 0;
     if (bytes_left(bs) < 1) return -1;
-    bs->flush_fn(bs);  // Kept: with fewer than four bytes left it is called all the same
+    bs->flush_fn(bs);  // Kept: called with fewer than four bytes left, too
     bs->code = 0;
     bs->leftbits = 32;
     return 0;
 }
 
-int32_t zelt_bsw_write(ZELT_BSW* bs, uint32_t val, int32_t len) { return put(bs, val, len); }
+int32_t zelt_bsw_write(ZELT_BSW* bs, uint32_t val, int32_t len) { return write_bits(bs, val, len); }
 
-void zelt_bsw_write_ue(ZELT_BSW* bs, uint32_t val) { put_ue(bs, val); }
+void zelt_bsw_write_ue(ZELT_BSW* bs, uint32_t val) { write_ue(bs, val); }
 
-void zelt_bsw_write_se(ZELT_BSW* bs, int32_t val) { put_ue(bs, signed_to_code(val)); }
+void zelt_bsw_write_se(ZELT_BSW* bs, int32_t val) { write_ue(bs, se_to_ue(val)); }
 
 void zelt_bsw_write_te(ZELT_BSW* bs, uint32_t val, int32_t range) {
     if (range == 1)
         zelt_bsw_write1(bs, static_cast<s32>(1 - val));
     else if (range > 1)
-        put_ue(bs, val);
+        write_ue(bs, val);
 }
 
 int32_t zelt_bsw_size_ue(uint32_t val) {
@@ -113,4 +113,4 @@ int32_t zelt_bsw_size_ue(uint32_t val) {
     return codeword_bits[std::min<u32>((val + 1) >> 8, 255)] + 16;
 }
 
-int32_t zelt_bsw_size_se(int32_t val) { return zelt_bsw_size_ue(signed_to_code(val)); }
+int32_t zelt_bsw_size_se(int32_t val) { return zelt_bsw_size_ue(se_to_ue(val)); }

@@ -1,4 +1,4 @@
-#pragma once  // Exp-Golomb codes: lengths of codewords and the order of signed values
+#pragma once  // Exp-Golomb codes: lengths of codewords and the mapping of signed values
 #include "core/types.h"
 
 #include <array>
@@ -13,8 +13,8 @@ constexpr auto codeword_bits = [] {
     return bits;
 }();
 
-/// The code number of a signed value: 0, 1, -1, 2, -2, ... count from 0.
-inline u32 signed_to_code(s32 v) {
+/// The code number of a signed value: 0, 1, -1, 2, -2 ... are 0, 1, 2, 3, 4 ...
+inline u32 se_to_ue(s32 v) {
     const u32 twice = 2 * static_cast<u32>(v);
     return v <= 0 ? 0 - twice : twice - 1;
 }
