@@ -25,7 +25,7 @@ bool add_buffer(ZELT_AUDB* aud, int k, s32 nsamples, s64 size) {
 
 bool add_buffers(ZELT_AUDB* aud, s32 nsamples) {
     const s64 channel = ((s64{aud->bits} + 7) >> 3) * nsamples;
-    const bool wide = channel < INT32_MIN || channel > INT32_MAX;  // too large in any number but none
+    const bool wide = channel < INT32_MIN || channel > INT32_MAX;  // too large, unless there are no channels
     if (aud->interleaved) return add_buffer(aud, 0, nsamples, wide && aud->nch ? -1 : channel * aud->nch);
     for (int k = 0; k < aud->nch; ++k)
         if (!add_buffer(aud, k, nsamples, channel)) return false;

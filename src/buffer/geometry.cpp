@@ -45,7 +45,7 @@ void set_dimension(const format& f, s32* w, s32* h, u32* bps) {
 constexpr s64 high(u32 word) { return word >> 16; }
 constexpr s64 low(u32 word) { return word & 0xffff; }
 
-// Kept: no multiples of 0 but 0 itself.
+// Kept: with a step of 0 the result is 0.
 constexpr s64 align_up(s64 size, s64 step) { return (size + step - 1) & -step; }
 
 constexpr bool fits(s64 n) { return n >= 0 && n <= 0x7fffffff; }
@@ -85,8 +85,8 @@ s32 zelt::get_info(s32 cs, s32 w, s32 h, const u32* align, const u32* pad, geome
         g->ah[i] = static_cast<s32>(ah);
         g->stride[i] = static_cast<s32>(stride);
         g->rows[i] = static_cast<s32>(rows);
-        g->inset[i] =
-            static_cast<s32>(pad_bytes + stride * pad_rows);  // within the plane, or pad_bytes if it has no rows
+        // within the plane, or pad_bytes if it has no rows
+        g->plane_offset[i] = static_cast<s32>(pad_bytes + stride * pad_rows);
     }
     g->size = size;
     return ZELT_OK;

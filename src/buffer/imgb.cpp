@@ -29,18 +29,17 @@ void lay_out(ZELT_IMGB* img, s32 cs, const geometry& g, void* block, u32 aux) {
         img->stride[i] = g.stride[i];
         img->rows[i] = g.rows[i];
         img->base[i] = used ? base : nullptr;
-        img->plane[i] = used ? base + g.inset[i] : nullptr;
+        img->plane[i] = used ? base + g.plane_offset[i] : nullptr;
         img->base_aux[i] = used ? aux : 0;
-        // Kept: an auxiliary address of 0 stands for none, but for the planes after the first it counts on from there.
-        img->plane_aux[i] = used && aux ? aux + static_cast<u32>(g.inset[i]) : 0;
+        // Kept: an auxiliary address of 0 means none, yet those of the planes after the first are computed from it.
+        img->plane_aux[i] = used && aux ? aux + static_cast<u32>(g.plane_offset[i]) : 0;
         const s32 bytes = g.stride[i] * g.rows[i];
         base += bytes;
         aux += static_cast<u32>(bytes);
     }
 }
 
-// The memory of one plane, and runs of zeros in it that repeat from row to row. The runs come from a caller's numbers:
-// what lies past the plane is dropped, and no more rows are visited than the plane has.
+// Clears rectangles of one plane. They come from the caller and are clipped to the plane's memory.
 struct plane_memory {
     u8* base;
     s64 stride, size;
@@ -50,7 +49,7 @@ struct plane_memory {
 
     void clear(s64 offset, s64 bytes, s64 rows) const {
         if (stride <= 0 || rows <= 0 || bytes <= 0) return;
-        if (bytes >= stride) {  // runs that touch are one
+        if (bytes >= stride) {  // no gaps: one run
             bytes += (rows - 1) * stride;
             rows = 1;
         }
@@ -61,7 +60,7 @@ struct plane_memory {
 
 s64 count(s32 n) { return std::max(n, 0); }
 
-// What alignment added right of and below w x h samples; a row below is cleared for bytes_below.
+// Clears what alignment added to the right of and below w x h samples, bytes_below of each row below.
 void clear_alignment(const ZELT_IMGB* img, int i, s64 w, s64 h, s64 aw, s64 ah, s64 bytes, s64 bytes_below) {
     const plane_memory memory(img, i);
     const s64 origin = static_cast<u8*>(img->plane[i]) - memory.base;
@@ -136,7 +135,7 @@ ZELT_IMGB* zelt_imgb_create(int32_t w, int32_t h, int32_t cs, uint32_t option, c
 
 int32_t zelt_imgb_rebirth(ZELT_IMGB* img, int32_t w, int32_t h, int32_t cs, uint32_t option, const uint32_t* align,
                           const uint32_t* pad) {
-    img->addref(img);  // the picture lives while it is laid out anew
+    img->addref(img);  // held while its layout changes
     const s32 status = reshape(img, w, h, cs, option, align, pad);
     img->release(img);
     return status;

@@ -1,5 +1,5 @@
-// MD5 (RFC 1321). Each step waits for the one before it, so all that counts is how few instructions lie between `b`
-// and the step's result; whatever does not depend on `b` is kept off that path.
+// MD5 (RFC 1321). Each step waits for the one before it, so what counts is the number of instructions from `b` to the
+// step's result; everything that does not depend on `b` is kept off that path.
 #include "zelt/md5.h"
 
 #include "core/fill.h"
@@ -24,7 +24,7 @@ struct H { static u32 early(u32, u32)     { return 0; }      static u32 late(u32
 struct I { static u32 early(u32, u32)     { return 0; }      static u32 late(u32 b, u32 c, u32 d) { return c ^ (b | ~d); } };
 // clang-format on
 
-/// The barrier keeps the compiler from putting the terms of the sum back in line.
+/// The optimisation barrier keeps the compiler from reassociating the sum, which would lengthen the path.
 template <class Function, int Shift> void step(u32& a, u32 b, u32 c, u32 d, u32 word_and_constant) {
     a = hide_from_optimizer(a + word_and_constant + Function::early(c, d));
     a = b + std::rotl(a + Function::late(b, c, d), Shift);
@@ -59,9 +59,15 @@ void transform(u32 (&state)[4], const u8* data, std::size_t blocks) {
         STEPS(I, 6, 10, 15, 21,  4, 0xf7537e82, 11, 0xbd3af235,  2, 0x2ad7d2bb,  9, 0xeb86d391)
 #undef STEPS
         // clang-format on
-        a += a0, b += b0, c += c0, d += d0;
+        a += a0;
+        b += b0;
+        c += c0;
+        d += d0;
     }
-    state[0] = a, state[1] = b, state[2] = c, state[3] = d;
+    state[0] = a;
+    state[1] = b;
+    state[2] = c;
+    state[3] = d;
 }
 }  // namespace
 
@@ -97,8 +103,8 @@ void zelt_md5_trans(ZELT_MD5* ctx, const uint32_t* block) {
 
 void zelt_md5_finish(ZELT_MD5* ctx, uint8_t digest[16]) {
     const std::size_t pending = ctx->bits_lo / 8 % block_size;
-    // 0x80, zeros, and the length in the last eight bytes of a block; the padding reaches it in either block. Of short
-    // messages, this is much of the work: pieces of fixed sizes take a few stores each.
+    // Appends 0x80, zeros and the 64-bit length, filling one block or two. Copies of constant size: this dominates
+    // short messages.
     static constexpr u8 padding[block_size] = {0x80};
     u8 tail[2 * block_size];
     std::memcpy(tail, ctx->buffer, block_size);

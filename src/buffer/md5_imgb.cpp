@@ -7,7 +7,7 @@
 using namespace zelt;
 
 namespace {
-/// Digests rows from..to of a plane; of a block that the library allocated, only what lies inside.
+/// Digests rows from..to of a plane, clipped to the block if the library allocated one.
 void digest_rows(ZELT_MD5* ctx, const ZELT_IMGB* img, int plane, s64 from, s64 to, s64 bytes) {
     const u8* sample = static_cast<const u8*>(img->plane[plane]);
     if (!sample || bytes <= 0) return;
@@ -41,7 +41,7 @@ int32_t zelt_md5_imgb(const ZELT_IMGB* img, uint8_t digest[16]) {
     zelt_md5_init(&ctx);
     // Kept: every row starts at column 0; x shortens it at its end.
     digest_rows(&ctx, img, 0, y, h, w - x);
-    // Kept: chroma counts as halved both ways and as one byte a sample in every format, and alpha is left out.
+    // Kept: chroma counts as halved both ways, with one byte per sample, in every format, and alpha is left out.
     if (img->cs != ZELT_CS_YUV400)
         for (const int plane : {1, 2}) digest_rows(&ctx, img, plane, y >> 1, (h + 1) >> 1, (w + 1 - x) >> 1);
     zelt_md5_finish(&ctx, digest);
