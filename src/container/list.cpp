@@ -89,7 +89,7 @@ void* zelt_list_add(ZELT_LIST* list, const void* data) { return insert_after(lis
 void* zelt_list_add_first(ZELT_LIST* list, const void* data) { return insert_after(list, list->head, data); }
 
 void* zelt_list_insert_at(ZELT_LIST* list, const void* data, int idx) {
-    // Kept: only the ends take an element, positions inside the list are refused.
+    // Kept: elements are added at the ends only, positions inside the list are refused.
     if (idx < 0) return zelt_list_add_first(list, data);
     return idx == list->cnt ? zelt_list_add(list, data) : nullptr;
 }
@@ -140,7 +140,7 @@ int zelt_list_rem_last(ZELT_LIST* list) { return empty(list) ? list->cnt : remov
 int zelt_list_rem_cur(ZELT_LIST* list) { return list->cur ? remove(list, list->cur) : list->cnt; }
 
 int zelt_list_rem_prev(ZELT_LIST* list) {
-    // Kept: without a cursor the last element goes, as if the cursor stood behind it.
+    // Kept: without a cursor the last element is removed, as if the cursor were behind it.
     ZELT_NODE* node = prev_or_null(list, list->cur ? list->cur : list->tail);
     return node ? remove(list, node) : -1;
 }

@@ -1,5 +1,5 @@
 // Indices run from 0 to size, the read index even to size + 1 (see ZELT_RBUF), so the length of a piece can be -1.
-// Sums of two of them are formed in 64 bits.
+// Sums of two indices are computed in 64 bits.
 #include "zelt/rbuf.h"
 
 #include "core/types.h"
@@ -13,7 +13,7 @@ using namespace zelt;
 namespace {
 bool wrapped(const ZELT_RBUF* rb) { return rb->tail > rb->head; }
 bool empty(const ZELT_RBUF* rb) { return rb->head == rb->tail; }
-/// Whether the write index stands at (tail + size - 1) % size
+/// Whether the write index is (tail + size - 1) % size
 bool full(const ZELT_RBUF* rb) {
     return rb->head == (rb->tail == 0 ? rb->size - 1 : rb->tail <= rb->size ? rb->tail - 1 : 0);
 }
@@ -22,7 +22,7 @@ void copy(u8* dst, const u8* src, s64 n) {
     if (n > 0) std::memcpy(dst, src, static_cast<std::size_t>(n));
 }
 
-/// Consumes up to len bytes of wrapped data and says how many lie before the wrap (-1 at worst) and behind it.
+/// Consumes up to len bytes of wrapped data; returns how many are before the wrap (-1 at worst) and behind it.
 struct pieces {
     s64 before, behind;
 };
@@ -32,8 +32,9 @@ pieces take_wrapped(ZELT_RBUF* rb, s64 len) {
     return {e, m};
 }
 
-/// Copies up to n bytes to `line + at`, through a line feed that is given a carriage return where it has none. Nothing
-/// is written before `line`. Returns the length written, 0 without a line feed or with a zero byte before it.
+/// Copies up to n bytes to `line + at`, up to and including a line feed, before which a missing carriage return is
+/// added. Nothing is written before `line`. Returns the length written, 0 without a line feed or with a zero byte
+/// before it.
 int copy_line(const u8* src, s64 n, char* line, s64 at) {
     const auto put = [&](s64 k, int c) {
         if (at + k >= 0) line[at + k] = static_cast<char>(c);
@@ -141,7 +142,7 @@ int zelt_rbuf_skip_tail(ZELT_RBUF* rb, int len) {
 int zelt_rbuf_put(ZELT_RBUF* rb, const uint8_t* data, int len) {
     if (len < 0 || full(rb)) return 0;
     const int e = wrapped(rb) ? rb->tail - rb->head : rb->size - rb->head;
-    // Kept: with the read index at 0 the whole rest of the storage may be filled, the write index then being `size`.
+    // Kept: with the read index at 0 the rest of the storage can be filled completely, the write index is then `size`.
     if (e > len || (e == len && rb->tail == 0)) {
         copy(rb->buf + rb->head, data, len);
         rb->head += len;
@@ -172,7 +173,7 @@ int zelt_rbuf_get(ZELT_RBUF* rb, uint8_t* dst, int len) {
     }
     const auto [before, behind] = take_wrapped(rb, len);
     copy(dst, src, before);
-    const s64 drop = before < 0 ? -before : 0;  // what would land before dst
+    const s64 drop = before < 0 ? -before : 0;  // bytes that would be written before dst
     copy(dst + (before + drop), rb->buf + drop, behind - drop);
     return static_cast<int>(before + behind);
 }
@@ -182,7 +183,7 @@ int zelt_rbuf_get_one_line(ZELT_RBUF* rb, char* line, int max) {
     const s64 e = zelt_rbuf_get_fillc_len(rb);
     // Kept: data before a wrap is searched and copied whole, whatever max says.
     if (const int n = copy_line(rb->buf + rb->tail, wrapped(rb) ? e : std::min<s64>(e, max - 1), line, 0)) {
-        rb->tail += n;  // Kept: what was added to the line is taken from the ring, too
+        rb->tail += n;  // Kept: a carriage return that was added is consumed from the ring, too
         return end_line(line, n);
     }
     if (!wrapped(rb) || e >= max || (e > 0 && std::memchr(rb->buf + rb->tail, 0, static_cast<std::size_t>(e))))

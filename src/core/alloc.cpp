@@ -1,4 +1,4 @@
-// Blocks at multiples of 32, each with the address that malloc gave in the word before it.
+// Blocks aligned to 32 bytes, each preceded by a word with the address that malloc returned.
 #include "core/types.h"
 #include "zelt/mem.h"
 

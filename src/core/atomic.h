@@ -5,7 +5,7 @@ namespace zelt {
 template <int Order = __ATOMIC_RELAXED, class T> T atomic_load(const T* p) { return __atomic_load_n(p, Order); }
 template <class T> void atomic_store(T* p, T value) { __atomic_store_n(p, value, __ATOMIC_RELAXED); }
 
-/// Adds, and gives the sum; both wrap.
+/// Adds, and returns the sum; it wraps.
 template <int Order = __ATOMIC_RELAXED> s32 atomic_add(s32* p, s32 n) {
     return static_cast<s32>(static_cast<u32>(__atomic_fetch_add(p, n, Order)) + static_cast<u32>(n));
 }

@@ -26,8 +26,8 @@ struct area {
     s64 s_dst, s_src, w, h;  // bytes
 };
 
-/// Kept: what is left of a run of 16-bit samples after pieces of 64 bytes is copied with its bytes counted as samples.
-/// A rest of 32 bytes of a row is a piece of its own.
+/// Kept: of a run of 16-bit samples, the rest after pieces of 64 bytes is copied at twice its size, its bytes counted
+/// as samples. A rest of 32 bytes of a row is a piece of its own.
 s64 doubled_tail(s64 n, bool contiguous) {
     const s64 rest = n % 64;
     return n < 64 || (rest == 32 && !contiguous) ? n : n + rest;
@@ -46,14 +46,16 @@ void copy_area(area a, int element) {
 
 using block_copy = void(u8* dst, const u8* src, int s_dst, int s_src, int w, int h);
 
-/// Rows of N bytes, two at a time and four in a round
+/// Rows of N bytes, two at a time and four per iteration
 template <int N, int Element> void copy_block(u8* dst, const u8* src, int s_dst, int s_src, int, int h) {
     if (h <= 0) return;
     const std::ptrdiff_t to = std::ptrdiff_t{s_dst} * Element, from = std::ptrdiff_t{s_src} * Element;
     const auto rows = [&]<int Rows>() {
         fast::copy_rows<N, Rows>(dst, to, src, from);
-        dst += Rows * to, src += Rows * from;
-        hide_step_from_optimizer(dst), hide_step_from_optimizer(src);
+        dst += Rows * to;
+        src += Rows * from;
+        hide_step_from_optimizer(dst);
+        hide_step_from_optimizer(src);
     };
     if (h & 1) rows.template operator()<1>();
     if (h & 2) rows.template operator()<2>();
@@ -63,7 +65,7 @@ template <int N, int Element> void copy_block(u8* dst, const u8* src, int s_dst,
     }
 }
 
-/// By width. Kept: 64 samples for all others
+/// By width. Kept: 64 samples for all other widths
 template <int Element>
 constexpr auto block_copies = [] {
     std::array<block_copy*, 49> all;
@@ -92,7 +94,7 @@ void zelt_mset_x128(void* dst, uint32_t val, int size) {
 }
 
 void zelt_mset_x64(void* dst, int val, int size) {
-    // Kept: steps of 128 whatever the name says.
+    // Kept: steps of 128, despite the name.
     fast::fill_bytes(bytes_at(dst), static_cast<u8>(val), whole_steps(from_zero(size), 128));
 }
 

@@ -10,9 +10,9 @@ template <class R> s32 addref(R* r) { return r ? zelt_atomic_inc(&r->refcnt) : Z
 
 template <class R> s32 getref(R* r) { return r ? atomic_load(&r->refcnt) : ZELT_ERR_INVALID_ARG; }
 
-/// Drops a reference; the last one gives back what the record owns and frees it. Every holder's use of the record
-/// happens before the free: each decrement releases, and the load at 0 acquires them all, since decrements and
-/// increments continue each other's release sequence. (A fence would do as well, but thread checkers do not model it.)
+/// Drops a reference; the last one frees what the record owns, and the record. Every holder's use of the record
+/// happens before that: each decrement releases, and the load at 0 acquires them all, since decrements and increments
+/// continue each other's release sequence. (A fence would do as well, but thread checkers do not model it.)
 template <class R, void (*free_owned)(R*)> s32 release(R* r) {
     if (!r) return ZELT_ERR_INVALID_ARG;
     const s32 left = atomic_add<__ATOMIC_RELEASE>(&r->refcnt, -1);
@@ -23,10 +23,10 @@ template <class R, void (*free_owned)(R*)> s32 release(R* r) {
     return 0;
 }
 
-/// A record of zeros, or null.
+/// A zeroed record, or null.
 template <class R> R* new_record() { return static_cast<R*>(std::calloc(1, sizeof(R))); }
 
-/// Makes a complete record countable, with a count of 1.
+/// Starts the counting of a complete record, at 1.
 template <class R, void (*free_owned)(R*)> void start_counting(R* r) {
     r->addref = addref<R>;
     r->getref = getref<R>;

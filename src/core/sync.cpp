@@ -1,5 +1,5 @@
-// A word that one side polls and the other sets. Relaxed atomics: the word is never torn or read once and kept, and
-// orders nothing else.
+// A word that one side polls and the other sets. Relaxed atomics: every poll reads the whole word anew, and nothing
+// else is ordered.
 #include "core/atomic.h"
 #include "zelt/common.h"
 
@@ -20,7 +20,7 @@ u32 load_exclusive(u32* p) {
     return value;
 }
 
-/// Stores unless something else touched the word since load_exclusive.
+/// Stores unless the word was accessed by others since load_exclusive.
 bool store_exclusive(u32* p, u32, u32 value) {
     u32 failed;
 #ifdef __aarch64__
@@ -60,7 +60,7 @@ void zelt_sync_wake(uint32_t* p, uint32_t v) { atomic_store(p, v); }
 uint32_t zelt_sync_wait_asm(uint32_t* p, uint32_t v) {
     const u32 now = load_exclusive(p);
     if (now == stop) return stop;
-    if (now == v) return 0;  // Kept: a wait that ends at once gives 0, any other the value itself
+    if (now == v) return 0;  // Kept: a wait that ends at once returns 0, any other the value
     wait_for_event();
     return zelt_sync_wait(p, v);
 }

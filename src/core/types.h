@@ -16,7 +16,7 @@ using s32 = std::int32_t;
 using s64 = std::int64_t;
 }  // namespace zelt
 
-// A second exported name of a function; stands inside extern "C". gcc wants the target's attributes on it, too.
+// A second exported name of a function, for use inside extern "C". gcc wants the target's attributes on it, too.
 #if __has_attribute(copy)
 #define ZELT_ALIAS(name, target) extern decltype(target) name __attribute__((alias(#target), copy(target)))
 #else

@@ -9,7 +9,7 @@ using namespace zelt;
 
 int32_t zelt_vdata_set(ZELT_VDATA* v, const uint8_t* bytes, int32_t size, uint32_t type) {
     if (!bytes || size < 1) return ZELT_ERR_INVALID_ARG;
-    // Kept: the previous data is not freed, and a failure leaves null in its place.
+    // Kept: the previous data is not freed, and is replaced by null on failure.
     u8* data = static_cast<u8*>(std::malloc(static_cast<std::size_t>(size) + 2));
     v->data = data;
     if (!data) return ZELT_ERR_OUT_OF_MEMORY;

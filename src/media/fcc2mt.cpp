@@ -1,4 +1,4 @@
-// Media types of container codes. The compiler makes a tree of comparisons of each switch; nothing is looked up.
+// Media types of container codes. Compilers turn each switch into a tree of comparisons.
 #include "zelt/fcc2mt.h"
 
 #include "core/types.h"

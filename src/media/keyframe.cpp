@@ -15,7 +15,7 @@ template <class Kind> s32 find_start_code(const u8* data, s32 from, s32 size, s3
     return -1;
 }
 
-constexpr s32 h263_variant = 111;  // Kept: no code maps to it, but frames of it are told apart like H.263
+constexpr s32 h263_variant = 111;  // Kept: no code maps to it, but its frames are examined as H.263
 
 bool h264(const u8* data, s32 size) {
     for (s32 i = 0; (i = find_start_code<unit_start>(data, i, size, 4)) >= 0; i += 3) {
@@ -57,7 +57,7 @@ bool h263(const u8* data, s32 size) {
     const u8* picture = data + i;
     if (!marked(picture)) return false;
     if (!extended(picture)) return intra(picture);
-    const int update = (picture[4] << 1 & 6) | picture[5] >> 7;  // UFEP: 1, the optional part comes before the type
+    const int update = (picture[4] << 1 & 6) | picture[5] >> 7;  // UFEP; 1: the optional part precedes the type
     if (update != 1) return (picture[5] & 0x70) == 0;
     return i < size - 7 && (picture[7] & 0x1C) == 0;
 }
@@ -69,7 +69,7 @@ int32_t zelt_is_vkeyfrm(int32_t mt, const uint8_t* data, int32_t size) {
     if (!data) return 0;
     switch (mt) {
     case ZELT_MT_VID_WMV1:
-    case ZELT_MT_VID_DIV3: return data[0] < 0x40;  // Kept: the size is not looked at
+    case ZELT_MT_VID_DIV3: return data[0] < 0x40;  // Kept: the size is ignored
     case ZELT_MT_VID_WMV2: return data[0] < 0x80;
     case ZELT_MT_VID_H264: return h264(data, size);
     case ZELT_MT_VID_HEVC: return hevc(data, size);

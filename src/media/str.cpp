@@ -12,7 +12,7 @@ namespace {
 bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 bool is_line_end(char c) { return c == '\n' || c == '\r'; }
 
-/// Reports a piece of `len` bytes and the text after it, null where that is at its end.
+/// Reports a piece of `len` bytes and the text after it, null if nothing follows.
 void report(std::size_t len, const char* after, s32* piece, char** next) {
     *piece = static_cast<s32>(len);
     if (next) *next = after && *after ? const_cast<char*>(after) : nullptr;
@@ -35,7 +35,7 @@ char* zelt_str_move_to_eow(char* s) {
     if (s && s[0] && !s[1]) return s;  // Kept: even whitespace
     s = zelt_str_move_to_validw(s);
     if (!s || !s[1]) return s;
-    // Kept: the last byte is not looked at, so a word that it ends, or whitespace that it is, is not found.
+    // Kept: the last byte is ignored, so neither a word that it ends nor whitespace there is found.
     for (++s; s[1]; ++s)
         if (is_space(*s)) return s - 1;
     return nullptr;

@@ -20,7 +20,7 @@ void copy_path(char* dst, const char* src, s32 len) {
 
 const char* after_line_end(const char* s) { return s + (s[0] == '\r' && s[1] == '\n' ? 2 : s[0] ? 1 : 0); }
 
-// Kept: hexadecimal letters are no digits and count as 0.
+// Kept: hexadecimal letters count as 0.
 int digit(char c) { return c >= '0' && c <= '9' ? c - '0' : 0; }
 
 }  // namespace
@@ -37,7 +37,7 @@ int32_t zelt_str_parse_uri(const char* uri, char* scheme, char* host, char* port
 
     text = next;
     zelt_str_parse_by_ctok(text, ':', &len, &next);
-    if (text[len] == ':' && next) {  // Kept: the ":" may stand in the path
+    if (text[len] == ':' && next) {  // Kept: the ":" may be in the path
         copy(host, text, len);
         text = next;
         zelt_str_parse_by_ctok(text, '/', &len, &next);
