@@ -1,16 +1,10 @@
 #pragma once
 // Same-size conversion: a row loop over a source layout, a colour matrix and a destination layout. Each is written once
 // over the value V: u8, a pixel at a time, or simd::u8xn, a register of pixels.
-#include "csc/pixel_scalar.h"
-#if ZELT_SIMD
-#include "csc/pixel_simd.h"
-#endif
+#include "csc/pixel.h"
 
 namespace zelt::inline ZELT_LEVEL::csc {
-using namespace scalar;
-#if ZELT_SIMD
-using namespace simd;
-#endif
+using namespace fast;
 
 template <class V> constexpr V opaque = V{} | 255;
 
@@ -94,12 +88,16 @@ struct components : planes<4> {
             if (p[i] != p[0] + i || stride[i] != stride[0]) return false;
         return true;
     }
-    void put4(std::ptrdiff_t x, u8 a, u8 b, u8 c, u8 d) const {
-        p[0][4 * x] = a, p[1][4 * x] = b, p[2][4 * x] = c, p[3][4 * x] = d;
+    template <class V> void put4(std::ptrdiff_t x, V a, V b, V c, V d) const {
+        if constexpr (sizeof(V) > 1) {
+            store4(p[0] + 4 * x, a, b, c, d);
+        } else {
+            p[0][4 * x] = a;
+            p[1][4 * x] = b;
+            p[2][4 * x] = c;
+            p[3][4 * x] = d;
+        }
     }
-#if ZELT_SIMD
-    void put4(std::ptrdiff_t x, u8xn a, u8xn b, u8xn c, u8xn d) const { store4(p[0] + 4 * x, a, b, c, d); }
-#endif
 };
 
 struct argb8888 : components {
@@ -202,14 +200,13 @@ void convert(void* const* src_a, int src_w, int h, const int* src_s, void* const
     Dest dst(dst_a, dst_s);
     std::ptrdiff_t w = src_w;
     if (contiguous(src, w) && contiguous(dst, w) && s64{w} * h <= 1 << 28) w *= h, h = 1;
+    constexpr std::ptrdiff_t lanes = sizeof(widest);
     for (; h > 0; --h, src.next_row(), dst.next_row()) {
-#if ZELT_SIMD
         // Within one buffer the result is that of pixel order, which registers would not keep.
-        if (w >= lanes && dst.wide() && !overlap(src, dst, w)) {
-            convert_row<u8xn>(src, Matrix{}, dst, w);
+        if (lanes > 1 && w >= lanes && dst.wide() && !overlap(src, dst, w)) {
+            convert_row<widest>(src, Matrix{}, dst, w);
             continue;
         }
-#endif
         convert_row<u8>(src, Matrix{}, dst, w);
     }
 }

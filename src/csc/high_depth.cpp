@@ -1,10 +1,6 @@
 // Converters of 10-bit samples, and the plane copy.
 #include "csc/convert.h"
-#if ZELT_SIMD
-#include "csc/pixel10_simd.h"
-#else
-#include "csc/pixel10_scalar.h"
-#endif
+#include "csc/pixel10.h"
 #include "zelt/csc.h"
 
 #include <cstring>

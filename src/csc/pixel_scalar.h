@@ -9,6 +9,8 @@ namespace zelt::inline ZELT_LEVEL {
 template <class V> struct pixel { V c0, c1, c2, a; };
 
 namespace scalar {
+using widest = u8;  // what a row is converted in
+
 inline void load(const u8* p, u8& a) { a = p[0]; }
 inline void load2(const u8* p, u8& a, u8& b) { a = p[0], b = p[1]; }
 inline void load3(const u8* p, u8& a, u8& b, u8& c) { a = p[0], b = p[1], c = p[2]; }

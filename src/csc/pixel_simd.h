@@ -3,6 +3,14 @@
 #include "simd/vocabulary.h"
 
 namespace zelt::inline ZELT_LEVEL::simd {
+// a pixel at a time as well, for short rows
+using scalar::load, scalar::load2, scalar::load3, scalar::load4;
+using scalar::shift_insert, scalar::yuv_to_rgb, scalar::rgb_to_yuv;
+using scalar::store, scalar::store2, scalar::store3, scalar::store4;
+using vec::load, vec::load2, vec::load3, vec::load4, vec::shift_insert;
+using vec::store, vec::store2, vec::store3, vec::store4;
+using widest = u8xn;
+
 /// With d = U - 128, e = V - 128: red and blue are rounding products of e by 359 / 256 and d by 454 / 256. In the green
 /// term 183 = 256 - 73, so G = Y - e - ((88 d - 73 e + 128) >> 8) = Y - V + 128 + ((73 V - 88 U + 2047) >> 8), where
 /// 2047 = (88 - 73) * 128 - 128 + 255: the negated shift rounds up. Saturating about 128 adds the 128 and clamps.
