@@ -1,30 +1,31 @@
 #pragma once
-// A run of destination columns, prepared once for many rows: where in a source row their samples stand, and the weights
-// across. The weights separate: a value is ((8 - fy) s(top) + fy s(bottom)) >> 6 with s = (8 - fx) left + fx right, at
-// most 2040, so that all of it fits 16 bits, and s of a source row serves every destination row next to it.
+// A run of destination columns, prepared once for many rows: where their samples are in a source row, and the
+// horizontal weights. The drawing at the head of resize.h has the terms.
 #include "resize/bilinear.h"
 #include "simd/vocabulary.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace zelt::inline ZELT_LEVEL::simd {
-using csc::axis;
+using rsz::axis;
 
-/// How registers go over a row of pixels of `bytes` samples; `windows` is 0 where they cannot.
+/// How registers read a source row of pixels of `channels` bytes; `windows` is 0 if they cannot.
 struct row_shape {
     std::ptrdiff_t samples;  // of a destination row
     s64 limit;               // bytes of a source row up to the last one that is needed
-    int windows;             // of 16 bytes, that an eight reads
+    int windows;             // that an eight reads
 
     int masks() const { return masks_of(windows); }
     static constexpr int masks_of(int windows) { return (16 * windows + reach - 1) / reach; }
 
-    row_shape(const axis& x, int w, int bytes) : samples(static_cast<std::ptrdiff_t>(s64{w} * bytes)) {
-        limit = (x.sample((w - s64{1}) * x.step) + x.next + 1) * bytes;
-        s64 span = 0;                                             // of what an eight reads
-        for (int c = 0; c < bytes; c += 8 % bytes ? 1 : bytes) {  // its first channel
-            const s64 apart = ((c + 7) / bytes * x.step + (1 << 18) - 1) >> 18;
-            span = std::max<s64>(span, (apart * (s64{1} << x.shift) + x.next) * bytes + (c + 7) % bytes + 1);
+    row_shape(const axis& x, int w, int channels) : samples(static_cast<std::ptrdiff_t>(s64{w} * channels)) {
+        limit = (x.sample((w - s64{1}) * x.step) + x.next + 1) * channels;
+        s64 span = 0;                                                      // bytes that an eight reads
+        for (int c = 0; c < channels; c += 8 % channels ? 1 : channels) {  // its first channel
+            const s64 distance = ((c + 7) / channels * x.step + (1 << 18) - 1) >> 18;
+            const s64 last_pixel = distance * (s64{1} << x.shift) + x.next;
+            span = std::max<s64>(span, last_pixel * channels + (c + 7) % channels + 1);
         }
         windows = span <= 64 ? static_cast<int>((span + 15) / 16) : span <= 128 ? 8 : 0;
         if (limit < 16 * windows || x.next != s64{1} << x.shift) windows = 0;
@@ -32,13 +33,13 @@ struct row_shape {
 };
 
 struct columns {
-    static constexpr int eights = lanes / 8, longest_run = 128;
+    static constexpr int eights = lanes / 8, max_run = 128;
 
-    int groups;                     // of `lanes` samples
+    int groups;
     std::ptrdiff_t first, last;     // first sample of the first and of the last group, which ends with the row
-    const std::ptrdiff_t* offsets;  // of an eight's windows in a source row
+    const std::ptrdiff_t* offsets;  // of each eight's windows in a source row
     const u8 *masks, *weights;
-    // Groups whose pairs stand one after another, as at ratios of 2 and 4. Their eights are in their own order.
+    // Groups whose pairs are contiguous, as at ratios of 2:1 and 4:1. The weights of their eights are in memory order.
     int run, run_end;
     std::ptrdiff_t run_source;  // where their pairs begin in a source row
 
@@ -47,8 +48,7 @@ struct columns {
     std::ptrdiff_t source_start() const { return offsets[0]; }
     std::ptrdiff_t source_end(int windows) const { return offsets[groups * eights - 1] + 16 * windows; }
 
-    /// Asks for half a group's part of the row that comes next: too little of each is read for the processor to foresee
-    /// it.
+    /// Prefetches this half group's part of the next row: rows are read too sparsely for the hardware prefetcher.
     void prefetch(int half_group, const u8* row) const { __builtin_prefetch(row + offsets[half_group * (eights / 2)]); }
 
     u8xn weight(int half_group) const {
@@ -62,14 +62,16 @@ struct columns {
     }
 };
 
-/// Pixel and channel of the eight samples from each channel on
-template <int Bytes> struct pixel_bytes {
-    u32 pixel[Bytes][8] = {};
-    u16 channel[Bytes][8] = {};
-    constexpr pixel_bytes() {
-        for (u32 c = 0; c < Bytes; ++c)
-            for (u32 i = 0; i < 8; ++i)
-                pixel[c][i] = (c + i) / Bytes, channel[c][i] = static_cast<u16>((c + i) % Bytes);
+/// Pixel offset and channel of 8 consecutive samples, for each channel that the first may have
+template <int Channels> struct sample_offsets {
+    u32 pixel[Channels][8] = {};
+    u16 channel[Channels][8] = {};
+    constexpr sample_offsets() {
+        for (u32 c = 0; c < Channels; ++c)
+            for (u32 i = 0; i < 8; ++i) {
+                pixel[c][i] = (c + i) / Channels;
+                channel[c][i] = static_cast<u16>((c + i) % Channels);
+            }
     }
 };
 template <class Vector, class T> Vector load_lanes(const T* p) {
@@ -78,65 +80,68 @@ template <class Vector, class T> Vector load_lanes(const T* p) {
     return v;
 }
 
-/// Memory for columns, on the stack
+/// Memory for the tables of columns, on the stack
 template <int Size> class column_tables {
 public:
-    /// Samples from `first` on, as many as fit but at most `most`; pixels have Bytes samples.
-    template <int Bytes>
+    /// Samples from `first` on, as many as fit but at most `most`; planes have Channels interleaved channels.
+    template <int Channels>
     columns prepare(const axis& x, const row_shape& row, std::ptrdiff_t first, s64 most, bool may_run) {
         const int group_size = lanes * 2 * (1 + row.masks()) + columns::eights * static_cast<int>(sizeof *offsets_);
         const int groups = static_cast<int>(
             std::min<s64>({Size / group_size, most / lanes, (row.samples - first + lanes - 1) / lanes}));
-        weights_ = memory_, masks_ = weights_ + groups * 2 * lanes;
+        weights_ = memory_;
+        masks_ = weights_ + groups * 2 * lanes;
         offsets_ = reinterpret_cast<std::ptrdiff_t*>(masks_ + groups * 2 * lanes * row.masks());
         columns c = {groups, first, row.samples - lanes, offsets_, masks_, weights_, groups, groups, 0};
         for (int i = 0; i < groups * columns::eights; ++i)
-            prepare_eight<Bytes>(x, row, i, c.at(i / columns::eights) + 8 * eight_at(i % columns::eights));
-        if (may_run && 8 % Bytes == 0 && x.shift <= 1) find_run<Bytes>(c, x, row);
-        for (int i = c.run * columns::eights; i < c.run_end * columns::eights; i += columns::eights) order(i);
+            prepare_eight<Channels>(x, row, i, c.at(i / columns::eights) + 8 * eight_at(i % columns::eights));
+        if (may_run && 8 % Channels == 0 && x.shift <= 1) find_run<Channels>(c, x, row);
+        for (int i = c.run * columns::eights; i < c.run_end * columns::eights; i += columns::eights) sort_weights(i);
         return c;
     }
 
 private:
-    /// Finds the first pixels of which each one's pair stands where the one before ends, over whole groups.
-    template <int Bytes> static void find_run(columns& c, const axis& x, const row_shape& row) {
-        const auto first_pixel = [&](int group) { return c.at(group) / Bytes; };
-        const auto last_pixel = [&](int group) { return (c.at(group) + lanes) / Bytes - 1; };
-        const auto lag = [&](s64 pixel) { return 2 * pixel - (pixel * x.step >> 18); };  // never both rises and falls
-        for (c.run = 0; c.run < c.groups && lag(first_pixel(c.run)) != lag(last_pixel(c.run));) ++c.run;
+    /// Finds the first run of groups whose sample pairs are contiguous in memory.
+    template <int Channels> static void find_run(columns& c, const axis& x, const row_shape& row) {
+        const auto first_pixel = [&](int group) { return c.at(group) / Channels; };
+        const auto last_pixel = [&](int group) { return (c.at(group) + lanes) / Channels - 1; };
+        const auto lag = [&](s64 pixel) { return 2 * pixel - (pixel * x.step >> 18); };  // monotonic
+        c.run = 0;
+        while (c.run < c.groups && lag(first_pixel(c.run)) != lag(last_pixel(c.run))) ++c.run;
         const s64 from = first_pixel(c.run);
-        const auto adjoins = [&](int group) {
+        const auto continues = [&](int group) {
             return c.at(group) == c.first + group * lanes && lag(last_pixel(group)) == lag(from) &&
-                   (x.sample(last_pixel(group) * x.step) + 2 * x.next) * Bytes <= row.limit;
+                   (x.sample(last_pixel(group) * x.step) + 2 * x.next) * Channels <= row.limit;
         };
-        const int longest = std::min(c.groups, c.run + columns::longest_run);
-        for (c.run_end = c.run; c.run_end < longest && adjoins(c.run_end);) ++c.run_end;
-        c.run_source = static_cast<std::ptrdiff_t>(x.sample(from * x.step) * Bytes);
+        const int end = std::min(c.groups, c.run + columns::max_run);
+        c.run_end = c.run;
+        while (c.run_end < end && continues(c.run_end)) ++c.run_end;
+        c.run_source = static_cast<std::ptrdiff_t>(x.sample(from * x.step) * Channels);
     }
 
-    /// Puts the weights of a group's eights in their own order.
-    void order(int index) {
+    /// Puts the weights of a group's eights in memory order.
+    void sort_weights(int index) {
         u8 copy[2 * lanes];
         std::memcpy(copy, weights_ + 16 * index, sizeof copy);
         for (int i = 0; i < columns::eights; ++i) std::memcpy(weights_ + 16 * (index + eight_at(i)), copy + 16 * i, 16);
     }
 
-    template <int Bytes> void prepare_eight(const axis& x, const row_shape& row, int index, std::ptrdiff_t sample) {
-        const s64 pixel = sample / Bytes, position = pixel * x.step, start = x.sample(position) * Bytes;
+    template <int Channels> void prepare_eight(const axis& x, const row_shape& row, int index, std::ptrdiff_t sample) {
+        const s64 pixel = sample / Channels, position = pixel * x.step, start = x.sample(position) * Channels;
         const s64 window = std::min(start, row.limit - 16 * row.windows);
         offsets_[index] = static_cast<std::ptrdiff_t>(window);
-        static constexpr pixel_bytes<Bytes> of;
-        const auto c = static_cast<std::size_t>(sample - pixel * Bytes);  // channel of the first sample
+        static constexpr sample_offsets<Channels> of;
+        const auto c = static_cast<std::size_t>(sample - pixel * Channels);  // channel of the first sample
         const u32x4 low = load_lanes<u32x4>(of.pixel[c]), high = load_lanes<u32x4>(of.pixel[c] + 4);
         const u32 fraction = static_cast<u32>(position) & 0x3FFFF, step = static_cast<u32>(x.step);
         const u16x8 place = pack((low * step + fraction) >> 15, (high * step + fraction) >> 15);
         const u16x8 phase = place & 7;
         store_pairs(weights_ + 16 * index, 8 - phase, phase);
-        const u16x8 left = (place >> 3 << static_cast<u16>(x.shift)) * static_cast<u16>(Bytes) +
+        const u16x8 left = (place >> 3 << static_cast<u16>(x.shift)) * static_cast<u16>(Channels) +
                            load_lanes<u16x8>(of.channel[c]) + static_cast<u16>(start - window);
         constexpr int sharing = columns::eights / 2;  // eights whose masks are in one register
         for (int k = 0; k < row.masks(); ++k) {
-            const u16x8 l = left - static_cast<u16>(reach * k), r = l + static_cast<u16>(x.next * Bytes);
+            const u16x8 l = left - static_cast<u16>(reach * k), r = l + static_cast<u16>(x.next * Channels);
             store_pairs(masks_ + (index / sharing * row.masks() + k) * lanes + index % sharing * 16,
                         l >= reach ? u16x8{} + 0x80 : l, r >= reach ? u16x8{} + 0x80 : r);
         }

@@ -6,7 +6,7 @@
 #include <cstring>
 
 using namespace zelt;
-using namespace zelt::csc;
+using namespace zelt::rsz;
 
 struct ZELT_IRSZ {
     s32 format, mode;

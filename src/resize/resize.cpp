@@ -2,7 +2,7 @@
 #include "resize/resize.h"
 
 using namespace zelt;
-using namespace zelt::csc;
+using namespace zelt::rsz;
 
 // clang-format off
 #define PHASES(fx, fy) (8 - fx) * (8 - fy), fx * (8 - fy), (8 - fx) * fy, fx * fy

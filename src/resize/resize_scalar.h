@@ -1,10 +1,11 @@
-#pragma once  // the resizer a pixel at a time: its formats, and rows of them
+#pragma once  // the definition of the resizer, a pixel at a time: its formats, and rows of them
+#include "csc/convert.h"
 #include "resize/bilinear.h"
 #include "zelt/irsz.h"
 
 #include <array>
 
-namespace zelt::inline ZELT_LEVEL::csc {
+namespace zelt::inline ZELT_LEVEL::rsz {
 /// The fields of a pixel, at their own precision
 template <int N> using fields = std::array<int, N>;
 
@@ -26,7 +27,8 @@ struct rgb565_words {
 
     static fields<3> get(const u8* p) { return {p[1] >> 3, (p[1] & 7) << 3 | p[0] >> 5, p[0] & 31}; }
     static void put(u8* p, const fields<3>& v) {
-        p[0] = static_cast<u8>(v[1] << 5 | v[2]), p[1] = static_cast<u8>(v[0] << 3 | v[1] >> 3);
+        p[0] = static_cast<u8>(v[1] << 5 | v[2]);
+        p[1] = static_cast<u8>(v[0] << 3 | v[1] >> 3);
     }
 };
 
@@ -35,23 +37,43 @@ struct rgb888_to_565 : channels<3> {
     static void put(u8* p, const fields<3>& v) { rgb565_words::put(p, {v[0] >> 3, v[1] >> 2, v[2] >> 3}); }
 };
 
-/// The entry of the horizontal phase 0; others lie at 32 bytes a phase.
+/// The entry of the horizontal phase 0; the others follow, 32 bytes per phase.
 inline const u8* weights_of(int phase) { return zelt_tbl_bilinear_rszw + 4 * phase; }
 
-/// Weighted sum of four samples; the weights' sum is 64
+/// Weighted sum of four samples; the sum of the weights is 64
 inline int blend(const u8* w, int tl, int tr, int bl, int br) {
     return (tl * w[0] + tr * w[1] + bl * w[2] + br * w[3]) >> 6;
 }
 
-}  // namespace zelt::inline ZELT_LEVEL::csc
+/// Planes that are interpolated as a converter reads them
+template <class Row> struct interpolated {
+    const Row& row;
+    const u8* weights;
+    axis x;
+
+    template <class V> pixel<V> get(std::ptrdiff_t i) const {
+        const s64 position = i * x.step;
+        const std::ptrdiff_t left = static_cast<std::ptrdiff_t>(x.sample(position));
+        const std::ptrdiff_t right = left + static_cast<std::ptrdiff_t>(x.next);
+        const u8* w = weights + 32 * axis::phase(position);
+        const auto sample = [&](int p) {
+            const u8 *top = row.top[p], *bottom = row.bottom[p];
+            return static_cast<u8>(blend(w, top[left], top[right], bottom[left], bottom[right]));
+        };
+        pixel<V> v{sample(0), sample(1), sample(2), 255};
+        if constexpr (Row::planes == 4) v.a = sample(3);
+        return v;
+    }
+};
+}  // namespace zelt::inline ZELT_LEVEL::rsz
 
 namespace zelt::inline ZELT_LEVEL::scalar {
-using csc::axis;
-using csc::row_pair;
+using rsz::axis;
+using rsz::row_pair;
 
-template <class Format> void resize_row(const row_pair& rows, const axis& x, int dst_w) {
-    const u8 *top = rows.top[0], *bottom = rows.bottom[0], *weights = csc::weights_of(rows.phase);
-    u8* dst = rows.dst;
+template <class Format> void resize_row(const row_pair& row, const axis& x, int dst_w) {
+    const u8 *top = row.top[0], *bottom = row.bottom[0], *weights = rsz::weights_of(row.phase);
+    u8* dst = row.dst;
     const std::ptrdiff_t next = static_cast<std::ptrdiff_t>(x.next * Format::src_bytes);
     s64 position = 0;
     for (int i = 0; i < dst_w; ++i, position += x.step, dst += Format::dst_bytes) {
@@ -59,8 +81,8 @@ template <class Format> void resize_row(const row_pair& rows, const axis& x, int
         const u8* w = weights + 32 * axis::phase(position);
         const auto tl = Format::get(top + left), tr = Format::get(top + left + next);
         const auto bl = Format::get(bottom + left), br = Format::get(bottom + left + next);
-        csc::fields<Format::count> v;
-        for (int c = 0; c < Format::count; ++c) v[c] = csc::blend(w, tl[c], tr[c], bl[c], br[c]);
+        rsz::fields<Format::count> v;
+        for (int c = 0; c < Format::count; ++c) v[c] = rsz::blend(w, tl[c], tr[c], bl[c], br[c]);
         Format::put(dst, v);
     }
 }
@@ -68,5 +90,14 @@ template <class Format> void resize_row(const row_pair& rows, const axis& x, int
 template <class Format, class Rows> void resize_rows(const Rows& rows, int count, const axis& x, int dst_w) {
     if (dst_w < 1) return;  // the rows may be anywhere then
     for (int i = 0; i < count; ++i) resize_row<Format>(rows[i], x, dst_w);
+}
+
+/// Resizes planes and converts what comes of them.
+template <class Matrix, class Rows> void resize_planes(const Rows& rows, int count, const axis& x, int dst_w) {
+    for (int i = 0; i < count; ++i) {
+        const auto row = rows[i];
+        const rsz::interpolated<decltype(row)> src = {row, rsz::weights_of(row.phase), x};
+        csc::convert_row<u8>(src, Matrix{}, row.dst, dst_w);
+    }
 }
 }  // namespace zelt::inline ZELT_LEVEL::scalar

@@ -1,11 +1,15 @@
-#pragma once  // the formats of the resizer over registers
+#pragma once  // the formats of the resizer, a register at a time
 #include "csc/convert.h"
 #include "resize/resize_scalar.h"
 #include "resize/rows_simd.h"
 
-namespace zelt::inline ZELT_LEVEL::csc {
-/// The fields of RGB565 words
-struct fields565 : planes<1> {
+#include <algorithm>
+
+namespace zelt::inline ZELT_LEVEL::simd {
+using rsz::row_pair;
+
+/// The fields of RGB565 words, as a converter reads them
+struct fields565 : csc::planes<1> {
     using planes::planes;
     template <class V> pixel<V> get(std::ptrdiff_t x) const {
         V low, high;
@@ -13,33 +17,25 @@ struct fields565 : planes<1> {
         return {static_cast<V>(high >> 3), static_cast<V>((high & 7) << 3 | low >> 5), static_cast<V>(low & 31), low};
     }
 };
-}  // namespace zelt::inline ZELT_LEVEL::csc
 
-namespace zelt::inline ZELT_LEVEL::simd {
-using csc::row_pair;
-
-// Pixels of 1, 3 and 4 bytes are interpolated where they stand; the bytes of a row are its samples.
-
-struct put_bytes {
-    static void put(u8* dst, std::ptrdiff_t x, const u8xn (&v)[1]) { store(dst + x, v[0]); }
-};
-
-// Where the result is RGB565, a source row comes apart into three planes first.
-
-template <class Layout, int Bytes> class taken_apart {
+/// Source rows of packed pixels, deinterleaved into three planes before they are filtered
+template <class Layout, int Bytes> class deinterleaved {
 public:
     static constexpr int planes = 3, source_planes = 1;
-    static constexpr int most = 4096;                        // pixels of a row that the columns may need
-    static constexpr int most_windows = Bytes == 2 ? 8 : 4;  // beyond, too little is used of what comes apart
-    static constexpr bool as_is = false;
+    static constexpr int max_pixels = 4096;                 // of a source row that the columns may need
+    static constexpr int max_windows = Bytes == 2 ? 8 : 4;  // beyond, too many of the pixels would go unused
+    static constexpr bool is_direct = false;
 
-    taken_apart(const columns& c, int windows) : start_(c.source_start()), size_(c.source_end(windows) - start_) {}
+    deinterleaved(const columns& c, int windows) : start_(c.source_start()), size_(c.source_end(windows) - start_) {}
 
-    [[gnu::noinline]] const u8* const* operator()(const u8* const* row) {
+    [[gnu::noinline]] const u8* const* samples_of(const u8* const* row) {
         Layout src;
         src.p[0] = const_cast<u8*>(*row) + start_ * Bytes;
         csc::planar<3> dst;
-        for (int i = 0; i < 3; ++i) dst.p[i] = pixels_[i], samples_[i] = pixels_[i] - start_;
+        for (int i = 0; i < 3; ++i) {
+            dst.p[i] = pixels_[i];
+            samples_[i] = pixels_[i] - start_;
+        }
         if (size_ >= lanes)
             csc::convert_row<u8xn>(src, csc::repack{}, dst, size_);
         else
@@ -50,36 +46,61 @@ public:
 private:
     std::ptrdiff_t start_, size_;
     const u8* samples_[3];
-    u8 pixels_[3][most];
+    u8 pixels_[3][max_pixels];
 };
 
-struct put_fields565 {
+/// Pixels of bytes, all channels of which are filtered alike
+struct packed {
+    using source = direct<1>;
+    static void put(u8* dst, std::ptrdiff_t x, const u8xn (&v)[1]) { store(dst + x, v[0]); }
+};
+
+struct rgb565_to_565 {
+    using source = deinterleaved<fields565, 2>;
     static void put(u8* dst, std::ptrdiff_t x, const u8xn (&v)[3]) {
         store2(dst + 2 * x, v[1] << 5 | v[2], v[0] << 3 | v[1] >> 3);
     }
 };
-struct put_rgb565 {
+
+struct rgb888_to_565 {
+    using source = deinterleaved<csc::rgb888, 3>;
     static void put(u8* dst, std::ptrdiff_t x, const u8xn (&v)[3]) {
         const pixel<u8xn> rgb = {v[0], v[1], v[2], v[2]};
         store2(dst + 2 * x, csc::low565(rgb), csc::high565(rgb));
     }
 };
 
-template <class Format> struct registers;
-template <int N> struct registers<csc::channels<N>> {
-    template <class Rows> static bool resize(const Rows& rows, int count, const axis& x, int w) {
-        return go_through<in_place<1>, put_bytes, N>(rows, count, x, w);
+/// N planes, converted before they are stored to a layout
+template <int N, class Matrix> struct converted {
+    using source = direct<N>;
+    template <class Layout> static void put(const Layout& dst, std::ptrdiff_t x, const u8xn (&v)[N]) {
+        dst.put(x, Matrix{}(pixel<u8xn>{v[0], v[1], v[2], N == 4 ? v[N - 1] : csc::opaque<u8xn>}));
     }
 };
-template <class Source, class Out> struct apart {
-    template <class Rows> static bool resize(const Rows& rows, int count, const axis& x, int w) {
-        return go_through<Source, Out, 1>(rows, count, x, w);
-    }
+
+/// How the row loops take a format of resize_scalar.h
+template <class Format> struct vector_form;
+template <int N> struct vector_form<rsz::channels<N>> {
+    using format = packed;
+    static constexpr int channels = N;
 };
-template <> struct registers<csc::rgb565_words> : apart<taken_apart<csc::fields565, 2>, put_fields565> {};
-template <> struct registers<csc::rgb888_to_565> : apart<taken_apart<csc::rgb888, 3>, put_rgb565> {};
+template <> struct vector_form<rsz::rgb565_words> {
+    using format = rgb565_to_565;
+    static constexpr int channels = 1;
+};
+template <> struct vector_form<rsz::rgb888_to_565> {
+    using format = rgb888_to_565;
+    static constexpr int channels = 1;
+};
 
 template <class Format, class Rows> void resize_rows(const Rows& rows, int count, const axis& x, int dst_w) {
-    if (!registers<Format>::resize(rows, count, x, dst_w)) scalar::resize_rows<Format>(rows, count, x, dst_w);
+    using form = vector_form<Format>;
+    if (dst_w > 0 && !resize_simd<typename form::format, form::channels>(rows, count, x, dst_w))
+        scalar::resize_rows<Format>(rows, count, x, dst_w);
+}
+
+template <class Matrix, class Rows> void resize_planes(const Rows& rows, int count, const axis& x, int dst_w) {
+    if (!resize_simd<converted<Rows::planes, Matrix>, 1>(rows, count, x, dst_w))
+        scalar::resize_planes<Matrix>(rows, count, x, dst_w);
 }
 }  // namespace zelt::inline ZELT_LEVEL::simd

@@ -1,25 +1,32 @@
 #pragma once
-// Rows through runs of columns: from the planes that Source makes of a caller's row, to values that Out::put takes.
-// Neither has a part in the arithmetic.
+// The resizer's row loops. Their template parameters:
+//   Format    Format::source has the planes of a source row: `direct`, or a class like it; Format::put stores `lanes`
+//             destination samples of each plane. The filter itself depends on neither.
+//   Channels  interleaved in each plane
+//   Windows   that an eight reads
+//   Row       a row_job; Rows: an array of such or a picture_rows
 #include "resize/columns_simd.h"
 
-namespace zelt::inline ZELT_LEVEL::simd {
-using csc::row_job;
+#include <algorithm>
 
-/// Samples as they stand in memory
-template <int N> struct in_place {
-    static constexpr int planes = N, source_planes = N, most = 1 << 30, most_windows = 8;
-    static constexpr bool as_is = true;
-    in_place(const columns&, int) {}
-    const u8* const* operator()(const u8* const* row) { return row; }
+namespace zelt::inline ZELT_LEVEL::simd {
+using rsz::row_job;
+
+/// Planes that are filtered where they are
+template <int N> struct direct {
+    static constexpr int planes = N, source_planes = N;
+    static constexpr int max_pixels = 1 << 30, max_windows = 8;
+    static constexpr bool is_direct = true;
+    direct(const columns&, int) {}
+    const u8* const* samples_of(const u8* const* row) { return row; }
 };
 
-// ------------------------------------------------------------------------------------------------- rows by themselves
+// ----------------------------------------------------------------------------------------- both directions in one step
 
-/// Weights across and down in one, at most 64, so that a pair of them is one product
+/// Horizontal weights times a vertical one: at most 64, still bytes
 inline u8xn scaled(u8xn weights, int factor) { return (u8xn)((u16xn)weights * static_cast<u16>(factor)); }
 
-/// The weights of a run's groups, kept while the vertical phase stays the same, as it does for long at a ratio of 2
+/// The products of weights for a run, computed anew only if the vertical phase changes: at 2:1 it seldom does
 class run_weights {
 public:
     void scale(const columns& c, int phase) {
@@ -27,195 +34,217 @@ public:
         phase_ = phase;
         for (int i = 0; i < 2 * (c.run_end - c.run); ++i) {
             const u8xn w = c.weight(2 * c.run + i);
-            top[i] = scaled(w, 8 - phase), bottom[i] = scaled(w, phase);
+            top[i] = scaled(w, 8 - phase);
+            bottom[i] = scaled(w, phase);
         }
     }
-    u8xn top[2 * columns::longest_run], bottom[2 * columns::longest_run];
+    u8xn top[2 * columns::max_run], bottom[2 * columns::max_run];
 
 private:
     int phase_ = -1;
 };
 
-template <class Out, int Windows, int N, class Dest>
-[[gnu::flatten]] void make_groups(const columns& all, int g, int end, const row_job<N, Dest>& rows,
-                                  const row_job<N, Dest>& next) {
+/// Groups g..end of a row. Arguments are copied: stores of samples may alias them.
+template <class Format, int Windows, class Row>
+[[gnu::flatten]] void filter_groups(const columns& all, int g, int end, const Row& row, const Row& next) {
+    constexpr int planes = Row::planes;
     const columns c = all;
-    const row_job<N, Dest> job = rows, after = next;
+    const Row job = row, after = next;
     for (; g < end; ++g) {
-        s16x2n sums[N];
+        s16x2n sums[planes];
         for (int h = 0; h < 2; ++h) {
             const u8xn w = c.weight(2 * g + h), top = scaled(w, 8 - job.phase), bottom = scaled(w, job.phase);
-            for (int p = 0; p < N; ++p) {
+            for (int p = 0; p < planes; ++p) {
                 (h ? sums[p].hi : sums[p].lo) =
                     weighted_sum(weighted_sum(c.gather_pairs<Windows>(2 * g + h, job.top[p]), top),
                                  c.gather_pairs<Windows>(2 * g + h, job.bottom[p]), bottom);
-                if (h < (Windows + 1) / 2) c.prefetch(2 * g + h, after.top[p]), c.prefetch(2 * g + h, after.bottom[p]);
+                if (h < (Windows + 1) / 2) {  // of one or two windows both halves share a cache line
+                    c.prefetch(2 * g + h, after.top[p]);
+                    c.prefetch(2 * g + h, after.bottom[p]);
+                }
             }
         }
-        u8xn v[N];
-        for (int p = 0; p < N; ++p) v[p] = narrow_q6(sums[p]);
-        Out::put(job.dst, c.at(g), v);
+        u8xn v[planes];
+        for (int p = 0; p < planes; ++p) v[p] = narrow_q6(sums[p]);
+        Format::put(job.dst, c.at(g), v);
     }
 }
 
-template <class Out, int Bytes, int Next, int N, class Dest>
-[[gnu::flatten]] void make_run(const columns& c, const run_weights& weights, const row_job<N, Dest>& rows,
-                               const row_job<N, Dest>& next) {
-    const row_job<N, Dest> job = rows, after = next;
+/// The groups of a run, whose pairs are loaded as they are in memory: Next pixels apart
+template <class Format, int Channels, int Next, class Row>
+[[gnu::flatten]] void filter_run(const columns& c, const run_weights& weights, const Row& row, const Row& next) {
+    constexpr int planes = Row::planes;
+    const Row job = row, after = next;
     const int end = 2 * (c.run_end - c.run);
     std::ptrdiff_t x = c.first + c.run * lanes, source = c.run_source;
     for (int i = 0; i < end; i += 2, x += lanes, source += 2 * Next * lanes) {
-        u8xn v[N];
-        for (int p = 0; p < N; ++p) {
-            const auto sum = [&](int half) {
-                const std::ptrdiff_t at = source + half * Next * lanes;
-                if (Bytes == 1 && half < Next)  // longer rows are foreseen
-                    __builtin_prefetch(after.top[p] + at), __builtin_prefetch(after.bottom[p] + at);
-                return weighted_sum(weighted_sum(load_pairs<Bytes, Next>(job.top[p] + at), weights.top[i + half]),
-                                    load_pairs<Bytes, Next>(job.bottom[p] + at), weights.bottom[i + half]);
+        u8xn v[planes];
+        for (int p = 0; p < planes; ++p) {
+            const auto sum = [&](int h) {
+                const std::ptrdiff_t at = source + h * Next * lanes;
+                if (Channels == 1 && h < Next) {  // wider pixels: the hardware prefetcher keeps up
+                    __builtin_prefetch(after.top[p] + at);
+                    __builtin_prefetch(after.bottom[p] + at);
+                }
+                return weighted_sum(weighted_sum(load_pairs<Channels, Next>(job.top[p] + at), weights.top[i + h]),
+                                    load_pairs<Channels, Next>(job.bottom[p] + at), weights.bottom[i + h]);
             };
             v[p] = narrow_q6_ordered({sum(0), sum(1)});
         }
-        Out::put(job.dst, x, v);
+        Format::put(job.dst, x, v);
     }
 }
 
-template <class Source, class Out, int Windows, int Bytes, class Jobs>
-[[gnu::noinline]] void make_rows(const columns& c, const axis& x, const Jobs& jobs, int count) {
-    constexpr int planes = Source::planes;
+template <class Format, int Channels, int Windows, class Rows>
+[[gnu::noinline]] void resize_uncached(const columns& c, const axis& x, const Rows& rows, int count) {
+    using source = typename Format::source;
+    constexpr int planes = source::planes;
     run_weights run;
-    Source take_top(c, Windows), take_bottom(c, Windows);
-    const auto taken = [&](const auto& job) {
-        row_job<planes, decltype(job.dst)> rows;
-        std::copy_n(take_top(job.top), planes, rows.top), std::copy_n(take_bottom(job.bottom), planes, rows.bottom);
-        rows.phase = job.phase, rows.dst = job.dst;
-        return rows;
+    source top(c, Windows), bottom(c, Windows);
+    const auto read = [&](const auto& job) {
+        row_job<planes, decltype(job.dst)> row;
+        std::copy_n(top.samples_of(job.top), planes, row.top);
+        std::copy_n(bottom.samples_of(job.bottom), planes, row.bottom);
+        row.phase = job.phase;
+        row.dst = job.dst;
+        return row;
     };
     for (int i = 0; i < count; ++i) {
-        const auto job = taken(jobs[i]);
-        auto next = job;
-        if constexpr (Source::as_is) next = jobs[i + (i + 1 < count)];
-        if (c.run > 0) make_groups<Out, Windows>(c, 0, c.run, job, next);
+        const auto row = read(rows[i]);
+        auto next = row;
+        if constexpr (source::is_direct) next = rows[i + (i + 1 < count)];
+        if (c.run > 0) filter_groups<Format, Windows>(c, 0, c.run, row, next);
         if (c.run == c.groups) continue;
-        if constexpr (8 % Bytes == 0) {
-            run.scale(c, job.phase);
-            x.next == 1 ? make_run<Out, Bytes, 1>(c, run, job, next) : make_run<Out, Bytes, 2>(c, run, job, next);
+        if constexpr (8 % Channels == 0) {
+            run.scale(c, row.phase);
+            if (x.next == 1)
+                filter_run<Format, Channels, 1>(c, run, row, next);
+            else
+                filter_run<Format, Channels, 2>(c, run, row, next);
         }
-        if (c.run_end < c.groups) make_groups<Out, Windows>(c, c.run_end, c.groups, job, next);
+        if (c.run_end < c.groups) filter_groups<Format, Windows>(c, c.run_end, c.groups, row, next);
     }
 }
 
-// ----------------------------------------------------------------------------------------------------------- kept sums
+// --------------------------------------------------------------------------- horizontally, then vertically from a
+// cache
 
-/// The sums of a row of one plane, two halves a group
-template <int Windows> void sum_row(const columns c, const u8* row, const u8* next, s16xn* to) {
+/// The horizontal sums of a row of one plane, two registers per group
+template <int Windows> void filter_horizontal(const columns c, const u8* row, const u8* next, s16xn* to) {
     for (int h = 0; h < 2 * c.groups; ++h) {
         if (h % 2 < (Windows + 1) / 2) c.prefetch(h, next);
         to[h] = weighted_sum(c.gather_pairs<Windows>(h, row), c.weight(h));
     }
 }
-using sum_row_fn = void (*)(columns, const u8*, const u8*, s16xn*);
+using filter_horizontal_fn = void (*)(columns, const u8*, const u8*, s16xn*);
 
-/// Sums of two source rows, kept while the rows next to them are made
-template <class Source> class kept_sums {
+/// Horizontal sums of two source rows: a destination row shares one or both with the row before it
+template <class Source> class row_cache {
 public:
     static constexpr int planes = Source::planes, source_planes = Source::source_planes;
-    static constexpr int most = 4096 / planes / lanes * lanes;  // samples
+    static constexpr int max_samples = 4096 / planes / lanes * lanes;
     using source_row = const u8* [source_planes];
 
-    kept_sums(const columns& c, int windows, sum_row_fn sum) : source_(c, windows), sum_(sum) {}
+    row_cache(const columns& c, int windows, filter_horizontal_fn filter) : source_(c, windows), filter_(filter) {}
 
-    /// Those of a row, in place of any but the other row's
-    const s16xn* of(const columns c, const source_row& row, const source_row& other, const source_row& next) {
+    /// Sums of `row`, computed into the slot that does not hold `other` unless they are cached
+    const s16xn* filtered(const columns c, const source_row& row, const source_row& other, const source_row& next) {
         for (int i = 0; i < 2; ++i)
             if (same(rows_[i], row)) return sums_[i];
         const int i = same(rows_[0], other);
         std::copy_n(row, source_planes, rows_[i]);
-        const u8* const* samples = source_(row);
-        for (int p = 0; p < planes; ++p) sum_(c, samples[p], next[Source::as_is ? p : 0], sums_[i] + 2 * c.groups * p);
+        const u8* const* samples = source_.samples_of(row);
+        for (int p = 0; p < planes; ++p)
+            filter_(c, samples[p], next[Source::is_direct ? p : 0], sums_[i] + 2 * c.groups * p);
         return sums_[i];
     }
 
 private:
-    /// Planes may have strides of 0: a row is known by its samples in all of them.
+    /// Planes may have strides of 0, so that a row is the same only if it is in all of them.
     static bool same(const source_row& a, const source_row& b) { return std::equal(a, a + source_planes, b); }
 
     Source source_;
-    sum_row_fn sum_;
+    filter_horizontal_fn filter_;
     source_row rows_[2] = {};
-    s16xn sums_[2][planes * most / lanes * 2];
+    s16xn sums_[2][planes * max_samples / lanes * 2];
 };
 
-template <class Out, int N, class Dest>
-[[gnu::flatten]] void put_between(const columns& all, const s16xn* top, const s16xn* bottom, int phase,
-                                  const Dest& to) {
+/// Arguments are copied: stores of samples may alias them.
+template <class Format, class Dest>
+[[gnu::flatten]] void filter_vertical(const columns& all, const s16xn* top, const s16xn* bottom, int phase,
+                                      const Dest& to) {
+    constexpr int planes = Format::source::planes;
     const columns c = all;
     const Dest dst = to;
     const u16xn bottom_weight = u16xn{} + static_cast<u16>(phase), top_weight = 8 - bottom_weight;
-    const auto down = [=](s16xn t, s16xn b) { return (s16xn)((u16xn)t * top_weight + (u16xn)b * bottom_weight); };
+    const auto blend = [=](s16xn t, s16xn b) { return (s16xn)((u16xn)t * top_weight + (u16xn)b * bottom_weight); };
     for (int g = 0; g < c.groups; ++g, top += 2, bottom += 2) {
-        u8xn v[N];
-        for (int p = 0, i = 0; p < N; ++p, i += 2 * c.groups)
-            v[p] = narrow_q6({down(top[i], bottom[i]), down(top[i + 1], bottom[i + 1])});
-        Out::put(dst, c.at(g), v);
+        u8xn v[planes];
+        for (int p = 0, i = 0; p < planes; ++p, i += 2 * c.groups)
+            v[p] = narrow_q6({blend(top[i], bottom[i]), blend(top[i + 1], bottom[i + 1])});
+        Format::put(dst, c.at(g), v);
     }
 }
 
-template <class Source, class Out, class Jobs>
-[[gnu::noinline]] void make_rows_of_sums(const columns& c, int windows, const Jobs& jobs, int count) {
-    static constexpr sum_row_fn sum_rows[] = {sum_row<1>, sum_row<2>, sum_row<3>, sum_row<4>};
-    kept_sums<Source> kept(c, windows, windows > 4 ? sum_row<8> : sum_rows[windows - 1]);
+template <class Format, class Rows>
+[[gnu::noinline]] void resize_cached(const columns& c, int windows, const Rows& rows, int count) {
+    static constexpr filter_horizontal_fn filters[] = {filter_horizontal<1>, filter_horizontal<2>, filter_horizontal<3>,
+                                                       filter_horizontal<4>};
+    row_cache<typename Format::source> cache(c, windows, windows > 4 ? filter_horizontal<8> : filters[windows - 1]);
     for (int i = 0; i < count; ++i) {
-        const auto job = jobs[i], next = jobs[i + (i + 1 < count)];
-        const s16xn* top = kept.of(c, job.top, job.bottom, next.top);
-        const s16xn* bottom = kept.of(c, job.bottom, job.top, next.bottom);
-        put_between<Out, Source::planes>(c, top, bottom, job.phase, job.dst);
+        const auto row = rows[i], next = rows[i + (i + 1 < count)];
+        const s16xn* top = cache.filtered(c, row.top, row.bottom, next.top);
+        const s16xn* bottom = cache.filtered(c, row.bottom, row.top, next.bottom);
+        filter_vertical<Format>(c, top, bottom, row.phase, row.dst);
     }
 }
 
 // --------------------------------------------------------------------------------------------------------- all columns
 
-/// Whether source rows serve more than one destination row, by and large
-template <class Jobs> bool rows_are_shared(const Jobs& jobs, int count) {
+/// Whether most source rows are used by more than one destination row (estimated from the first 64)
+template <class Rows> bool rows_are_shared(const Rows& rows, int count) {
     const int some = std::min(count, 64);
     int fresh = 0;
     for (int i = 1; i < some; ++i) {
-        const auto job = jobs[i], before = jobs[i - 1];
-        for (const u8* row : {*job.top, *job.bottom}) fresh += row != *before.top && row != *before.bottom;
+        const auto row = rows[i], before = rows[i - 1];
+        for (const u8* source : {*row.top, *row.bottom}) fresh += source != *before.top && source != *before.bottom;
     }
     return fresh < some - 1;
 }
 
-template <class Source, class Out, int Bytes, class Jobs>
-[[gnu::noinline]] void make_picture(const Jobs& jobs, int count, const axis& x, const row_shape& shape) {
+template <class Format, int Channels, class Rows>
+[[gnu::noinline]] void resize_columns(const Rows& rows, int count, const axis& x, const row_shape& shape) {
+    using source = typename Format::source;
     const int windows = shape.windows;
-    const bool keep = windows > 4 || rows_are_shared(jobs, count);
-    s64 most = keep ? kept_sums<Source>::most : 1 << 16;
-    most = std::min<s64>(most, ((Source::most - s64{128}) << 18) / (x.step << x.shift));
+    const bool cached = windows > 4 || rows_are_shared(rows, count);
+    s64 most = cached ? row_cache<source>::max_samples : 1 << 16;
+    most = std::min<s64>(most, ((source::max_pixels - s64{128}) << 18) / (x.step << x.shift));
     column_tables<24 * 1024> tables;
     columns c;
     for (std::ptrdiff_t first = 0; first < shape.samples; first += c.groups * lanes) {
-        c = tables.template prepare<Bytes>(x, shape, first, most, !keep);
-        if (keep) {
-            make_rows_of_sums<Source, Out>(c, windows, jobs, count);
+        c = tables.template prepare<Channels>(x, shape, first, most, !cached);
+        if (cached) {
+            resize_cached<Format>(c, windows, rows, count);
             continue;
         }
-        if (windows == 1) make_rows<Source, Out, 1, Bytes>(c, x, jobs, count);
-        if (windows == 2) make_rows<Source, Out, 2, Bytes>(c, x, jobs, count);
-        if (windows == 3) make_rows<Source, Out, 3, Bytes>(c, x, jobs, count);
-        if (windows == 4) make_rows<Source, Out, 4, Bytes>(c, x, jobs, count);
+        if (windows == 1) resize_uncached<Format, Channels, 1>(c, x, rows, count);
+        if (windows == 2) resize_uncached<Format, Channels, 2>(c, x, rows, count);
+        if (windows == 3) resize_uncached<Format, Channels, 3>(c, x, rows, count);
+        if (windows == 4) resize_uncached<Format, Channels, 4>(c, x, rows, count);
     }
 }
 
-/// Makes all rows, of pixels of Bytes samples in a plane; false where it cannot or preparing would not pay, and nothing
-/// is done. Preparing takes as long as some rows do a pixel at a time, fewer of them where each sample is a pixel.
-template <class Source, class Out, int Bytes, class Jobs>
-bool go_through(const Jobs& jobs, int count, const axis& x, int dst_w) {
-    const s64 rows = s64{count} * Source::planes * (Source::as_is && Bytes == 1 ? 2 : 1), samples = s64{dst_w} * Bytes;
-    if (samples < lanes || rows < 2 || rows * samples < 128 || samples > PTRDIFF_MAX) return false;
-    const row_shape shape(x, dst_w, Bytes);
-    if (!shape.windows || shape.windows > Source::most_windows || rows <= shape.windows) return false;
-    make_picture<Source, Out, Bytes>(jobs, count, x, shape);
+/// Resizes all rows with vectors. Returns false, with nothing written, for ratios that registers cannot read, and for
+/// pictures too small to pay for the set-up, which costs as much as a few scalar rows.
+template <class Format, int Channels, class Rows>
+bool resize_simd(const Rows& rows, int count, const axis& x, int dst_w) {
+    using source = typename Format::source;
+    constexpr int gain = source::is_direct && Channels == 1 ? 2 : 1;  // per sample the scalar form is slowest there
+    const s64 work = s64{count} * source::planes * gain, samples = s64{dst_w} * Channels;
+    if (samples < lanes || work < 2 || work * samples < 128 || samples > PTRDIFF_MAX) return false;
+    const row_shape shape(x, dst_w, Channels);
+    if (!shape.windows || shape.windows > source::max_windows || work <= shape.windows) return false;
+    resize_columns<Format, Channels>(rows, count, x, shape);
     return true;
 }
 }  // namespace zelt::inline ZELT_LEVEL::simd
