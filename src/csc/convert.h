@@ -10,7 +10,7 @@ template <class V> constexpr V opaque = V{} | 255;
 
 // ------------------------------------------------------------------------------------------------------------- layouts
 
-/// The planes that a layout has, copied out of the caller's arrays: stores through u8* may alias those.
+/// The planes of a layout, copied from the caller's arrays: stores through u8* may alias those.
 template <int N> struct planes {
     static constexpr int count = N;
     u8* p[N];
@@ -18,22 +18,27 @@ template <int N> struct planes {
 
     planes() = default;
     planes(void* const* a, const int* s) {
-        for (int i = 0; i < N; ++i) p[i] = static_cast<u8*>(a[i]), stride[i] = s[i];
+        for (int i = 0; i < N; ++i) {
+            p[i] = static_cast<u8*>(a[i]);
+            stride[i] = s[i];
+        }
     }
     void next_row() {
         for (int i = 0; i < N; ++i) p[i] += stride[i];
     }
-    /// Whether registers may be stored to it
+    /// Whether whole registers can be stored to it
     bool wide() const { return true; }
 };
 
 template <int N> struct planar : planes<N> {
     using planes<N>::planes, planes<N>::p;
-    static constexpr int step[] = {1, 1, 1, 1};  // bytes a pixel, in each plane
+    static constexpr int step[] = {1, 1, 1, 1};  // bytes per pixel, in each plane
 
     template <class V> pixel<V> get(std::ptrdiff_t x) const {
         pixel<V> v;
-        load(p[0] + x, v.c0), load(p[1] + x, v.c1), load(p[2] + x, v.c2);
+        load(p[0] + x, v.c0);
+        load(p[1] + x, v.c1);
+        load(p[2] + x, v.c2);
         if constexpr (N == 4)
             load(p[3] + x, v.a);
         else
@@ -41,7 +46,9 @@ template <int N> struct planar : planes<N> {
         return v;
     }
     template <class V> void put(std::ptrdiff_t x, pixel<V> v) const {
-        store(p[0] + x, v.c0), store(p[1] + x, v.c1), store(p[2] + x, v.c2);
+        store(p[0] + x, v.c0);
+        store(p[1] + x, v.c1);
+        store(p[2] + x, v.c2);
         if constexpr (N == 4) store(p[3] + x, v.a);
     }
 };
@@ -71,8 +78,8 @@ struct rgba8888 : planes<1> {
     template <class V> void put(std::ptrdiff_t x, pixel<V> v) const { store4(p[0] + 4 * x, v.c0, v.c1, v.c2, v.a); }
 };
 
-/// Kept: four component pointers and strides though the picture is packed, byte i of a pixel through p[i]. A null
-/// second pointer means that the first is the picture, with its stride.
+/// Kept: a packed picture given as four component pointers and strides, byte i of a pixel through p[i]. If the second
+/// pointer is null, the first one and its stride are those of the picture.
 struct components : planes<4> {
     static constexpr int step[] = {4, 4, 4, 4};
 
@@ -139,7 +146,8 @@ struct rgb565a8 : planes<2> {
     using planes::planes;
     static constexpr int step[] = {2, 1};
     template <class V> void put(std::ptrdiff_t x, pixel<V> v) const {
-        store2(p[0] + 2 * x, low565(v), high565(v)), store(p[1] + x, v.a);
+        store2(p[0] + 2 * x, low565(v), high565(v));
+        store(p[1] + x, v.a);
     }
 };
 
@@ -165,7 +173,7 @@ struct repack {
 
 // --------------------------------------------------------------------------------------------------------------- loops
 
-/// One row of at least as many pixels as a V holds. What remains at the end is done by a last V that ends with the row.
+/// One row of at least as many pixels as a V holds. The last V ends with the row and may overlap the one before it.
 template <class V, class Source, class Matrix, class Dest>
 void convert_row(Source src, Matrix matrix, Dest dst, std::ptrdiff_t w) {
     constexpr std::ptrdiff_t step = sizeof(V);
@@ -186,7 +194,7 @@ template <class Source, class Dest> bool overlap(const Source& src, const Dest& 
     return false;
 }
 
-/// Whether every row of a layout begins where the one before it ends
+/// Whether there are no gaps between the rows of a layout
 template <class Layout> bool contiguous(const Layout& l, std::ptrdiff_t w) {
     for (int i = 0; i < Layout::count; ++i)
         if (l.stride[i] != w * Layout::step[i]) return false;
@@ -199,10 +207,13 @@ void convert(void* const* src_a, int src_w, int h, const int* src_s, void* const
     Source src(src_a, src_s);
     Dest dst(dst_a, dst_s);
     std::ptrdiff_t w = src_w;
-    if (contiguous(src, w) && contiguous(dst, w) && s64{w} * h <= 1 << 28) w *= h, h = 1;
+    if (contiguous(src, w) && contiguous(dst, w) && s64{w} * h <= 1 << 28) {
+        w *= h;
+        h = 1;
+    }
     constexpr std::ptrdiff_t lanes = sizeof(widest);
     for (; h > 0; --h, src.next_row(), dst.next_row()) {
-        // Within one buffer the result is that of pixel order, which registers would not keep.
+        // Within one buffer pixels are converted one after another, each from what the ones before it left.
         if (lanes > 1 && w >= lanes && dst.wide() && !overlap(src, dst, w)) {
             convert_row<widest>(src, Matrix{}, dst, w);
             continue;

@@ -40,7 +40,7 @@ constexpr source rgb_rows[] = {
     }},
     {ZELT_CS_R8G8B8A8, {
         {ZELT_CS_RGBA8888,  F(r8g8b8a8_to_rgba8888)},
-        {ZELT_CS_RGBA5658,  F(r8g8b8a8_to_rgba8888)},  // Kept: this one writes 4 bytes a pixel
+        {ZELT_CS_RGBA5658,  F(r8g8b8a8_to_rgba8888)},  // Kept: this one writes 4 bytes per pixel
         {ZELT_CS_RGB565A8,  F(x8y8z8a8_to_xyz565a8)},
         {ZELT_CS_ARGB8888,  F(r8g8b8a8_to_argb8888)},
         {ZELT_CS_BGRA8888,  F(r8g8b8a8_to_bgra8888)},
@@ -93,7 +93,7 @@ template <std::size_t Columns> constexpr std::size_t column_of(const int (&colum
     return i;
 }
 
-/// [sizes differ][row][column], null where there is no converter
+/// [sizes differ][row][column], null if there is no converter
 template <std::size_t Rows, std::size_t Columns>
 consteval auto make_table(const source (&rows)[Rows], const int (&columns)[Columns]) {
     std::array<zelt_csc_fn, 2 * Rows * Columns> table{};

@@ -9,18 +9,22 @@ using namespace zelt;
 using namespace zelt::csc;
 
 namespace {
-/// Planes of 16-bit words; arithmetic is in int, or in 16 bits where registers hold them.
+/// Planes of 16-bit words; arithmetic is in int, or in 16 bits in registers.
 struct planar_words : planes<3> {
     using planes::planes;
     static constexpr int step[] = {2, 2, 2};
 
     template <class V> auto get(std::ptrdiff_t x) const {
         pixel<wide_of<V>> v{};
-        load_16(p[0] + 2 * x, v.c0), load_16(p[1] + 2 * x, v.c1), load_16(p[2] + 2 * x, v.c2);
+        load_16(p[0] + 2 * x, v.c0);
+        load_16(p[1] + 2 * x, v.c1);
+        load_16(p[2] + 2 * x, v.c2);
         return v;
     }
     template <class W> void put(std::ptrdiff_t x, pixel<W> v) const {
-        store_16(p[0] + 2 * x, v.c0), store_16(p[1] + 2 * x, v.c1), store_16(p[2] + 2 * x, v.c2);
+        store_16(p[0] + 2 * x, v.c0);
+        store_16(p[1] + 2 * x, v.c1);
+        store_16(p[2] + 2 * x, v.c2);
     }
 };
 
@@ -79,7 +83,10 @@ void zelt_csc_yuv444x_to_yuv444x(void* const* src_a, int32_t src_w, int32_t src_
         const std::ptrdiff_t src_stride = src_s[i], dst_stride = dst_s[i];
         std::size_t run = static_cast<std::size_t>(src_w);
         int runs = src_h;
-        if (src_stride == src_w && dst_stride == src_w && src_h > 0) run *= static_cast<std::size_t>(src_h), runs = 1;
+        if (src_stride == src_w && dst_stride == src_w && src_h > 0) {
+            run *= static_cast<std::size_t>(src_h);
+            runs = 1;
+        }
         for (int y = 0; y < runs; ++y, src += src_stride, dst += dst_stride) std::memmove(dst, src, run);
     }
 }

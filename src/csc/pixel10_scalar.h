@@ -4,7 +4,7 @@
 #include <cstring>
 
 namespace zelt::inline ZELT_LEVEL::scalar {
-/// What holds a 16-bit sample where V holds a byte
+/// The type of 16-bit samples that goes with V for bytes
 template <class V> struct wide;
 template <> struct wide<u8> { using type = int; };
 template <class V> using wide_of = typename wide<V>::type;
@@ -34,7 +34,7 @@ inline pixel<int> yuv_to_rgb10(pixel<int> p) {
             clamp(y + ((1816 * d + 512) >> 10)), p.a};
 }
 
-/// Its inverse. Pure blue and pure red give 1024; the limits count for samples of more than 10 bits alone.
+/// Its inverse. Pure blue and pure red give 1024; the limits only matter for samples of more than 10 bits.
 inline pixel<int> rgb_to_yuv10(pixel<int> p) {
     const auto chroma = [](int v) { return std::clamp(512 + std::min((v + 512) >> 10, 1023), 0, 65535); };
     const int r = p.c0, g = p.c1, b = p.c2;

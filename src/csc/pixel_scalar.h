@@ -9,17 +9,35 @@ namespace zelt::inline ZELT_LEVEL {
 template <class V> struct pixel { V c0, c1, c2, a; };
 
 namespace scalar {
-using widest = u8;  // what a row is converted in
+using widest = u8;  // what rows are converted in
 
 inline void load(const u8* p, u8& a) { a = p[0]; }
-inline void load2(const u8* p, u8& a, u8& b) { a = p[0], b = p[1]; }
-inline void load3(const u8* p, u8& a, u8& b, u8& c) { a = p[0], b = p[1], c = p[2]; }
-inline void load4(const u8* p, u8& a, u8& b, u8& c, u8& d) { a = p[0], b = p[1], c = p[2], d = p[3]; }
+inline void load2(const u8* p, u8& a, u8& b) {
+    a = p[0];
+    b = p[1];
+}
+inline void load3(const u8* p, u8& a, u8& b, u8& c) {
+    load2(p, a, b);
+    c = p[2];
+}
+inline void load4(const u8* p, u8& a, u8& b, u8& c, u8& d) {
+    load3(p, a, b, c);
+    d = p[3];
+}
 
 inline void store(u8* p, u8 a) { p[0] = a; }
-inline void store2(u8* p, u8 a, u8 b) { p[0] = a, p[1] = b; }
-inline void store3(u8* p, u8 a, u8 b, u8 c) { p[0] = a, p[1] = b, p[2] = c; }
-inline void store4(u8* p, u8 a, u8 b, u8 c, u8 d) { p[0] = a, p[1] = b, p[2] = c, p[3] = d; }
+inline void store2(u8* p, u8 a, u8 b) {
+    p[0] = a;
+    p[1] = b;
+}
+inline void store3(u8* p, u8 a, u8 b, u8 c) {
+    store2(p, a, b);
+    p[2] = c;
+}
+inline void store4(u8* p, u8 a, u8 b, u8 c, u8 d) {
+    store3(p, a, b, c);
+    p[3] = d;
+}
 
 template <int N> u8 shift_insert(u8 a, u8 b) { return static_cast<u8>((a & ~(255 >> N)) | b >> N); }
 
@@ -31,7 +49,7 @@ inline pixel<u8> yuv_to_rgb(pixel<u8> p) {
             clamp(y + ((454 * d + 128) >> 8)), p.a};
 }
 
-/// Its inverse. Only pure blue (U) and pure red (V) reach 256, and nothing falls below 0.
+/// Its inverse. Only pure blue (U) and pure red (V) reach 256, and nothing is below 0.
 inline pixel<u8> rgb_to_yuv(pixel<u8> p) {
     const auto chroma = [](int v) { return static_cast<u8>(std::min(128 + ((v + 128) >> 8), 255)); };
     const int r = p.c0, g = p.c1, b = p.c2;

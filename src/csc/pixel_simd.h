@@ -3,7 +3,7 @@
 #include "simd/vocabulary.h"
 
 namespace zelt::inline ZELT_LEVEL::simd {
-// a pixel at a time as well, for short rows
+// Short rows are converted a pixel at a time.
 using scalar::load, scalar::load2, scalar::load3, scalar::load4;
 using scalar::shift_insert, scalar::yuv_to_rgb, scalar::rgb_to_yuv;
 using scalar::store, scalar::store2, scalar::store3, scalar::store4;
