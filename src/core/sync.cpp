@@ -24,9 +24,9 @@ u32 load_exclusive(u32* p) {
 bool store_exclusive(u32* p, u32, u32 value) {
     u32 failed;
 #ifdef __aarch64__
-    asm volatile("stxr %w0, %w2, %1" : "=&r"(failed), "=Q"(*p) : "r"(value));
+    asm volatile("stxr %w0, %w2, %1" : "=&r"(failed), "+Q"(*p) : "r"(value));
 #else
-    asm volatile("strex %0, %2, %1" : "=&r"(failed), "=Q"(*p) : "r"(value));
+    asm volatile("strex %0, %2, %1" : "=&r"(failed), "+Q"(*p) : "r"(value));
 #endif
     return !failed;
 }

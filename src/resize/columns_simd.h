@@ -41,11 +41,10 @@ struct columns {
     const u8 *masks, *weights;
     // Groups whose pairs are contiguous, as at ratios of 2:1 and 4:1. The weights of their eights are in memory order.
     int run, run_end;
-    std::ptrdiff_t run_source;  // where their pairs begin in a source row
+    std::ptrdiff_t run_source;    // where their pairs begin in a source row
+    std::ptrdiff_t source_start;  // what offsets and run_source count from: the row's start, or what is read of it
 
     std::ptrdiff_t at(int group) const { return std::min(first + group * lanes, last); }
-    /// The part of a source row that is read
-    std::ptrdiff_t source_start() const { return offsets[0]; }
     std::ptrdiff_t source_end(int windows) const { return offsets[groups * eights - 1] + 16 * windows; }
 
     /// Prefetches this half group's part of the next row: rows are read too sparsely for the hardware prefetcher.
@@ -92,12 +91,19 @@ public:
         weights_ = memory_;
         masks_ = weights_ + groups * 2 * lanes;
         offsets_ = reinterpret_cast<std::ptrdiff_t*>(masks_ + groups * 2 * lanes * row.masks());
-        columns c = {groups, first, row.samples - lanes, offsets_, masks_, weights_, groups, groups, 0};
+        columns c = {groups, first, row.samples - lanes, offsets_, masks_, weights_, groups, groups, 0, 0};
         for (int i = 0; i < groups * columns::eights; ++i)
             prepare_eight<Channels>(x, row, i, c.at(i / columns::eights) + 8 * eight_at(i % columns::eights));
         if (may_run && 8 % Channels == 0 && x.shift <= 1) find_run<Channels>(c, x, row);
         for (int i = c.run * columns::eights; i < c.run_end * columns::eights; i += columns::eights) sort_weights(i);
         return c;
+    }
+
+    /// Has places in source rows count from the first one that is read.
+    void count_from_first(columns& c) {
+        c.source_start = offsets_[0];
+        for (int i = 0; i < c.groups * columns::eights; ++i) offsets_[i] -= c.source_start;
+        c.run_source -= c.source_start;
     }
 
 private:

@@ -26,16 +26,13 @@ public:
     static constexpr int max_windows = Bytes == 2 ? 8 : 4;  // beyond, too many of the pixels would go unused
     static constexpr bool is_direct = false;
 
-    deinterleaved(const columns& c, int windows) : start_(c.source_start()), size_(c.source_end(windows) - start_) {}
+    deinterleaved(const columns& c, int windows) : start_(c.source_start), size_(c.source_end(windows)) {}
 
     [[gnu::noinline]] const u8* const* samples_of(const u8* const* row) {
         Layout src;
         src.p[0] = const_cast<u8*>(*row) + start_ * Bytes;
         csc::planar<3> dst;
-        for (int i = 0; i < 3; ++i) {
-            dst.p[i] = pixels_[i];
-            samples_[i] = pixels_[i] - start_;
-        }
+        for (int i = 0; i < 3; ++i) dst.p[i] = pixels_[i];
         if (size_ >= lanes)
             csc::convert_row<u8xn>(src, csc::repack{}, dst, size_);
         else
@@ -45,8 +42,8 @@ public:
 
 private:
     std::ptrdiff_t start_, size_;
-    const u8* samples_[3];
     u8 pixels_[3][max_pixels];
+    const u8* samples_[3] = {pixels_[0], pixels_[1], pixels_[2]};
 };
 
 /// Pixels of bytes, all channels of which are filtered alike

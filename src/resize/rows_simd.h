@@ -155,7 +155,7 @@ public:
         std::copy_n(row, source_planes, rows_[i]);
         const u8* const* samples = source_.samples_of(row);
         for (int p = 0; p < planes; ++p)
-            filter_(c, samples[p], next[Source::is_direct ? p : 0], sums_[i] + 2 * c.groups * p);
+            filter_(c, samples[p], next[Source::is_direct ? p : 0] + c.source_start, sums_[i] + 2 * c.groups * p);
         return sums_[i];
     }
 
@@ -223,6 +223,7 @@ template <class Format, int Channels, class Rows>
     columns c;
     for (std::ptrdiff_t first = 0; first < shape.samples; first += c.groups * lanes) {
         c = tables.template prepare<Channels>(x, shape, first, most, !cached);
+        if (!source::is_direct) tables.count_from_first(c);
         if (cached) {
             resize_cached<Format>(c, windows, rows, count);
             continue;
