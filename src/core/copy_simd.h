@@ -4,7 +4,6 @@
 #include "simd/vocabulary.h"
 
 namespace zelt::inline ZELT_LEVEL::simd {
-typedef u8 u8x16 __attribute__((vector_size(16)));
 typedef u8 u8x8 __attribute__((vector_size(8)));
 
 /// Copies n bytes, one to two of T, as its two ends.

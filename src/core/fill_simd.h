@@ -7,9 +7,6 @@
 #include <cstdint>
 
 namespace zelt::inline ZELT_LEVEL::simd {
-typedef u32 word_register __attribute__((vector_size(lanes)));
-typedef u32 word_quad __attribute__((vector_size(16)));
-
 /// Writes a value at both ends of n bytes; they overlap where n is less than two of them. The word's period divides n,
 /// so that its phase is the same at either end. n is negative where the steps of fill_registers from both sides have
 /// passed each other.
@@ -20,7 +17,7 @@ template <class T> void fill_ends(u8* dst, T value, std::ptrdiff_t n) {
 
 inline void fill_short(u8* dst, u32 word, std::size_t n) {
     if (n >= 16)
-        fill_ends(dst, word_quad{} + word, n);
+        fill_ends(dst, u32x4{} + word, n);
     else if (n >= 8)
         fill_ends(dst, u64{word} << 32 | word, n);
     else if (n >= 4)
@@ -29,23 +26,14 @@ inline void fill_short(u8* dst, u32 word, std::size_t n) {
         scalar::fill(dst, word, n);
 }
 
-#ifdef __AVX2__
-constexpr std::size_t long_fill = 1 << 19;
-/// Beyond the caches near the processor: string instructions need not read what they overwrite.
-inline void fill_long(u8* p, u32 word, std::size_t bytes) {
-    std::size_t n = bytes / 4;
-    asm volatile("rep stosl" : "+D"(p), "+c"(n) : "a"(word) : "memory");
-}
-#endif
-
 /// A store at a multiple of a register's size. The caller's objects there may be of any type.
-inline void store_aligned(u8* p, word_register value) {
-    typedef word_register any __attribute__((may_alias));
+inline void store_aligned(u8* p, u32xn value) {
+    typedef u32xn any __attribute__((may_alias));
     *reinterpret_cast<any*>(p) = value;
 }
 
 /// Writes a register's worth or more of a word that also stands in all of a register.
-inline void fill_registers(u8* dst, word_register all, u32 word, std::size_t n) {
+inline void fill_registers(u8* dst, u32xn all, u32 word, std::size_t n) {
     fill_ends(dst, all, n);
     if (n <= 2 * lanes) return;
     fill_ends(dst + lanes, all, n - 2 * lanes);
@@ -59,10 +47,8 @@ inline void fill_registers(u8* dst, word_register all, u32 word, std::size_t n) 
     const u32 turned = std::rotr(word, static_cast<int>(first % 4) * 8);
     const std::size_t rest = (n - first - lanes - 1) / lanes;  // as far as the two registers at the end
     u8* p = dst + first;
-#ifdef __AVX2__
-    if (n >= long_fill) return fill_long(p, turned, rest * lanes);
-#endif
-    const word_register value = word_register{} + turned;
+    if (n >= string_fill_from) return string_fill(p, turned, rest * lanes / 4);
+    const u32xn value = u32xn{} + turned;
     const auto store = [&] {
         store_aligned(p, value);
         p += lanes;
@@ -75,30 +61,27 @@ inline void fill_registers(u8* dst, word_register all, u32 word, std::size_t n) 
 /// As scalar::fill, for n that the word's own period divides: 1, 2 or 4.
 inline void fill(u8* dst, u32 word, std::size_t n) {
     if (n < lanes) return fill_short(dst, word, n);
-    fill_registers(dst, word_register{} + word, word, n);
+    fill_registers(dst, u32xn{} + word, word, n);
 }
 
 /// Writes N copies of a byte, N a multiple of 8.
 template <int N> void fill_fixed(u8* dst, u8 value) {
     static_assert(N % 8 == 0);
-    const word_register all = (word_register)(u8xn{} + value);
+    const u32xn all = (u32xn)(u8xn{} + value);
     constexpr int tail = N % lanes;
     for (int i = 0; i + lanes <= N; i += lanes) store_unaligned(dst + i, all);
-    if constexpr (tail >= 16) store_unaligned(dst + N - tail, word_quad{} + value * 0x01010101u);
+    if constexpr (tail >= 16) store_unaligned(dst + N - tail, u32x4{} + value * 0x01010101u);
     if constexpr (tail % 16) store_unaligned(dst + N - 8, u64{value} * 0x0101010101010101);
 }
 
 inline void fill_bytes(u8* dst, u8 value, std::size_t n) {
-#ifdef __AVX2__
-    constexpr std::size_t long_run = 1024;  // from here on the C library's way is as fast or faster
-    if (n >= long_run) {
+    if (n >= memset_from) {
         std::memset(dst, value, n);
         return;
     }
-#endif
     const u32 word = value * 0x01010101u;
     if (n >= lanes)
-        fill_registers(dst, (word_register)(u8xn{} + value), word, n);
+        fill_registers(dst, (u32xn)(u8xn{} + value), word, n);
     else
         fill_short(dst, word, n);
 }

@@ -9,6 +9,7 @@ template <> struct wide<simd::u8xn> { using type = simd::s16x2n; };
 namespace zelt::inline ZELT_LEVEL::simd {
 using scalar::load_reduced, scalar::load_16, scalar::store_16, scalar::wide_of;
 using scalar::yuv_to_rgb10, scalar::rgb_to_yuv10;
+using vec::load_16, vec::store_16;
 
 inline void load_reduced(const u8* p, u8xn& a) {
     s16x2n v;

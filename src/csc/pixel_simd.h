@@ -17,7 +17,8 @@ using widest = u8xn;
 inline pixel<u8xn> yuv_to_rgb(pixel<u8xn> p) {
     const u8xn y = p.c0, u = p.c1, v = p.c2;
     const s16x2n green = shift_add<8>(difference(y, v), dot<73, -88>(v, u) + 2047);
-    return {narrow(centred_product<359>(v) + y), narrow_signed(green) ^ 128, narrow(centred_product<454>(u) + y), p.a};
+    return {narrow(add_wide(centred_product<359>(v), y)), narrow_signed(green) ^ 128,
+            narrow(add_wide(centred_product<454>(u), y)), p.a};
 }
 
 /// Luma fits 16 unsigned bits. The chroma sums are negated, m = 43 R + 85 G - 128 B within 32640 of 0, so that the

@@ -5,7 +5,7 @@
 namespace zelt::inline ZELT_LEVEL::simd {
 /// Two registers are loaded before they are stored: a load waits for the stores before it that might be to its place.
 template <int W, int H, class A, class B> void diff(const A* a, const B* b, int s_a, int s_b, int s_d, s16* d) {
-    constexpr bool of_bytes = std::is_same_v<A, u8> && std::is_same_v<B, u8> && W >= lanes;
+    constexpr bool of_bytes = std::is_same_v<A, u8> && std::is_same_v<B, u8> && W % lanes == 0;
     using step = std::conditional_t<of_bytes, byte_step<W, H>, word_step<W, H>>;
     constexpr bool one = W == step::columns && H == step::rows, down = W == step::columns;
     constexpr int rows = down && !one ? 2 * step::rows : step::rows, columns = down ? W : 2 * step::columns;
@@ -13,7 +13,7 @@ template <int W, int H, class A, class B> void diff(const A* a, const B* b, int 
     const std::ptrdiff_t sa = s_a, sb = s_b, sd = s_d;
     const auto subtract = [=](const A* pa, const B* pb) {
         if constexpr (of_bytes)
-            return difference_words(load_rows<lanes, 1>(pa, sa), load_rows<lanes, 1>(pb, sb));
+            return dot<1, -1>(load_rows<lanes, 1>(pa, sa), load_rows<lanes, 1>(pb, sb));
         else
             return load_rows_16<step::columns, step::rows>(pa, sa) - load_rows_16<step::columns, step::rows>(pb, sb);
     };

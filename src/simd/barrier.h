@@ -4,10 +4,13 @@
 #include <type_traits>
 
 namespace zelt::inline ZELT_LEVEL {
-/// Hides from the compiler how a value came about. Back ends have the same for their registers.
-template <class T>
-requires(std::is_pointer_v<T> || std::is_integral_v<T>) T hide_from_optimizer(T value) {
-    asm("" : "+r"(value));
+/// Hides from the compiler how a value came about: a pointer, an integer or a register.
+template <class T> T hide_from_optimizer(T value) {
+    if constexpr (std::is_pointer_v<T> || std::is_integral_v<T>) asm("" : "+r"(value));
+#ifdef ZELT_REGISTER
+    else
+        asm("" : "+" ZELT_REGISTER(value));
+#endif
     return value;
 }
 

@@ -2,6 +2,10 @@
 #include <arm_neon.h>
 
 namespace zelt::inline ZELT_LEVEL::vec {
+constexpr bool loads_take_an_index = false;
+constexpr std::size_t memset_from = SIZE_MAX, string_fill_from = SIZE_MAX;
+inline void string_fill(u8*, u32, std::size_t) {}  // there is none, and no call of it
+
 inline void load(const u8* p, u8xn& a) { a = (u8xn)vld1q_u8(p); }
 inline void load2(const u8* p, u8xn& a, u8xn& b) {
     const uint8x16x2_t v = vld2q_u8(p);
@@ -44,7 +48,7 @@ inline u8xn high(s16x2n a) {
 inline u8xn round_high(s16x2n a) {
     return (u8xn)vcombine_u8(vrshrn_n_u16((uint16x8_t)a.lo, 8), vrshrn_n_u16((uint16x8_t)a.hi, 8));
 }
-inline s16x2n operator+(s16x2n a, u8xn b) {
+inline s16x2n add_wide(s16x2n a, u8xn b) {
     return {(s16xn)vaddw_u8((uint16x8_t)a.lo, low8(b)), (s16xn)vaddw_u8((uint16x8_t)a.hi, high8(b))};
 }
 inline s16x2n difference(u8xn a, u8xn b) {
@@ -54,6 +58,7 @@ inline s16x2n sub_sat(s16x2n a, s16x2n b) {
     return {(s16xn)vqsubq_s16((int16x8_t)a.lo, (int16x8_t)b.lo), (s16xn)vqsubq_s16((int16x8_t)a.hi, (int16x8_t)b.hi)};
 }
 template <int F> s16x2n centred_product(u8xn a) {
+    static_assert(centred_product_fits(F));
     const int8x16_t centred = (int8x16_t)(a ^ 128);
     return {(s16xn)vqrdmulhq_n_s16(vshll_n_s8(vget_low_s8(centred), 7), F),
             (s16xn)vqrdmulhq_n_s16(vshll_n_s8(vget_high_s8(centred), 7), F)};
@@ -86,10 +91,15 @@ template <int F> uint16x8_t multiply(uint8x8_t a) {
         return multiply_add<F>(vdupq_n_u16(0), a);
 }
 
-template <int A, int B> s16x2n dot(u8xn a, u8xn b) {
-    if constexpr (A < 0 && B > 0) return dot<B, A>(b, a);  // start with a product, not with zero
+template <int A, int B> s16x2n add_products(u8xn a, u8xn b) {
+    if constexpr (A < 0 && B > 0) return add_products<B, A>(b, a);  // start with a product, not with zero
     return {(s16xn)multiply_add<B>(multiply<A>(low8(a)), low8(b)),
             (s16xn)multiply_add<B>(multiply<A>(high8(a)), high8(b))};
+}
+template <int A, int B> s16x2n dot(u8xn a, u8xn b) {
+    static_assert(dot_fits(A, B));
+    if constexpr (A == 1 && B == -1) return difference(a, b);
+    return add_products<A, B>(a, b);
 }
 
 struct triples {
@@ -97,13 +107,15 @@ struct triples {
 };
 inline triples interleave(u8xn a, u8xn b, u8xn c) { return {a, b, c}; }
 template <int A, int B, int C> s16x2n dot(triples v) {
-    const s16x2n ab = dot<A, B>(v.a, v.b);
+    static_assert(dot_fits(A, B, C));
+    const s16x2n ab = add_products<A, B>(v.a, v.b);
     return {(s16xn)multiply_add<C>((uint16x8_t)ab.lo, low8(v.c)),
             (s16xn)multiply_add<C>((uint16x8_t)ab.hi, high8(v.c))};
 }
 
 inline void load_16(const u8* p, s16x2n& a) { a = {(s16xn)vld1q_u8(p), (s16xn)vld1q_u8(p + 16)}; }
 inline void store_16(u8* p, s16x2n a) { vst1q_u8(p, (uint8x16_t)a.lo), vst1q_u8(p + 16, (uint8x16_t)a.hi); }
+inline void store_widened(s16* p, s16x2n a) { vst1q_s16(p, (int16x8_t)a.lo), vst1q_s16(p + 8, (int16x8_t)a.hi); }
 
 template <int A, int B, int C> int16x4_t dot_q10(int16x4_t a, int16x4_t b, int16x4_t c) {
     const int16x4_t factors = {A, B, C, 0};  // lanes of one register: compilers keep factors by themselves in many
@@ -117,6 +129,7 @@ template <int A, int B, int C> s16xn dot_q10(s16xn a, s16xn b, s16xn c) {
     return (s16xn)vcombine_s16(dot_q10<A, B, C>(low(a), low(b), low(c)), dot_q10<A, B, C>(high(a), high(b), high(c)));
 }
 template <int A, int B, int C> s16x2n dot_q10(s16x2n a, s16x2n b, s16x2n c) {
+    static_assert(dot_q10_fits(A, B, C));
     return {dot_q10<A, B, C>(a.lo, b.lo, c.lo), dot_q10<A, B, C>(a.hi, b.hi, c.hi)};
 }
 
@@ -175,3 +188,5 @@ inline u8xn narrow_q6(s16x2n a) {
 inline u8xn narrow_ordered(s16x2n a) { return narrow(a); }
 inline u8xn narrow_q6_ordered(s16x2n a) { return narrow_q6(a); }
 }  // namespace zelt::inline ZELT_LEVEL::vec
+
+#include "simd/neon_block.h"

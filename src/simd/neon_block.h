@@ -1,15 +1,9 @@
 #pragma once  // the vocabulary of sample blocks on NEON, ARMv7 and AArch64 alike
-#include <cstring>
 
 namespace zelt::inline ZELT_LEVEL::vec {
 template <class T> T load_as(const void* p) {  // a plain load: a lane load of a cast pointer may assume alignment
     T v;
     std::memcpy(&v, p, sizeof v);
-    return v;
-}
-
-template <class V> V hide_from_optimizer(V v) {
-    asm("" : "+w"(v));
     return v;
 }
 
@@ -45,32 +39,34 @@ template <int Bytes, int R> uint8x16_t pack_rows(const u8* p, std::ptrdiff_t str
         return vcombine_u8(pack_half<Bytes, low>(p, stride), pack_half<Bytes, R - low>(p + low * stride, stride));
 }
 
-template <int W, int R> u8xn load_rows(const u8* p, std::ptrdiff_t stride) { return (u8xn)pack_rows<W, R>(p, stride); }
+template <int W, int R> u8xn load_rows(const u8* p, std::ptrdiff_t stride) {
+    static_assert(rows_fit(W, R, 1, lanes));
+    return (u8xn)pack_rows<W, R>(p, stride);
+}
 template <int W, int R> u16xn load_rows_16(const u8* p, std::ptrdiff_t stride) {
+    static_assert(rows_fit(W, R, 2, lanes));
     return (u16xn)vmovl_u8(pack_half<W, R>(p, stride));
 }
 template <int W, int R> u16xn load_rows_16(const s16* p, std::ptrdiff_t stride) {
+    static_assert(rows_fit(W, R, 2, lanes));
     return (u16xn)pack_rows<2 * W, R>(reinterpret_cast<const u8*>(p), 2 * stride);
 }
 template <int W, int R> u16xn load_rows_16(const u16* p, std::ptrdiff_t stride) {
     return load_rows_16<W, R>(reinterpret_cast<const s16*>(p), stride);
 }
 template <int W, int R> u16xn paired_residual(const u8* a, const u8* b, std::ptrdiff_t, std::ptrdiff_t) {
-    static_assert(W == 8 && R == 1, "no form for rows of this width");
+    static_assert(W == 8 && R == 1);
     const int16x8_t d = vreinterpretq_s16_u16(vsubl_u8(vld1_u8(a), vld1_u8(b)));
     const int16x4x2_t pairs = vuzp_s16(vget_low_s16(d), vget_high_s16(d));
     return (u16xn)vcombine_s16(vadd_s16(pairs.val[0], pairs.val[1]), vsub_s16(pairs.val[0], pairs.val[1]));
 }
 template <int W, int R> void store_rows_16(s16* p, std::ptrdiff_t stride, u16xn v) {
-    static_assert(W * R <= 8, "no form for rows of this width");
+    static_assert(rows_fit(W, R, 2, lanes));
     if constexpr (W == 8)
         vst1q_u16(reinterpret_cast<u16*>(p), (uint16x8_t)v);
     else
         for (int i = 0; i < R; ++i) std::memcpy(p + i * stride, reinterpret_cast<const u8*>(&v) + 2 * W * i, 2 * W);
 }
-
-inline s16x2n difference_words(u8xn a, u8xn b) { return difference(a, b); }
-inline void store_widened(s16* p, s16x2n d) { vst1q_s16(p, (int16x8_t)d.lo), vst1q_s16(p + 8, (int16x8_t)d.hi); }
 
 inline u32xn extend(u32xn s) { return s; }
 inline u16xn extend(u16xn s) { return s; }
@@ -153,4 +149,5 @@ template <class V> void transpose2x2_64(V& a, V& b) {
     a = (V)vcombine_u32(vget_low_u32(va), vget_low_u32(vb));
     b = (V)vcombine_u32(vget_high_u32(va), vget_high_u32(vb));
 }
+template <class V> void transpose2x2_128(V&, V&) {}  // a register has no second one
 }  // namespace zelt::inline ZELT_LEVEL::vec

@@ -1,83 +1,193 @@
 #pragma once
-// The vector vocabulary: what kernels are written over, at the target's own register width. This file has the types and
-// the plain arithmetic; a back end adds what is an instruction of its own on its target, the same names on each:
+// The vector vocabulary: what kernels are written over, at the target's own register width. This page is its contract;
+// generic.h defines every operation in plain C++, and operations_test.cpp holds each back end to that over the whole
+// range that stands here. Beyond a range the result is any, and differs from target to target.
 //
+// TYPES. `lanes` is the number of bytes in a register, lanes_16 half of it.
+//   u8xn, s16xn, u16xn, u32xn   a register of samples; + - * & | ^ << >> and comparisons are the compiler's own
+//   s16x2n                      as many samples as u8xn has, as 16 bits: {s16xn lo, hi}, with + - << >> and clamp
+//   u8x16, u16x8, u32x4         registers of 16 bytes on every target: narrow blocks, and tables of the resizer
+//
+// ORDERS. In memory order sample i is in lane i, those of lo first. In widened order, that of widen() for bytes in
+// memory order, eights of samples change places: the one at i is number eight_at(i). On registers of 16 bytes the two
+// are one. "Widened to memory" is said of an operation that takes the one and gives the other.
+//
+// SAMPLES
 //   load, load2, load3, load4    `lanes` samples of 1 to 4 interleaved channels; store, store2, store3, store4 alike
-//   widen, narrow                bytes to unsigned words and back with saturation to 0..255
-//   narrow_signed                words to signed bytes with saturation to -128..127
-//   high, round_high             bits 15..8 of unsigned words, and of words + 128 (which must not wrap)
-//   difference(a, b)             a - b of unsigned bytes, in words
-//   dot<A, B>(a, b)              A a + B b of unsigned bytes; the sum of either sign's terms stays in 16 bits
-//   interleave, dot<A, B, C>     the same of three, modulo 2^16
-//   centred_product<F>(a)        (F (a - 128) + 128) >> 8 of unsigned bytes
-//   mul_q15(a, b)                (a b + 2^14) >> 15
-//   sub_sat(a, b)                a - b with saturation to 16 bits
-//   shift_add<N>(a, b)           a + (b >> N)
-//   shift_insert<N>(a, b)        the high N bits of bytes a above b >> N
+//   load_16, store_16            `lanes` samples of 16 bits in memory order
+//   store_widened(p, v)          samples of 16 bits, widened to memory
+//   splat(int)                   an s16x2n of one value
+//   widen                        bytes to words, memory to widened; so are difference, dot and centred_product
+//   difference(a, b)             a - b
+//   add_wide(v, a)               v + widen(a)
+//   dot<A, B>(a, b)              A a + B b; factors as dot_fits() says: -128..127, those of a sign sum up to 128 at
+//   most interleave, dot<A, B, C>     the same of three modulo 2^16; B from 0 up, those above 0 sum up to 256
+//   centred_product<F>(a)        (F (a - 128) + 128) >> 8, for the factors that centred_product_fits()
+//   narrow, narrow_signed        widened to memory, with saturation to 0..255 and to -128..127
+//   high, round_high             widened to memory: bits 15..8 of unsigned words, and of words + 128, which must not
+//   wrap narrow_q6                    widened to memory: v >> 6, for v from 0 to 2^14 - 1 narrow_ordered,
+//   narrow_q6_ordered
+//                                narrow and narrow_q6, memory to memory
+//   mul_q15(v, int b)            (v b + 2^14) >> 15; b above -2^15
+//   sub_sat(v, w)                v - w with saturation
+//   shift_add<N>(v, w)           v + (w >> N)
+//   shift_insert<N>(a, b)        of bytes, the high N bits of a above b >> N; N from 1 to 7
+//   dot_q10<A, B, C>(u, v, w)    (A u + B v + C w + 512) >> 10, where that fits 16 bits; as dot_q10_fits() says
 //   any(mask)                    whether a byte is set, of bytes that are 0 or 255
-//   load_16, store_16          `lanes` samples of 16 bits; their order inside `s16x2n` is not that of widen
-//   dot_q10<A, B, C>(a, b, c)    (A a + B b + C c + 512) >> 10 of signed words, summed in 32 bits
 //
-// Pairs of bytes from anywhere in a row, for half of the samples of `s16x2n`. Samples are dealt with in eights, whose
-// bytes stand in Windows * 16 bytes of the row. Tables give an eight 16 bytes, pair_at(i, side) is the place of sample
-// i's; the eights of `s16x2n`, first those of lo, are in the order of eight_at.
+// PAIRS of bytes from anywhere in a row, for half of the samples of s16x2n. Samples are dealt with in eights, whose
+// bytes are in Windows * 16 bytes of the row, Windows from 1 to 8. Tables give an eight 16 bytes.
+//   reach                        bytes of the windows, 16 or 32, that a mask deals with
+//   gather_pairs<Windows>(row, at, masks)
+//                                pairs by their places in the windows that start at row + at[i], i the eight in widened
+//                                order; on targets where eight_at(i) is i all from row + at[0]. Masks hold `lanes`
+//                                bytes a reach, 0x80 where the byte is in another
+//   load_pairs<Bytes, Next>(p)   pairs that follow one another from p on: of pixels of 1 or 4 bytes, either each one
+//                                (Next 1) or every second one (Next 2), in memory order
+//   weighted_sum(p, w), weighted_sum(sum, p, w)
+//                                sum of a pair's bytes times its weights; a pair of weights sums up to 128 at most
+//   store_pairs(p, l, r)         an eight's 16 bytes of a table from l and r, values below 256
+//   pack(u32x4, u32x4)           eight values below 2^16
 //
-//   reach                          bytes of the windows, 16 or 32, that a mask deals with
-//   gather_pairs<Windows>(row, at, masks)  pairs by their places in the windows that start at at[]; masks hold `lanes`
-//   bytes a
-//                                  reach, 0x80 where the byte is in another
-//   load_pairs<Bytes, Next>(p)     pairs that stand one after another from p on: of pixels of 1 or 4 bytes, either each
-//                                  one or every second one, for eights in their own order
-//   weighted_sum(p, w), weighted_sum(sum, p, w)  sum of a pair's bytes times its weights, in 16 bits
-//   pack(u32x4, u32x4)               the low halves of eight 32-bit values
-//   store_pairs(p, l, r)           an eight's 16 bytes of a table from the low bytes of l and r
-//   narrow_q6, narrow_q6_ordered    unsigned words >> 6, to bytes; from eights in their own order
-//   narrow_ordered                  narrow of eights in their own order, as load_16 has them
+// BLOCKS. The rows of a narrow block share a register, and everything is summed up. W is a power of two, and R rows of
+// W samples fill 16 bytes at most, or W samples a whole register; anything else does not compile. V is u16x8 or u16xn.
+//   load_rows<W, R>              R rows of W bytes, one after the other, in u8x16 or u8xn; what is left of it is 0
+//   load_rows_16<W, R>           the same of s16 and u16 samples, and of bytes widened: R rows of W values, together up
+//                                to 8 or lanes_16, in V
+//   store_rows_16<W, R>          R rows of W s16; together up to 8, or a row of lanes_16
+//   paired_residual<W, R>(a, b)  a - b of R rows of W bytes, W 8 or more, together 8 or lanes_16: of two neighbours in
+//                                each the sum and the difference. A row's sums come first, then its differences
+//   extend                       u16x8 or u32x4 as a whole register, the other lanes 0
+//   reduce_add                   a sum over all lanes of u32x4, u32xn, and of the sums below
+//   abs_diff_sums_8<B>, add_abs_diff(s, a, b)
+//                                sum of |a - b| of bytes, B is u8x16 or u8xn; up to 256 times
+//   abs_diff_sums_16<V>, add_abs_diff(s, a, b), add_abs_diffs(s, a, b, c, d)
+//                                sum of |a - b| (and of |c - d|) of signed values, up to eight together. s.sum is below
+//                                2^15 and right where exact_abs_diffs(seen(s)), which it is of 12 bits at least
+//   square_sums<V>, add_squares(s, a, b), add(s, t), exact(s)
+//                                sum of (a - b)^2 modulo 2^32 of bytes (for lanes bytes V is u16xn) or signed values;
+//                                right where exact, which it is of 14 bits at least
+//   pairwise_add_accumulate(u32, V), pairwise_add_accumulate_abs(u32, V)
+//                                adds neighbours; values below 2^15, and up to 2^15
+//   abs, max, average            of signed values the magnitude, 2^15 included; of unsigned ones the larger, and
+//                                (a + b + 1) / 2
+//   add_sat, sub_sat             of signed values
+//   any_sign_bit                 whether any value is 2^15 or more
+//   transpose2x2_16, _64         of each pair of neighbours of so many bits in a and b: the first ones to a, the second
+//                                ones to b, (a0 b0 a2 b2...) and (a1 b1 a3 b3...)
+//   transpose2x2_32              the same in any order within 16 bytes, both results in one
+//   transpose2x2_128             on registers of 32 bytes: (a0 b1) and (a1 b0), the second pair turned round
+//
+// PROPERTIES that a kernel may choose a shape by
+//   loads_take_an_index          an address of base and index costs nothing
+//   memset_from                  bytes from which the C library's memset is as fast as registers or faster
+//   string_fill_from             bytes from which string_fill(p, word, n) is, which fills n words: beyond the caches
+//   near
+//                                the processor it need not read what it overwrites
 #include "core/types.h"
+#include "simd/barrier.h"
 #include "simd/level.h"
 
-namespace zelt::inline ZELT_LEVEL::vec {
-#ifdef __AVX2__
-constexpr int lanes = 32;
-constexpr bool loads_take_an_index = true;
-#else
-constexpr int lanes = 16;
-constexpr bool loads_take_an_index = false;
-#endif
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+#include <utility>
 
-typedef u8 u8xn __attribute__((vector_size(lanes)));    // one register of samples
-typedef s16 s16xn __attribute__((vector_size(lanes)));  // half of the same samples as 16 bits
-typedef u16 u16xn __attribute__((vector_size(lanes)));  // likewise; arithmetic is unsigned, so that it may wrap
-
-typedef u16 u16x8 __attribute__((vector_size(16)));  // an eight's places or weights
+namespace zelt {
+typedef u8 u8x16 __attribute__((vector_size(16)));
+typedef s16 s16x8 __attribute__((vector_size(16)));
+typedef u16 u16x8 __attribute__((vector_size(16)));
 typedef u32 u32x4 __attribute__((vector_size(16)));
 
-/// Samples as 16 bits, in an order that is the target's own: `narrow` undoes `widen`.
-struct s16x2n {
-    s16xn lo, hi;
-};
+// Ranges that every back end asserts: what all of them can do
 
-inline s16x2n operator+(s16x2n a, s16x2n b) {
-    return {(s16xn)((u16xn)a.lo + (u16xn)b.lo), (s16xn)((u16xn)a.hi + (u16xn)b.hi)};
+constexpr bool dot_fits(int a, int b) {
+    const auto fits = [](int f) { return f >= -128 && f <= 127; };
+    return fits(a) && fits(b) && std::max(a, 0) + std::max(b, 0) <= 128 && std::min(a, 0) + std::min(b, 0) >= -128;
 }
-inline s16x2n operator-(s16x2n a, s16x2n b) {
-    return {(s16xn)((u16xn)a.lo - (u16xn)b.lo), (s16xn)((u16xn)a.hi - (u16xn)b.hi)};
+/// The part of B in dot<A, B, C> that goes with A in one sum of two products; the rest goes with C.
+constexpr int shared_factor(int a, int b) { return std::min({b, 128 - std::max(a, 0), 127}); }
+constexpr bool dot_fits(int a, int b, int c) {
+    const int with_a = shared_factor(a, b);
+    return b >= 0 && dot_fits(a, with_a) && dot_fits(c, b - with_a);
 }
-inline s16x2n splat(int value) {
-    const s16xn all = s16xn{} + static_cast<s16>(value);
-    return {all, all};
+constexpr bool dot_q10_fits(int a, int b, int c) {
+    const auto magnitude = [](int f) { return f < 0 ? -f : f; };
+    return std::max({a, b, c}) < 1 << 15 && std::min({a, b, c}) >= -(1 << 15) &&
+           magnitude(a) + magnitude(b) + magnitude(c) < 1 << 16;
 }
-inline s16x2n operator+(s16x2n a, int b) { return a + splat(b); }
-inline s16x2n operator>>(s16x2n a, int n) { return {a.lo >> n, a.hi >> n}; }
-inline s16x2n operator<<(s16x2n a, int n) { return {a.lo << n, a.hi << n}; }
-inline s16x2n clamp(s16x2n a, int low, int high) {
-    const s16xn least = splat(low).lo, most = splat(high).lo;
-    a = {a.lo < most ? a.lo : most, a.hi < most ? a.hi : most};
-    return {a.lo > least ? a.lo : least, a.hi > least ? a.hi : least};
+/// centred_product as one high-half multiplication of 256 a + filler, where the filler stands for the rounding: whether
+/// floor((256 a + filler) F / 65536) - offset is the result for bytes a, signed ones if the least is negative.
+constexpr bool product_is_exact(int f, int least, int filler, int offset) {
+    for (int a = least; a < least + 256; ++a)
+        if (((a * 256 + filler) * f >> 16) - offset != (f * (a - least - 128) + 128) >> 8) return false;
+    return filler < 256;
 }
+/// With a - 128 the filler serves for some factors; others need a itself and an offset.
+constexpr int product_filler(int f) { return (32768 + f - 1) / f; }
+constexpr int product_offset(int f) { return (128 * f - 128) / 256; }
+constexpr bool centred_product_fits(int f) {
+    return f > 0 && f < 1 << 15 &&
+           (product_is_exact(f, -128, product_filler(f), 0) || product_is_exact(f, 0, 0, product_offset(f)));
+}
+/// Whether R rows of W samples are what a register of 16 bytes or a whole one takes
+constexpr bool rows_fit(int w, int r, int element, int lanes) {
+    const int bytes = w * r * element;
+    return w > 1 && (w & (w - 1)) == 0 && r > 0 && (bytes <= 16 || bytes == lanes);
+}
+}  // namespace zelt
+
+namespace zelt::inline ZELT_LEVEL {
+/// As many samples as a register has bytes, as 16 bits; V is s16xn. All arithmetic wraps.
+template <class V> struct widened {
+    V lo, hi;
+
+    static widened all(int value) {
+        const V v = V{} + static_cast<s16>(value);
+        return {v, v};
+    }
+    friend widened operator+(widened a, widened b) { return {add(a.lo, b.lo), add(a.hi, b.hi)}; }
+    friend widened operator-(widened a, widened b) { return {subtract(a.lo, b.lo), subtract(a.hi, b.hi)}; }
+    friend widened operator+(widened a, int b) { return a + all(b); }
+    friend widened operator>>(widened a, int n) { return {a.lo >> n, a.hi >> n}; }
+    friend widened operator<<(widened a, int n) { return {a.lo << n, a.hi << n}; }
+    friend widened clamp(widened a, int low, int high) {
+        const V least = all(low).lo, most = all(high).lo;
+        a = {a.lo < most ? a.lo : most, a.hi < most ? a.hi : most};
+        return {a.lo > least ? a.lo : least, a.hi > least ? a.hi : least};
+    }
+
+private:
+    typedef u16 bits __attribute__((vector_size(sizeof(V))));
+    static V add(V a, V b) { return (V)((bits)a + (bits)b); }
+    static V subtract(V a, V b) { return (V)((bits)a - (bits)b); }
+};
+}  // namespace zelt::inline ZELT_LEVEL
+
+namespace zelt::inline ZELT_LEVEL::vec {
+constexpr int lanes = ZELT_LANES, lanes_16 = lanes / 2;
+
+typedef u8 u8xn __attribute__((vector_size(lanes)));
+typedef s16 s16xn __attribute__((vector_size(lanes)));
+typedef u16 u16xn __attribute__((vector_size(lanes)));
+typedef u32 u32xn __attribute__((vector_size(lanes)));
+using s16x2n = widened<s16xn>;
+
+/// The register of n words
+template <int N> using u16_of = std::conditional_t<(N > 8), u16xn, u16x8>;
+/// The register of 32-bit sums that is as wide as V
+template <class V> using u32_of = std::conditional_t<sizeof(V) == 16, u32x4, u32xn>;
+
+inline s16x2n splat(int value) { return s16x2n::all(value); }
 }  // namespace zelt::inline ZELT_LEVEL::vec
 
 #include ZELT_BACK_END
+#ifdef ZELT_GENERIC
+namespace zelt::inline ZELT_LEVEL::vec {
+using namespace generic;
+}
+#endif
 #include "simd/block.h"
 
 namespace zelt::inline ZELT_LEVEL::simd {
