@@ -8,16 +8,18 @@ namespace zelt::inline ZELT_LEVEL::simd {
 using scalar::sad;  // blocks that are too small for a register
 
 /// Whether a block fills half a register at least
-template <int W, int H, class Sample> constexpr bool worth_a_register = W* H* static_cast<int>(sizeof(Sample)) >= 8;
+template <int W, int H, class Sample>
+constexpr bool worth_a_register = W % 2 == 0 && (W * H) * static_cast<int>(sizeof(Sample)) >= 8;
 
 // ------------------------------------------------------------------------------------------------------- 8-bit samples
 
 /// What the rows of W bytes are summed up in
-template <int W> using row_sums = abs_diff_sums_8<std::conditional_t<(W >= lanes), u8xn, u8x16>>;
+template <int W> using row_sums = abs_diff_sums_8<std::conditional_t<W % lanes == 0, u8xn, u8x16>>;
 
 template <int W, int H>
 row_sums<W> add_block(row_sums<W> sum, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
     using step = byte_step<W, H>;
+    static_assert(W / step::columns * (H / step::rows) <= 256, "no form for blocks of this size");
     const auto add = [&](const u8* pa, const u8* pb) {
         sum = add_abs_diff(sum, load_rows<step::columns, step::rows>(pb, sb),
                            load_rows<step::columns, step::rows>(pa, sa));
@@ -122,9 +124,9 @@ template <int W, int H, class B>
 requires worth_a_register<W, H, s16> u32 sad(const s16* a, const B* b, int s_a, int s_b) {
     using step = word_step<W, H>;
     using V = u16_of<step::columns * step::rows>;
-    constexpr int group = std::min(abs_diffs<V>::at_once * step::columns / W, H / step::rows) * step::rows;
-    constexpr int registers = group * W / (step::columns * step::rows);
-    static_assert(H % group == 0 && (registers == 1 || registers % 2 == 0), "no form for blocks of this size");
+    static_assert(W <= abs_diffs<V>::at_once * step::columns, "no form for rows of this width");
+    constexpr int group = divisor_of(H / step::rows, abs_diffs<V>::at_once * step::columns / W) * step::rows;
+    constexpr bool odd = group * W / (step::columns * step::rows) % 2;  // registers in a group
     const std::ptrdiff_t sa = s_a, sb = s_b;
     abs_diffs<V> all;
     const s16* pa = a;
@@ -136,13 +138,11 @@ requires worth_a_register<W, H, s16> u32 sad(const s16* a, const B* b, int s_a, 
         const auto add = [&](const s16* of_a, const B* of_b) {
             const V next_a = load_rows_16<step::columns, step::rows>(of_a, sa);
             const V next_b = load_rows_16<step::columns, step::rows>(of_b, sb);
-            if (registers == 1)
-                add_abs_diff(part, next_b, next_a);
-            else if (second)
-                add_abs_diffs(part, first_b, first_a, next_b, next_a);
+            if (second) add_abs_diffs(part, first_b, first_a, next_b, next_a);
             first_a = next_a, first_b = next_b, second = !second;
         };
         each_step<step, W, group, abs_diffs<V>::at_once>(pa, pb, sa, sb, add);
+        if (odd) add_abs_diff(part, first_b, first_a);
         all.add(part);
     }
     if (!all.exact()) [[unlikely]]
