@@ -31,7 +31,7 @@ const layout layouts[] = {
     {"r8g8b8", false, {1, 1, 1}, read_planes, write_planes},
     {"r8g8b8a8", false, {1, 1, 1, 1}, read_planes_alpha, write_planes_alpha},
     {"rgb888",
-     false,
+     false,  // no block
      {3},
      [](const u8* const* p) {
          return components{{p[0][0], p[0][1], p[0][2], 255}};
@@ -40,7 +40,7 @@ const layout layouts[] = {
          write_bytes(p[0], {c.v[0], c.v[1], c.v[2]});
      }},
     {"rgba8888",
-     false,
+     false,  // no block
      {4},
      [](const u8* const* p) {
          return components{{p[0][0], p[0][1], p[0][2], p[0][3]}};
@@ -49,21 +49,21 @@ const layout layouts[] = {
          write_bytes(p[0], {c.v[0], c.v[1], c.v[2], c.v[3]});
      }},
     {"argb8888",
-     false,
+     false,  // no block
      {4},
      nullptr,
      [](u8* const* p, components c) {
          write_bytes(p[0], {c.v[3], c.v[0], c.v[1], c.v[2]});
      }},
     {"bgra8888",
-     false,
+     false,  // no block
      {4},
      nullptr,
      [](u8* const* p, components c) {
          write_bytes(p[0], {c.v[2], c.v[1], c.v[0], c.v[3]});
      }},
     {"rgb565",
-     false,
+     false,  // no block
      {2},
      [](const u8* const* p) {
          const int word = p[0][0] + 256 * p[0][1];
@@ -71,12 +71,12 @@ const layout layouts[] = {
      },
      [](u8* const* p, components c) { write565(p[0], c); }},
     {"rgb565a8",
-     false,
+     false,  // no block
      {2, 1},
      nullptr,
      [](u8* const* p, components c) { write565(p[0], c), *p[1] = static_cast<u8>(c.v[3]); }},
     {"rgba5658",
-     false,
+     false,  // no block
      {3},
      nullptr,
      [](u8* const* p, components c) { write565(p[0], c), p[0][2] = static_cast<u8>(c.v[3]); }},
@@ -153,7 +153,9 @@ struct converter {
                     model(s, v);
                     return u64{0};
                 },
-                given == pointers::per_plane && !dst_cs ? timing::picture : timing::none};
+                given == pointers::per_plane && !dst_cs ? timing::picture : timing::none,
+                false,  // no block
+                given != pointers::four_apart};
     }
 };
 }  // namespace

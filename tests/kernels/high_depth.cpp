@@ -66,7 +66,9 @@ kernel row(const char* name, zelt_csc_fn fn, int planes, operand source, operand
                     }
                 return u64{0};
             },
-            timing::picture};
+            timing::picture,
+            false,                                             // no block
+            source.element == 2 && destination.element == 2};  // the others go plane by plane
 }
 
 shape full_size(shape s, int) { return s; }

@@ -56,7 +56,8 @@ struct kernel {
     std::function<u64(function, shape, const view*)> call;  // 0 where the kernel has no result
     std::function<u64(shape, const view*)> model;           // the same from the documentation alone, in plain C++
     timing timed = timing::none;
-    bool block = false;  // not pictures but blocks: any stride, zero too, and single samples that stand out
+    bool block = false;     // not pictures but blocks: any stride, zero too, and single samples that stand out
+    bool in_order = false;  // pixel by pixel, so that source and destination may share memory
 
     /// What is counted of kernels that the benchmark times in other ways: the table, and shapes of its rows
     struct {

@@ -77,33 +77,33 @@ void model_picture(const resizer& r, view src, shape from, view dst, shape to) {
     }
 }
 
+bool bands_give_whole(shape from, shape to, int band_rows) {
+    const bool near_the_end = from.h == to.h && to.w <= from.w && band_rows < 128;
+    return band_rows > from.h / to.h + 1 && !near_the_end;
+}
+
+shape ratio::source(shape s) const {
+    const auto apply = [](int n, int num, int den) { return std::max(1, (n * num + den - 1) / den); };
+    return {apply(s.w, x_num, x_den), apply(s.h, y_num, y_den)};
+}
+
+/// Large pictures only where the ratio is small; some so wide that they are done in parts
+std::vector<shape> ratio::shapes() const {
+    std::vector<shape> all;
+    for (const shape s : picture_shapes()) {
+        const shape to = {s.w, 1 + s.w % 11}, from = source(to);
+        if (from.w * from.h < 6000) all.push_back(to);
+    }
+    if (x_num > 0 && x_num <= 4 && x_den <= 3) all.insert(all.end(), {{1501, 2}, {5103, 1}});
+    return all;
+}
+
+kernel ratio::counting(kernel k) const {
+    if (counted) k.counted = {"rsz", {{320, 240}}, true};
+    return k;
+}
+
 namespace {
-/// Source size for a destination size
-struct ratio {
-    const char* name;
-    int x_num, x_den, y_num, y_den;
-    bool counted = false;  // how many instructions it takes is of interest
-
-    kernel counting(kernel k) const {
-        if (counted) k.counted = {"rsz", {{320, 240}}, true};
-        return k;
-    }
-
-    static int apply(int n, int num, int den) { return std::max(1, (n * num + den - 1) / den); }
-    shape source(shape s) const { return {apply(s.w, x_num, x_den), apply(s.h, y_num, y_den)}; }
-
-    /// Large pictures only where the ratio is small; some so wide that they are done in parts
-    std::vector<shape> shapes() const {
-        std::vector<shape> all;
-        for (const shape s : picture_shapes()) {
-            const shape to = {s.w, 1 + s.w % 11}, from = source(to);
-            if (from.w * from.h < 6000) all.push_back(to);
-        }
-        if (x_num > 0 && x_num <= 4 && x_den <= 3) all.insert(all.end(), {{1501, 2}, {5103, 1}});
-        return all;
-    }
-};
-
 constexpr ratio ratios[] = {
     {"1:1", 1, 1, 1, 1},        {"3:2", 3, 2, 3, 2, true}, {"2:3", 2, 3, 2, 3, true},  {"1:2", 1, 2, 1, 2, true},
     {"2:1", 2, 1, 2, 1, true},  {"29:10", 29, 10, 9, 5},   {"1:5", 1, 5, 1, 5},        {"4:1", 4, 1, 4, 1, true},
@@ -113,12 +113,12 @@ constexpr ratio ratios[] = {
 
 void add_resizer(std::vector<kernel>& rows, const resizer& r, const ratio& q) {
     rows.push_back(q.counting({r.name + "_full " + q.name, reinterpret_cast<function>(r.full), q.shapes(),
-                               [&r, q](shape s) -> std::vector<operand> {
+                               [&r, &q](shape s) -> std::vector<operand> {
                                    const shape from = q.source(s);
                                    return {{.width = from.w * r.src_bytes, .rows = from.h},
                                            {.width = s.w * r.dst_bytes, .rows = s.h, .written = true}};
                                },
-                               [q](function f, shape s, const view* v) -> u64 {
+                               [&q](function f, shape s, const view* v) -> u64 {
                                    const shape from = q.source(s);
                                    u32 x, y;
                                    bilinear_rsz_step_size(from.w, from.h, s.w, s.h, &x, &y);
@@ -127,7 +127,7 @@ void add_resizer(std::vector<kernel>& rows, const resizer& r, const ratio& q) {
                                                                                 v[1].p, x, y);
                                    return 0;
                                },
-                               [&r, q](shape s, const view* v) -> u64 {
+                               [&r, &q](shape s, const view* v) -> u64 {
                                    model_picture(r, v[0], q.source(s), v[1], s);
                                    return 0;
                                }}));
@@ -135,13 +135,13 @@ void add_resizer(std::vector<kernel>& rows, const resizer& r, const ratio& q) {
     std::vector<shape> widths = q.shapes();
     for (shape& s : widths) s.h = s.w % 8;
     rows.push_back({r.name + "_line " + q.name, reinterpret_cast<function>(r.line), widths,
-                    [&r, q](shape s) -> std::vector<operand> {
+                    [&r, &q](shape s) -> std::vector<operand> {
                         const int needed = grid(q.source(s).w, s.w)[s.w - 1].second + 1;
                         return {{.width = needed * r.src_bytes, .rows = 1},
                                 {.width = needed * r.src_bytes, .rows = 1},
                                 {.width = s.w * r.dst_bytes, .rows = 1, .written = true}};
                     },
-                    [q](function f, shape s, const view* v) -> u64 {
+                    [&q](function f, shape s, const view* v) -> u64 {
                         const grid x(q.source(s).w, s.w);
                         const u8* const pair[] = {v[0].p, v[1].p};
                         reinterpret_cast<decltype(resizer::line)>(f)(pair, zelt_tbl_bilinear_rszw + 4 * s.h, s.w,
@@ -149,7 +149,7 @@ void add_resizer(std::vector<kernel>& rows, const resizer& r, const ratio& q) {
                                                                      v[2].p);
                         return 0;
                     },
-                    [&r, q](shape s, const view* v) -> u64 {
+                    [&r, &q](shape s, const view* v) -> u64 {
                         model_row(r, v[0].p, v[1].p, s.h, grid(q.source(s).w, s.w), s.w, v[2].p);
                         return 0;
                     }});
@@ -174,7 +174,7 @@ void add_fused(std::vector<kernel>& rows, const fused& f, const ratio& q) {
     const bool alpha = from_planes == 4;
     rows.push_back(
         q.counting({f.name + std::string(" ") + q.name, reinterpret_cast<function>(f.exported), q.shapes(),
-                    [=](shape s) {
+                    [=, &q](shape s) {
                         const shape from = q.source(s);
                         std::vector<operand> all;
                         for (int i = 0; i < from_planes; ++i) all.push_back({.width = from.w, .rows = from.h});
@@ -182,7 +182,7 @@ void add_fused(std::vector<kernel>& rows, const fused& f, const ratio& q) {
                             all.push_back({.width = s.w * bytes, .rows = s.h, .written = true});
                         return all;
                     },
-                    [=](function fn, shape s, const view* v) -> u64 {
+                    [=, &q](function fn, shape s, const view* v) -> u64 {
                         const shape from = q.source(s);
                         void* p[6];
                         int stride[6];
@@ -192,7 +192,7 @@ void add_fused(std::vector<kernel>& rows, const fused& f, const ratio& q) {
                                                           stride + from_planes, -1);
                         return 0;
                     },
-                    [=](shape s, const view* v) -> u64 {
+                    [=, &q](shape s, const view* v) -> u64 {
                         const shape from = q.source(s);
                         const grid x(from.w, s.w), y(from.h, s.h);
                         for (int j = 0; j < s.h; ++j)
@@ -218,12 +218,17 @@ void add_fused(std::vector<kernel>& rows, const fused& f, const ratio& q) {
 }
 }  // namespace
 
+std::vector<kernel> resize_kernels_at(const ratio& q) {
+    std::vector<kernel> rows;
+    for (const resizer& r : resizers) add_resizer(rows, r, q);
+    for (const fused& f : all_fused) add_fused(rows, f, q);
+    return rows;
+}
+
 std::vector<kernel> resize_kernels() {
     std::vector<kernel> rows;
-    for (const ratio& q : ratios) {
-        for (const resizer& r : resizers) add_resizer(rows, r, q);
-        for (const fused& f : all_fused) add_fused(rows, f, q);
-    }
+    for (const ratio& q : ratios)
+        for (kernel& k : resize_kernels_at(q)) rows.push_back(std::move(k));
     return rows;
 }
 }  // namespace zelt::test

@@ -19,6 +19,20 @@ struct grid {
     place operator[](int i) const;
 };
 
+/// Source size for a destination size
+struct ratio {
+    const char* name;
+    int x_num, x_den, y_num, y_den;
+    bool counted = false;  // how many instructions it takes is of interest
+
+    shape source(shape s) const;
+    std::vector<shape> shapes() const;
+    kernel counting(kernel k) const;
+};
+
+/// The rows at a ratio, which each call looks up.
+std::vector<kernel> resize_kernels_at(const ratio& q);
+
 int interpolated(int tl, int tr, int bl, int br, int fx, int fy);
 
 /// The fields of a pixel, as many as its format has
@@ -38,4 +52,7 @@ extern const std::vector<resizer> resizers;
 
 void model_row(const resizer& r, const u8* top, const u8* bottom, int phase, const grid& x, int w, u8* dst);
 void model_picture(const resizer& r, view src, shape from, view dst, shape to);
+
+/// Whether bands of so many rows give what the whole picture gives
+bool bands_give_whole(shape from, shape to, int band_rows);
 }  // namespace zelt::test
