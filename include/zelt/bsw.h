@@ -9,14 +9,14 @@ ZELT_BEGIN_DECLS
 
 /** Flush callback of a writer: stores the occupied bytes of `code`, `(39 - leftbits) >> 3` of them from bits 31..24
  *  down, and moves `cur`. The caller resets `code` and `leftbits` afterwards. Returns 0 or a status that
- * zelt_bsw_deinit passes on. */
+ *  zelt_bsw_deinit passes on. */
 typedef int32_t (*zelt_bsw_flush_fn)(ZELT_BSW *bs);
 
 /** A bit writer. The record and the buffer belong to the caller; nothing is allocated. One thread at a time. The bytes
  *  written so far are `cur - beg`; after zelt_bsw_sink or zelt_bsw_deinit that is the length of the stream. The last
  *  byte of the buffer is kept free by every call that checks for room, zelt_bsw_write1 apart. After a call that had no
  *  room the record cannot be used further. On 32-bit targets the record is seven words in this order; elsewhere
- * pointers have their natural size. */
+ *  pointers have their natural size. */
 struct ZELT_BSW {
     uint32_t code;              /**< bit cache, filled from bit 31 down */
     int32_t leftbits;           /**< free bits in `code`, 32 when it is empty */

@@ -109,7 +109,7 @@ typedef void *(*zelt_alloc_fn)(uint32_t size, uint32_t *aux);
 /** Free callback: takes back a block with the `aux` that its allocator gave. */
 typedef void (*zelt_free_fn)(void *block, uint32_t aux);
 
-/** Version text of the library: build date, a blank, build time, a newline.
+/** Build stamp of the library: date, a blank, time, a newline; fixed text. The version is ZELT_VERSION_MAJOR and so on.
  *  @return  a static buffer that every call writes again with the same text; not thread-safe for that reason */
 ZELT_API const char *zelt_version(void);
 

@@ -227,7 +227,7 @@ ZELT_API void zelt_csc_p010_to_yuv420(void *const *src_a, int32_t src_w, int32_t
                                       const int32_t *dst_s, int32_t dst_cs);
 
 /** Copies the planes Y, U, V of a 4:4:4 picture, and the alpha plane where dst_cs is ZELT_CS_YUV444A8. Sharing of
- * memory and threads are as for the converters to RGB.
+ *  memory and threads are as for the converters to RGB.
  *  @param src_a   source planes
  *  @param src_w   width in pixels
  *  @param src_h   height in rows

@@ -107,15 +107,30 @@ ZELT_API int32_t zelt_imgb_rebirth(ZELT_IMGB *img, int32_t w, int32_t h, int32_t
 ZELT_API int32_t zelt_imgb_get_dimension(int32_t cs, int32_t w[4], int32_t h[4], int32_t *nplanes, uint32_t bps[4]);
 
 /** Fills the border of every plane with the nearest sample of the picture: each row's first and last sample go left and
- *  right, then the first and last row, with what is left and right of them, up and down. A plane is as large as plane
- * 0's aligned size makes it (zelt_imgb_get_dimension), or as its own stride and rows less padding where that is
- * smaller. The program is stopped as zelt_imgb_expand_ver and zelt_imgb_expand_hor do it, for planes of 8-bit samples
- * with a border. Pictures of other than planar colour spaces stay as they are.
+ *  right, then the first and last row, with what is left and right of them, up and down.
+ *
+ *  Planes of 8-bit samples take borders of 0, 8, 16, 24, 32, 40 or 80 samples left and right; above and below any
+ *  number of rows, if the stride is a multiple of 4. **Any other width or stride stops the program**, by a store to
+ *  address 0. Planes of 16-bit samples take any border and stride.
+ *
+ *  With alignment the border repeats column `aw - 1` and row `ah - 1`, not the last ones of the w x h picture: what is
+ *  between belongs to the picture here, and is written first, as decoders do. A plane is as large as `aw` and `ah` make
+ *  it (zelt_imgb_get_dimension), or as its own stride and rows less padding if that is smaller. Pictures of other than
+ *  planar colour spaces stay as they are.
+ *
+ *  The usual recipe, for 4:2:0 of any size with a border of 32 samples, 16 for chroma:
+ *  @code
+ *  const uint32_t align[] = {16 << 16 | 16, 8 << 16 | 8, 8 << 16 | 8};
+ *  const uint32_t pad[] = {32 << 16 | 32, 16 << 16 | 16, 16 << 16 | 16};
+ *  ZELT_IMGB *img = zelt_imgb_create(w, h, ZELT_CS_YUV420, 0, align, pad, NULL, NULL, &err);
+ *  // write `aw` columns and `ah` rows of plane 0, half of both of planes 1 and 2
+ *  zelt_imgb_expand(img, pad);
+ *  @endcode
  *  @param img  the picture
  *  @param pad  the padding words that the picture was created with; half a word of 0 means no border there, null no
  *              border at all. Where the halves of a word differ the left fill starts `low half` samples left of each
- * row, not `high half`, and so may miss the border or fall into the picture; nothing outside a plane's memory is
- *              written */
+ *              row, not `high half`, and so may miss the border or fall into the picture; nothing outside a plane's
+ *              memory is written */
 ZELT_API void zelt_imgb_expand(ZELT_IMGB *img, const uint32_t *pad);
 
 /** Repeats a sample of each row: writes `count` copies of the one at `src`, and goes on to the next row. Any thread.
@@ -138,8 +153,8 @@ ZELT_API void zelt_imgb_expand_ver_16(const uint16_t *src, uint16_t *dst, int32_
 /** Repeats a row of bytes: writes `count` copies of it, back to back. Any thread.
  *  @param src    the row
  *  @param dst    where its copies go
- *  @param width  bytes in the row and from copy to copy, a multiple of 4; any other number ends the program by a store
- * to address 0
+ *  @param width  bytes in the row and from copy to copy, a multiple of 4; any other number ends the program by a
+ *                store to address 0
  *  @param count  copies; where width is not a multiple of 8, rounded up to a multiple of 8 */
 ZELT_API void zelt_imgb_expand_hor(const uint8_t *src, uint8_t *dst, int32_t width, int32_t count);
 

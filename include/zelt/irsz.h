@@ -28,17 +28,21 @@ enum {
     ZELT_IRSZ_BANDS = 11  /**< each call takes a band of source rows and writes the rows that it completes */
 };
 
-/** What a resizer is created for. Pitches are in pixels, those of ZELT_IRSZ_5B6B5B in bytes; negative ones work. */
+/** What a resizer is created for.
+ *
+ *  Both pitches are in **pixels**, of their own side's size: for ZELT_IRSZ_8B8B8B_5B6B5B the source's have 3 bytes and
+ *  the destination's 2. With ZELT_IRSZ_5B6B5B alone both are in **bytes**. The functions that work without a resizer
+ *  (zelt_irsz8b_full and so on) take bytes for every format. Negative ones work everywhere. */
 typedef struct ZELT_IRSZ_PARAM {
     int32_t format;    /**< ZELT_IRSZ_8B and so on */
     int32_t mode;      /**< ZELT_IRSZ_WHOLE or ZELT_IRSZ_BANDS */
     int32_t src_w;     /**< source width in pixels */
     int32_t src_h;     /**< source height in rows */
-    int32_t src_pitch; /**< from one source row to the next */
+    int32_t src_pitch; /**< pixels from one source row to the next; for ZELT_IRSZ_5B6B5B bytes */
     int32_t band_rows; /**< source rows of a band, a power of two; below 1 counts as 1; ignored for whole pictures */
     int32_t dst_w;     /**< destination width in pixels */
     int32_t dst_h;     /**< destination height in rows */
-    int32_t dst_pitch; /**< from one destination row to the next */
+    int32_t dst_pitch; /**< pixels from one destination row to the next; for ZELT_IRSZ_5B6B5B bytes */
     void *dst;         /**< destination picture at any address, owned by the caller; apart from the source */
 } ZELT_IRSZ_PARAM;
 
@@ -104,10 +108,10 @@ ZELT_API void zelt_irsz8b8b8b8b_line(const uint8_t *const *rows, const uint8_t *
 /** Resizes a whole picture of the format in the name, without a resizer. Nothing is written where a size is below 1.
  *  Source and destination lie apart. Any address, any thread.
  *  @param src            source picture
- *  @param src_row_bytes  bytes from one source row to the next
+ *  @param src_row_bytes  bytes, not pixels as in ZELT_IRSZ_PARAM, from one source row to the next
  *  @param dst_w          destination width in pixels
  *  @param dst_h          destination height in rows
- *  @param dst_row_bytes  bytes from one destination row to the next
+ *  @param dst_row_bytes  bytes, likewise, from one destination row to the next
  *  @param dst            destination picture
  *  @param x_packed       horizontal step << 3 | shift, see bilinear_rsz_step_size
  *  @param y_packed       the same of the vertical axis */

@@ -27,7 +27,7 @@ ZELT_API void zelt_mfree_fast_align32(void *p);
  *  - zelt_mset_x128 writes steps of 128 bytes, size rounded up, and one step also where size is less than 1.
  *  - zelt_mset_x32 writes steps of 32 bytes, size rounded down.
  *  - zelt_mset_x32ax4 writes steps of 32 bytes, size rounded down but one step at least, and then the bytes that are
- * left of size, each the low byte of val: they continue the pattern only where val's four bytes are the same.
+ *    left of size, each the low byte of val: they continue the pattern only where val's four bytes are the same.
  *
  *  @param dst   the memory, at any address
  *  @param val   the word
@@ -69,9 +69,9 @@ ZELT_API void zelt_mset16(int16_t *dst, int val, int n);
 ZELT_API void zelt_mcpy_pic(uint8_t *dst, const uint8_t *src, int s_dst, int s_src, int w, int h);
 
 /** Copies an area of 16-bit samples, and more than that in many sizes: where a row of 64 bytes or more is not a
- * multiple of 64 or an odd multiple of 32, the `2 * w % 64` bytes behind it are copied, too, so that rows that lie
- * closer together than this have them overwritten by the next. Where both strides are w the whole area counts as one
- * row, and an odd multiple of 32 is no exception. The areas, with what is behind them, must not overlap. Any thread.
+ *  multiple of 64 or an odd multiple of 32, the `2 * w % 64` bytes behind it are copied, too, so that rows that lie
+ *  closer together than this have them overwritten by the next. Where both strides are w the whole area counts as one
+ *  row, and an odd multiple of 32 is no exception. The areas, with what is behind them, must not overlap. Any thread.
  *  @param dst    first sample of the destination, 2-byte aligned
  *  @param src    first sample of the source, 2-byte aligned
  *  @param s_dst  samples from one row of the destination to the next

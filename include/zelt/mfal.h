@@ -8,8 +8,8 @@
 ZELT_BEGIN_DECLS
 
 /** A counted record with room for a caller's frame allocator. Created by zelt_mfal_create and freed by the last
- * release; counted by any number of threads through its own pointers. On 32-bit targets the record is 21 words in this
- * order; elsewhere pointers have their natural size. */
+ *  release; counted by any number of threads through its own pointers. On 32-bit targets the record is 21 words in
+ *  this order; elsewhere pointers have their natural size. */
 struct ZELT_MFAL {
     int32_t refcnt;                     /**< reference count */
     int32_t (*addref)(ZELT_MFAL *mfal); /**< adds a reference: the new count, ZELT_ERR_INVALID_ARG for null */

@@ -7,10 +7,12 @@
 
 ZELT_BEGIN_DECLS
 
-/** A ring. Equal indices mean empty, so that one byte stays unused. Two rules stretch that: one put may fill the whole
- *  storage of a ring whose `tail` is 0, which leaves `head` at `size`; and a line that ends in a bare line feed takes
- *  one byte too many from the ring, which can leave `tail` up to one past `head` or past `size`. The lengths below are
- *  what their formulas give in these states, too. One thread at a time. */
+/** A ring. One thread at a time.
+ *
+ *  Equal indices mean empty, so that one byte stays unused. Two rules stretch that: one put may fill the whole storage
+ *  of a ring whose `tail` is 0, which leaves `head` at `size`; and a line that ends in a bare line feed takes one byte
+ *  too many from the ring, which can leave `tail` up to one past `head` or past `size`. The lengths below are what
+ *  their formulas give in these states, too. */
 struct ZELT_RBUF {
     int32_t head; /**< where the next byte is written */
     int32_t tail; /**< where the next byte is read */
@@ -79,16 +81,16 @@ ZELT_API int zelt_rbuf_get_head(ZELT_RBUF *rb, uint8_t **ptr, int *len);
 ZELT_API int zelt_rbuf_get_tail(ZELT_RBUF *rb, uint8_t **ptr, int *len);
 
 /** Commits bytes that the caller wrote into the free space. Where `tail` is 0 and the space up to the end of the
- * storage does not exceed len, nothing is committed, although the count of the bytes that would fit is returned.
+ *  storage does not exceed len, nothing is committed, although the count of the bytes that would fit is returned.
  *  @param rb   the ring
  *  @param len  how many bytes; a negative number moves nothing
- *  @return     how many of them fit */
+ *  @return     how many of them fit; -1, and nothing moved, where `head` is `size` and `tail` is 0 */
 ZELT_API int zelt_rbuf_skip_head(ZELT_RBUF *rb, int len);
 
 /** Consumes bytes.
  *  @param rb   the ring
  *  @param len  how many at most; a negative number moves nothing
- *  @return     how many there were */
+ *  @return     how many there were; -1 where `tail` is one past `size` and `head` is 0, which makes the ring empty */
 ZELT_API int zelt_rbuf_skip_tail(ZELT_RBUF *rb, int len);
 
 /** Copies bytes into the ring, all or none. An empty ring whose `tail` is 0 takes `size` bytes at once.
@@ -102,17 +104,18 @@ ZELT_API int zelt_rbuf_put(ZELT_RBUF *rb, const uint8_t *data, int len);
  *  @param rb   the ring
  *  @param dst  where they go
  *  @param len  how many at most; a negative number moves nothing
- *  @return     how many there were */
+ *  @return     how many there were; -1, and nothing copied, where zelt_rbuf_skip_tail gives it */
 ZELT_API int zelt_rbuf_get(ZELT_RBUF *rb, uint8_t *dst, int len);
 
-/** Takes one line of text: the bytes up to and with the first line feed. In `line` it ends in carriage return, line
- *  feed and a zero byte; a carriage return that is missing in the ring is added. The ring loses as many bytes as the
- *  result says, so a line that ended in a bare line feed takes the first byte of the next line with it. Where a line
- *  wraps between its carriage return and its line feed, the result counts one byte too many: the line feed is at
- *  `result - 2` and the byte behind it is left as it was.
+/** Takes one line of text whose lines end in carriage return and line feed: **with bare line feeds it loses bytes**.
+ *  The line is what comes up to and with the first line feed; in `line` it ends in carriage return, line feed and a
+ *  zero byte, and a carriage return that is missing in the ring is added. The ring loses as many bytes as the result
+ *  says, so a line that ended in a bare line feed takes the first byte of the next line with it. Where a line wraps
+ *  between its carriage return and its line feed, the result counts one byte too many: the line feed is at `result - 2`
+ *  and the byte behind it is left as it was.
  *  @param rb    the ring
  *  @param line  room for `max + 2` bytes, and for `size + 1` where that is more: data before the wrap is copied
- * whatever max says
+ *               whatever max says
  *  @param max   bytes to look for the line feed in: `max - 1`, or max where the data wraps; below 0 nothing is done
  *  @return      length of the line; 0, and nothing consumed, where there is no line feed or a zero byte before it */
 ZELT_API int zelt_rbuf_get_one_line(ZELT_RBUF *rb, char *line, int max);

@@ -241,6 +241,13 @@ TEST(rbuf, reads_on_from_past_the_end_of_the_storage) {
     EXPECT_EQ(zelt_rbuf_skip_tail(r.get(), INT_MAX), 2);
     EXPECT_EQ(of(r), (indices{3, 3}));
 
+    r = past_end("");  // nothing before the wrap but the byte too many, and nothing behind it
+    EXPECT_EQ(zelt_rbuf_skip_tail(r.get(), 3), -1);
+    EXPECT_EQ(of(r), (indices{0, 0}));
+    uint8_t byte = 7;
+    EXPECT_EQ(zelt_rbuf_get(past_end("").get(), &byte, 3), -1);
+    EXPECT_EQ(byte, 7);
+
     r = past_end("xy\r\nz");
     EXPECT_EQ(r.line(16), "y\r\n");
     EXPECT_EQ(of(r), (indices{5, 4}));
