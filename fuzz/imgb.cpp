@@ -80,8 +80,8 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             break;
         default: {
             ZELT_IMGB other = *img;
-            if (kind & 4) other.x = g.w, other.y = g.h;
-            if (kind & 8) other.w = g.w, other.h = g.h;
+            if (img->size > 0 && kind & 4) other.x = g.w, other.y = g.h;  // without a block there are no bounds
+            if (img->size > 0 && kind & 8) other.w = g.w, other.h = g.h;
             uint8_t digest[16];
             zelt_md5_imgb(&other, digest);
         }
