@@ -1,8 +1,10 @@
 #pragma once
 // The bytes of a fuzzer as values. Every target defines LLVMFuzzerTestOneInput and stops the program where a property
 // does not hold.
+#include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <vector>
 
@@ -20,6 +22,12 @@ public:
         for (int i = 0; i < 4; ++i) v = v << 8 | byte();
         return v;
     }
+    /// A count that no caller should pass: mostly one beside a limit, else any at all
+    int wild() {
+        static constexpr int limits[] = {INT_MIN, -257, -256, -33, -32, -1, 33, 64, 255, 256, 300, INT_MAX};
+        const uint8_t i = byte() % 16;
+        return i < sizeof limits / sizeof *limits ? limits[i] : static_cast<int>(word());
+    }
     /// At most `count` bytes in memory of just that size
     std::vector<uint8_t> bytes(size_t count) {
         const size_t left = static_cast<size_t>(end_ - at_), n = count < left ? count : left;
@@ -32,8 +40,11 @@ private:
     const uint8_t *at_, *end_;
 };
 
-inline void require(bool property) {
-    if (!property) std::abort();
+/// Names its caller's place where a property does not hold.
+inline void require(bool property, const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
+    if (property) return;
+    std::fprintf(stderr, "%s:%d: does not hold\n", file, line);
+    std::abort();
 }
 
 }  // namespace fuzz
