@@ -1,4 +1,5 @@
-// Any sequence of list calls: the links stay whole, and order, count and cursor are those of a vector.
+// Any sequence of list calls: the links stay whole, order, count and cursor are those of a vector, and what is removed
+// goes through the list's free routine.
 #include "zelt/list.h"
 
 #include "input.h"
@@ -9,18 +10,25 @@
 
 namespace {
 constexpr int none = -1;
+std::vector<uint8_t> freed;
+
+void note_freed(void* data) { freed.push_back(*static_cast<uint8_t*>(data)); }
 
 class list {
 public:
-    list() : list_(zelt_list_create(1, nullptr)) {}
+    list() : list_(zelt_list_create(1, note_freed)) {}
+    ~list() {
+        list_.reset();
+        all_freed();
+    }
 
     void call(fuzz::input& in) {
         const uint8_t kind = in.byte(), value = in.byte();
         const int n = static_cast<int>(model_.size()), idx = static_cast<int8_t>(in.byte()) % (n + 3);
         ZELT_LIST* l = list_.get();
-        switch (kind % 16) {
-        case 0: return added(zelt_list_add(l, &value), n, value);
-        case 1: return added(zelt_list_add_first(l, &value), 0, value);
+        switch (kind % 24) {
+        case 0: return is(zelt_list_get_first(l), 0);
+        case 1: return is(zelt_list_get_last(l), n - 1);
         case 2: return added(zelt_list_insert_at(l, &value, idx), idx < 0 ? 0 : idx == n ? n : none, value);
         case 3: return is(zelt_list_get_at(l, idx), n ? std::max(idx, 0) : none);
         case 4: return is(zelt_list_get_atid(l, zelt_list_get_id(l, idx)), idx);
@@ -34,14 +42,24 @@ public:
         case 12: return removed(zelt_list_rem_last(l), n - 1, n);
         case 13: return removed(zelt_list_rem_cur(l), cur_, n);
         case 14: return removed(zelt_list_rem_prev(l), (cur_ == none ? n : cur_) - 1, -1);
-        default: return removed(zelt_list_rem_next(l), cur_ == none ? none : cur_ + 1, cur_ == none ? 0 : -1);
+        case 15: return removed(zelt_list_rem_next(l), cur_ == none ? none : cur_ + 1, cur_ == none ? 0 : -1);
+        case 16:
+            if (value % 4) break;
+            fuzz::require(zelt_list_rem_all(l) == 0);
+            cur_ = none;
+            return all_freed();
+        case 17:
+        case 18:
+        case 19: return added(zelt_list_add_first(l, &value), 0, value);
         }
+        added(zelt_list_add(l, &value), n, value);
     }
 
     void check() const {
-        const ZELT_LIST* l = list_.get();
-        fuzz::require(l->cnt == static_cast<int>(model_.size()) && l->head->prev == l->head &&
-                      l->tail->next == l->tail);
+        ZELT_LIST* l = list_.get();
+        fuzz::require(l->cnt == static_cast<int>(model_.size()) && zelt_list_get_cnt(l) == l->cnt && freed.empty());
+        fuzz::require(l->head->prev == l->head && l->tail->next == l->tail);
+        is(zelt_list_get_cur(l), cur_);
         const ZELT_NODE* node = l->head;
         fuzz::require((l->cur == nullptr) == (cur_ == none));
         for (int i = 0; i < l->cnt; ++i) {
@@ -71,9 +89,16 @@ private:
     }
     void removed(int result, int idx, int otherwise) {
         if (!inside(idx)) return fuzz::require(result == otherwise);
+        fuzz::require(freed == std::vector{model_[static_cast<size_t>(idx)]});
+        freed.clear();
         model_.erase(model_.begin() + idx);
         fuzz::require(result == static_cast<int>(model_.size()));
         if (cur_ > idx || (cur_ == idx && !inside(idx))) cur_ = cur_ > idx ? cur_ - 1 : none;
+    }
+    void all_freed() {
+        fuzz::require(freed == model_);  // from front to back
+        freed.clear();
+        model_.clear();
     }
 
     struct deleter {
