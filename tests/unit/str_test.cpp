@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
+using namespace std::string_literals;
 
 /// Text in memory that ends with its terminator, so that sanitizers see a read past it.
 struct text {
@@ -12,43 +14,6 @@ struct text {
     explicit text(const std::string& s) : bytes(s.c_str(), s.c_str() + s.size() + 1) { bytes.shrink_to_fit(); }
     char* s() { return bytes.data(); }
 };
-
-/// Offset of the result, -1 for null.
-int offset(char* (*step)(char*), const std::string& s) {
-    text t(s);
-    const char* p = step(t.s());
-    return p ? static_cast<int>(p - t.s()) : -1;
-}
-
-/// Result, length, offset of the rest or -1.
-struct piece {
-    int result, len, next;
-    bool operator==(const piece&) const = default;
-};
-std::ostream& operator<<(std::ostream& o, const piece& p) {
-    return o << '{' << p.result << ", " << p.len << ", " << p.next << '}';
-}
-
-template <class Parse> piece cut(const std::string& s, Parse parse) {
-    text t(s);
-    piece p{};
-    char *next = t.s(), *const start = next;
-    p.result = parse(start, &p.len, &next);
-    p.next = next ? static_cast<int>(next - start) : -1;
-    int len = -7;
-    EXPECT_EQ(parse(start, &len, nullptr), p.result);
-    EXPECT_EQ(len, p.len);
-    return p;
-}
-
-piece by_char(const std::string& s, int c) {
-    return cut(s, [c](const char* t, int* len, char** next) { return zelt_str_parse_by_ctok(t, c, len, next); });
-}
-piece by_string(const std::string& s, const char* token) {
-    return cut(s,
-               [token](const char* t, int* len, char** next) { return zelt_str_parse_by_stok(t, token, len, next); });
-}
-piece one_line(const std::string& s) { return cut(s, zelt_str_parse_one_line); }
 
 /// The pieces of a URI with bars between them, or the result where it is not 0.
 std::string uri(const std::string& s) {
@@ -65,107 +30,120 @@ std::string uri(const std::string& s) {
 
 std::string converted(int (*convert)(const char*, char*), const std::string& s, size_t room) {
     text t(s);
-    std::vector<char> out(room);
+    std::vector<char> out(room, '#');
     const int len = convert(t.s(), out.data());
     EXPECT_EQ(out[static_cast<size_t>(len)], 0);
     return {out.data(), static_cast<size_t>(len)};
 }
-std::string escaped(const std::string& s) { return converted(zelt_str_conv_a2uri, s, 3 * s.size() + 1); }
-std::string unescaped(const std::string& s) { return converted(zelt_str_conv_uri2a, s, s.size() + 1); }
 
+using texts = std::vector<std::pair<std::string, std::string>>;
 }  // namespace
 
-TEST(str, words) {
-    EXPECT_EQ(zelt_str_move_to_validw(nullptr), nullptr);
-    EXPECT_EQ(offset(zelt_str_move_to_validw, ""), -1);
-    EXPECT_EQ(offset(zelt_str_move_to_validw, " \t\r\n"), -1);
-    EXPECT_EQ(offset(zelt_str_move_to_validw, " \t\r\na"), 4);
-    EXPECT_EQ(offset(zelt_str_move_to_validw, "\v a"), 0);  // a vertical tab is no whitespace
-
-    EXPECT_EQ(offset(zelt_str_move_to_nextw, "a"), -1);
-    EXPECT_EQ(offset(zelt_str_move_to_nextw, "  a"), -1);  // the last byte is never returned
-    EXPECT_EQ(offset(zelt_str_move_to_nextw, "  ab"), 2);
-    EXPECT_EQ(offset(zelt_str_move_to_nextw, "  a "), 2);
-
-    EXPECT_EQ(offset(zelt_str_move_to_eow, ""), -1);
-    EXPECT_EQ(offset(zelt_str_move_to_eow, "a"), 0);
-    EXPECT_EQ(offset(zelt_str_move_to_eow, " "), 0);
-    EXPECT_EQ(offset(zelt_str_move_to_eow, "  "), -1);
-    EXPECT_EQ(offset(zelt_str_move_to_eow, "  a"), 2);
-    EXPECT_EQ(offset(zelt_str_move_to_eow, "abc de"), 2);
-    EXPECT_EQ(offset(zelt_str_move_to_eow, " a  b"), 1);
-    EXPECT_EQ(offset(zelt_str_move_to_eow, "abc"), -1);   // ends with the text
-    EXPECT_EQ(offset(zelt_str_move_to_eow, "abc "), -1);  // the blank is the last byte
-    EXPECT_EQ(offset(zelt_str_move_to_eow, "abc  "), 2);
-}
-
-TEST(str, lines) {
-    EXPECT_EQ(offset(zelt_str_move_to_nextl, ""), -1);
-    EXPECT_EQ(offset(zelt_str_move_to_nextl, "\n"), -1);
-    EXPECT_EQ(offset(zelt_str_move_to_nextl, "ab"), -1);
-    EXPECT_EQ(offset(zelt_str_move_to_nextl, "ab\n"), -1);
-    EXPECT_EQ(offset(zelt_str_move_to_nextl, "ab\nc"), 2);
-    EXPECT_EQ(offset(zelt_str_move_to_nextl, "ab\r\nc"), 3);
-    EXPECT_EQ(offset(zelt_str_move_to_nextl, "ab\r\n"), -1);
-    EXPECT_EQ(offset(zelt_str_move_to_nextl, "ab\rc"), 2);
-    EXPECT_EQ(offset(zelt_str_move_to_nextl, "ab\r"), -1);
-
-    EXPECT_EQ(one_line(""), (piece{-1, 0, -1}));
-    EXPECT_EQ(one_line("abc"), (piece{-1, 3, -1}));
-    EXPECT_EQ(one_line("abc\n"), (piece{0, 3, -1}));
-    EXPECT_EQ(one_line("abc\nd"), (piece{0, 3, 4}));
-    EXPECT_EQ(one_line("abc\r\n"), (piece{0, 3, -1}));
-    EXPECT_EQ(one_line("abc\r\nd"), (piece{0, 3, 5}));
-    EXPECT_EQ(one_line("abc\rd\n").result, -1);
-    EXPECT_EQ(one_line("abc\r").result, -1);
-    EXPECT_EQ(one_line("\n\n"), (piece{0, 0, 1}));
+TEST(str, steps) {
+    const struct {
+        const char* name;
+        char* (*step)(char*);
+        std::vector<std::pair<std::string, int>> cases;  // a text, and where the result lies in it or -1 for null
+    } rows[] = {
+        // a vertical tab is no whitespace
+        {"validw", zelt_str_move_to_validw, {{"", -1}, {" \t\r\n", -1}, {" \t\r\na", 4}, {"\v a", 0}}},
+        // the last byte is never a word
+        {"nextw", zelt_str_move_to_nextw, {{"a", -1}, {"  a", -1}, {"  ab", 2}, {"  a ", 2}}},
+        {"eow",
+         zelt_str_move_to_eow,
+         {{"", -1}, {"a", 0}, {" ", 0}, {"  ", -1}, {"  a", 2}, {"abc de", 2}, {" a  b", 1}}},
+        // a word that ends with the text, or before its last byte, is not found
+        {"eow", zelt_str_move_to_eow, {{"abc", -1}, {"abc ", -1}, {"abc  ", 2}}},
+        {"nextl",
+         zelt_str_move_to_nextl,
+         {{"", -1}, {"\n", -1}, {"ab", -1}, {"ab\n", -1}, {"ab\nc", 2}, {"ab\r\nc", 3}}},
+        {"nextl", zelt_str_move_to_nextl, {{"ab\r\n", -1}, {"ab\rc", 2}, {"ab\r", -1}}},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.step(nullptr), nullptr);
+        for (const auto& [s, offset] : row.cases) {
+            text t(s);
+            const char* p = row.step(t.s());
+            EXPECT_EQ(p ? p - t.s() : -1, offset) << row.name << " of " << testing::PrintToString(s);
+        }
+    }
 }
 
 TEST(str, splitting) {
-    EXPECT_EQ(by_char("key=value", '='), (piece{0, 3, 4}));
-    EXPECT_EQ(by_char("key=", '='), (piece{0, 3, -1}));
-    EXPECT_EQ(by_char("key", '='), (piece{0, 3, -1}));
-    EXPECT_EQ(by_char("", '='), (piece{-1, 0, -1}));
-    EXPECT_EQ(by_char("=v", '='), (piece{0, 0, 1}));
-    EXPECT_EQ(by_char("ke\r\ny=v", '='), (piece{0, 2, 3}));
-    EXPECT_EQ(by_char("ke\n", '='), (piece{0, 2, -1}));
-    EXPECT_EQ(by_char("a\xE9z", 0xE9), (piece{0, 1, 2}));
-    EXPECT_EQ(by_char("abc", 0), (piece{0, 3, -1}));
-
-    EXPECT_EQ(by_string("key::value", "::"), (piece{0, 3, 5}));
-    EXPECT_EQ(by_string("key::", "::"), (piece{0, 3, -1}));
-    EXPECT_EQ(by_string("key:", "::"), (piece{-1, 0, -1}));
-    EXPECT_EQ(by_string("", "::"), (piece{-1, 0, -1}));
-    EXPECT_EQ(by_string("ke\ny::", "::"), (piece{0, 2, 3}));
-    EXPECT_EQ(by_string("ke\r\nv", "\r\n"), (piece{0, 2, 4}));  // the token comes first
-    EXPECT_EQ(by_string("ke\r", "::"), (piece{0, 2, -1}));
-    EXPECT_EQ(by_string("abc", ""), (piece{0, 0, 0}));
+    constexpr int line = -1, string = -2;
+    const struct {
+        int by;  // a character, or one of the above
+        const char *s, *token;
+        int result, len, next;  // offset of the rest or -1
+    } cases[] = {
+        {'=', "key=value", "", 0, 3, 4},
+        {'=', "key=", "", 0, 3, -1},
+        {'=', "key", "", 0, 3, -1},
+        {'=', "", "", -1, 0, -1},
+        {'=', "=v", "", 0, 0, 1},
+        {'=', "ke\r\ny=v", "", 0, 2, 3},
+        {'=', "ke\n", "", 0, 2, -1},
+        {0xE9, "a\xE9z", "", 0, 1, 2},
+        {0, "abc", "", 0, 3, -1},
+        {string, "key::value", "::", 0, 3, 5},
+        {string, "key::", "::", 0, 3, -1},
+        {string, "key:", "::", -1, 0, -1},
+        {string, "", "::", -1, 0, -1},
+        {string, "ke\ny::", "::", 0, 2, 3},
+        {string, "ke\r\nv", "\r\n", 0, 2, 4},  // the token comes first
+        {string, "ke\r", "::", 0, 2, -1},
+        {string, "abc", "", 0, 0, 0},
+        {line, "", "", -1, 0, -1},
+        {line, "abc", "", -1, 3, -1},
+        {line, "abc\n", "", 0, 3, -1},
+        {line, "abc\nd", "", 0, 3, 4},
+        {line, "abc\r\n", "", 0, 3, -1},
+        {line, "abc\r\nd", "", 0, 3, 5},
+        {line, "abc\rd\n", "", -1, 3, -1},
+        {line, "abc\r", "", -1, 3, -1},
+        {line, "\n\n", "", 0, 0, 1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.s));
+        text t(c.s);
+        for (const bool rest_wanted : {true, false}) {
+            int len = -7;
+            char *next = t.s(), **const rest = rest_wanted ? &next : nullptr;
+            EXPECT_EQ(c.by == string ? zelt_str_parse_by_stok(t.s(), c.token, &len, rest)
+                      : c.by == line ? zelt_str_parse_one_line(t.s(), &len, rest)
+                                     : zelt_str_parse_by_ctok(t.s(), c.by, &len, rest),
+                      c.result);
+            EXPECT_EQ(len, c.len);
+            EXPECT_EQ(next ? next - t.s() : -1, rest_wanted ? c.next : 0);
+        }
+    }
 }
 
-TEST(uri, pieces) {
-    EXPECT_EQ(uri("x://h:554/p/q"), "x|h|554|/p/q|(none)");
-    EXPECT_EQ(uri("x://h/p/q"), "x|h||/p/q|(none)");
-    EXPECT_EQ(uri(" \n x://h"), "x|h|||(none)");
-    EXPECT_EQ(uri("x://h/"), "x|h|||(none)");
-    EXPECT_EQ(uri("x://h//p"), "x|h||/p|(none)");
-    EXPECT_EQ(uri("x://h:80"), "x|h|80||(none)");
-    EXPECT_EQ(uri("x://:80/p"), "x||80|/p|(none)");
-    EXPECT_EQ(uri("://h"), "|h|||(none)");
-    EXPECT_EQ(uri("x://h:"), "x|h:|||(none)");  // nothing follows the colon
-    EXPECT_EQ(uri("x://h/p:q/r"), "x|h/p|q|/r|(none)");
-    EXPECT_EQ(uri("x:///p/q"), "x|||/p/q|(none)");
-    EXPECT_EQ(uri("x:///p\nq"), "x|||/p\nq|(none)");
-    EXPECT_EQ(uri("x://\nq"), "x|||/\nq|(none)");
-    EXPECT_EQ(uri("x\nh/p"), "x|h||/p|(none)");  // a line end in place of "://"
-}
-
-TEST(uri, rest) {
-    EXPECT_EQ(uri("x://h/p\r\nmore\n"), "x|h||/p|more\n");
-    EXPECT_EQ(uri("x://h/p\n"), "x|h||/p|(none)");
-    EXPECT_EQ(uri("x://h/\nmore"), "x|h|||more");
-    EXPECT_EQ(uri("x://h\r\nmore"), "x|h|||more");
-    EXPECT_EQ(uri("x://h:1\nmore/p"), "x|h|1||more/p");
-    EXPECT_EQ(uri("x://h\nk:v"), "x|h|||k:v");  // a colon of the next line is no port
+TEST(uri, pieces_and_rest) {
+    const texts cases = {
+        {"x://h:554/p/q", "x|h|554|/p/q|(none)"},
+        {"x://h/p/q", "x|h||/p/q|(none)"},
+        {" \n x://h", "x|h|||(none)"},
+        {"x://h/", "x|h|||(none)"},
+        {"x://h//p", "x|h||/p|(none)"},
+        {"x://h:80", "x|h|80||(none)"},
+        {"x://:80/p", "x||80|/p|(none)"},
+        {"://h", "|h|||(none)"},
+        {"x://h:", "x|h:|||(none)"},  // nothing follows the colon
+        {"x://h/p:q/r", "x|h/p|q|/r|(none)"},
+        {"x:///p/q", "x|||/p/q|(none)"},
+        {"x:///p\nq", "x|||/p\nq|(none)"},
+        {"x://\nq", "x|||/\nq|(none)"},
+        {"x\nh/p", "x|h||/p|(none)"},  // a line end in place of "://"
+        {"x://h/p\r\nmore\n", "x|h||/p|more\n"},
+        {"x://h/p\n", "x|h||/p|(none)"},
+        {"x://h/\nmore", "x|h|||more"},
+        {"x://h\r\nmore", "x|h|||more"},
+        {"x://h\rmore", "x|h|||more"},
+        {"x://h:1\nmore/p", "x|h|1||more/p"},
+        {"x://h\nk:v", "x|h|||k:v"},  // a colon of the next line is no port
+    };
+    for (const auto& [s, pieces] : cases) EXPECT_EQ(uri(s), pieces);
 }
 
 TEST(uri, errors) {
@@ -177,15 +155,12 @@ TEST(uri, errors) {
 }
 
 TEST(uri, percent_form) {
-    EXPECT_EQ(escaped("a b"), "a%20b");
-    EXPECT_EQ(escaped(""), "");
-    EXPECT_EQ(escaped("  %\t/"), "%20%20%\t/");
-    EXPECT_EQ(unescaped("a%20b%2Fc%41%G9"), "a b cA\t");  // letters count as 0
-    EXPECT_EQ(unescaped("%00x"), std::string("\0x", 2));
-    EXPECT_EQ(unescaped("%99"), "\x99");
-    EXPECT_EQ(unescaped("ab%"), "ab");  // cut off
-    EXPECT_EQ(unescaped("ab%2"), "ab");
-    EXPECT_EQ(unescaped(""), "");
+    for (const auto& [s, form] : texts{{"a b", "a%20b"}, {"", ""}, {"  %\t/", "%20%20%\t/"}})
+        EXPECT_EQ(converted(zelt_str_conv_a2uri, s, 3 * s.size() + 1), form);
+    // letters count as 0; what is cut off is dropped
+    const texts back = {
+        {"a%20b%2Fc%41%G9", "a b cA\t"}, {"%00x", "\0x"s}, {"%99", "\x99"}, {"ab%", "ab"}, {"ab%2", "ab"}};
+    for (const auto& [form, s] : back) EXPECT_EQ(converted(zelt_str_conv_uri2a, form, form.size() + 1), s);
     text in_place("%41%42c");
     EXPECT_EQ(zelt_str_conv_uri2a(in_place.s(), in_place.s()), 3);
     EXPECT_STREQ(in_place.s(), "ABc");
