@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds and runs every test: on x86-64 (x86-64-v3 and baseline) and on 32-bit ARM under emulation.
+# Builds and runs every test: on x86-64 (baseline, x86-64-v2 and -v3) and on 32-bit ARM under emulation.
 #   --quick    x86-64 alone
 #   --all      every preset: the other targets, compilers and sanitizers
 #   PRESET...  those presets of CMakePresets.json

@@ -211,11 +211,13 @@ void convert(void* const* src_a, int src_w, int h, const int* src_s, void* const
         w *= h;
         h = 1;
     }
-    constexpr std::ptrdiff_t lanes = sizeof(widest);
+    constexpr bool by_loop = std::is_same_v<Matrix, repack> && std::is_same_v<Dest, rgb888> && !store3_beats_a_loop;
+    using V = std::conditional_t<by_loop, u8, widest>;
+    constexpr std::ptrdiff_t lanes = sizeof(V);
     for (; h > 0; --h, src.next_row(), dst.next_row()) {
         // Within one buffer pixels are converted one after another, each from what the ones before it left.
         if (lanes > 1 && w >= lanes && dst.wide() && !overlap(src, dst, w)) {
-            convert_row<widest>(src, Matrix{}, dst, w);
+            convert_row<V>(src, Matrix{}, dst, w);
             continue;
         }
         convert_row<u8>(src, Matrix{}, dst, w);

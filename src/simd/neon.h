@@ -2,7 +2,7 @@
 #include <arm_neon.h>
 
 namespace zelt::inline ZELT_LEVEL::vec {
-constexpr bool loads_take_an_index = false;
+constexpr bool loads_take_an_index = false, store3_beats_a_loop = true;
 constexpr std::size_t memset_from = SIZE_MAX, string_fill_from = SIZE_MAX;
 inline void string_fill(u8*, u32, std::size_t) {}  // there is none, and no call of it
 

@@ -80,6 +80,7 @@
 //
 // PROPERTIES that a kernel may choose a shape by
 //   loads_take_an_index          an address of base and index costs nothing
+//   store3_beats_a_loop          store3 is faster than what compilers make of a loop that interleaves three planes
 //   memset_from                  bytes from which the C library's memset is as fast as registers or faster
 //   string_fill_from             bytes from which string_fill(p, word, n) is, which fills n words: beyond the caches
 //   near

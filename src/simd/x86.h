@@ -8,7 +8,7 @@
 #include <immintrin.h>
 
 namespace zelt::inline ZELT_LEVEL::vec {
-constexpr bool loads_take_an_index = true;
+constexpr bool loads_take_an_index = true, store3_beats_a_loop = lanes == 32;
 
 #define ZELT_CHOOSE(op, V, ...)          \
     if constexpr (sizeof(V) == 16) {     \
@@ -247,7 +247,7 @@ inline void store_pairs(u8* p, u16x8 left, u16x8 right) { store_unaligned(p, lef
 
 // --------------------------------------------------------------------------------------------------------------- fills
 
-constexpr std::size_t memset_from = 1024, string_fill_from = 1 << 19;
+constexpr std::size_t memset_from = lanes == 32 ? 1024 : 128, string_fill_from = 1 << 19;
 inline void string_fill(u8* p, u32 word, std::size_t n) {
     asm volatile("rep stosl" : "+D"(p), "+c"(n) : "a"(word) : "memory");
 }
