@@ -1,45 +1,25 @@
 #include "tool/pictures.h"
 
-#include <algorithm>
-#include <cstdlib>
+#include "kernels/converters.h"
+#include "kernels/resize.h"
+
+#include <numeric>
 #include <png.h>
+#include <random>
+
+using namespace zelt::test;
 
 namespace {
 
-int floor_div(int a, int b) { return a / b - (a % b < 0); }
-
-int component(char letter) {
-    switch (letter) {
-    case 'Y':
-    case 'R': return 0;
-    case 'U':
-    case 'G': return 1;
-    case 'V':
-    case 'B': return 2;
-    default: return 3;
+/// Starts of the planes of a raw picture
+std::array<u8*, 4> planes_of(const layout& format, std::string& picture, std::size_t pixels) {
+    std::array<u8*, 4> planes = {};
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < format.bytes.size(); ++i) {
+        planes[i] = reinterpret_cast<u8*>(picture.data()) + at;
+        at += pixels * static_cast<std::size_t>(format.bytes[i]);
     }
-}
-
-/// Full-range BT.601 with the documented coefficients, whose unit is 256 for 8 bits and 1024 for 10.
-pixel to_rgb(const pixel& p, int bits) {
-    const int k = bits == 8 ? 1 : 4, unit = 256 * k, top = (1 << bits) - 1, half = 1 << (bits - 1);
-    const int y = p.c[0], d = p.c[1] - half, e = p.c[2] - half;
-    const auto clamp = [top](int v) { return std::clamp(v, 0, top); };
-    return {{clamp(y + floor_div(359 * k * e + unit / 2, unit)),
-             clamp(y - floor_div(k * (88 * d + 183 * e) + unit / 2, unit)),
-             clamp(y + floor_div(454 * k * d + unit / 2, unit)), p.c[3]}};
-}
-
-pixel to_yuv(const pixel& p, int bits) {
-    const int k = bits == 8 ? 1 : 4, unit = 256 * k, half = 1 << (bits - 1);
-    const int r = p.c[0], g = p.c[1], b = p.c[2];
-    // Only 8-bit chroma is clamped; pure blue and red give 1024 in the 16-bit words.
-    const auto chroma = [&](int sum) {
-        const int v = half + floor_div(k * sum + unit / 2, unit);
-        return bits == 8 ? std::min(v, 255) : v;
-    };
-    return {{floor_div(k * (77 * r + 150 * g + 29 * b) + unit / 2, unit), chroma(-43 * r - 85 * g + 128 * b),
-             chroma(128 * r - 107 * g - 21 * b), p.c[3]}};
+    return planes;
 }
 
 void take_bytes(png_structp png, png_bytep from, png_size_t count) {
@@ -48,69 +28,51 @@ void take_bytes(png_structp png, png_bytep from, png_size_t count) {
 
 }  // namespace
 
-bool layout::alpha() const {
-    return std::any_of(planes.begin(), planes.end(), [](const std::string& p) { return p.find('A') != p.npos; });
-}
-
-const std::vector<layout>& layouts() {
-    static const std::vector<layout> all = {
-        {"yuv444", false, 8, {"Y", "U", "V"}},
-        {"yuv444a8", false, 8, {"Y", "U", "V", "A"}},
-        {"p410", false, 10, {"Y", "U", "V"}},
-        {"rgb565", true, 8, {"w"}},
-        {"rgb888", true, 8, {"RGB"}},
-        {"rgba5658", true, 8, {"wA"}},
-        {"rgba8888", true, 8, {"RGBA"}},
-        {"bgra8888", true, 8, {"BGRA"}},
-        {"argb8888", true, 8, {"ARGB"}},
-        {"r8g8b8", true, 8, {"R", "G", "B"}},
-        {"r10g10b10", true, 10, {"R", "G", "B"}},
-        {"rgb565a8", true, 8, {"w", "A"}},
-        {"r8g8b8a8", true, 8, {"R", "G", "B", "A"}},
-    };
-    return all;
-}
-
-const layout& layout_of(const std::string& name) {
-    for (const layout& l : layouts())
-        if (l.name == name) return l;
-    std::abort();
-}
-
-pixels random_pixels(const layout& of, int count, std::mt19937& random) {
-    const int top = (1 << of.bits) - 1;
-    const bool words = of.planes[0][0] == 'w';
-    pixels all(static_cast<std::size_t>(count));
-    for (pixel& p : all) {
-        // Half of the samples lie at an end of the range, where clamping happens.
-        for (int& c : p.c) c = random() % 2 ? static_cast<int>(random()) & top : random() % 2 ? top : 0;
-        if (words) p.c[0] &= 0xF8, p.c[1] &= 0xFC, p.c[2] &= 0xF8;
-    }
-    return all;
-}
-
-std::string pack(const layout& as, const pixels& from) {
-    std::string bytes;
-    const auto add = [&](int value, bool wide) {
-        bytes += static_cast<char>(value & 255);
-        if (wide) bytes += static_cast<char>(value >> 8);
-    };
-    for (const std::string& plane : as.planes)
-        for (const pixel& p : from)
-            for (const char letter : plane)
-                if (letter == 'w')
-                    add(p.c[0] / 8 * 2048 + p.c[1] / 4 * 32 + p.c[2] / 8, true);
-                else
-                    add(p.c[component(letter)], as.bits > 8);
+std::string random_bytes(int count, unsigned seed) {
+    std::mt19937 random(seed);
+    std::string bytes(static_cast<std::size_t>(count), '\0');
+    for (char& c : bytes) c = static_cast<char>(random());
     return bytes;
 }
 
-pixels convert(const layout& from, const layout& to, pixels of) {
-    for (pixel& p : of) {
-        if (!from.alpha()) p.c[3] = 255;
-        if (from.rgb != to.rgb) p = to.rgb ? to_rgb(p, to.bits) : to_yuv(p, to.bits);
+int pixel_bytes(const std::string& format) {
+    const std::vector<int>& planes = layout_of(format).bytes;
+    return std::accumulate(planes.begin(), planes.end(), 0);
+}
+
+std::string converted(const std::string& from, const std::string& to, std::string picture) {
+    if (from == to) return picture;
+    const layout &in = layout_of(from), &out = layout_of(to);
+    const std::size_t pixels = picture.size() / static_cast<std::size_t>(pixel_bytes(from));
+    std::string result(pixels * static_cast<std::size_t>(pixel_bytes(to)), '\0');
+    std::array<u8*, 4> src = planes_of(in, picture, pixels), dst = planes_of(out, result, pixels);
+    for (std::size_t n = 0; n < pixels; ++n) {
+        components c = in.read(src.data());
+        if (in.yuv != out.yuv) c = in.yuv ? rgb_of(c) : yuv_of(c);
+        out.write(dst.data(), c);
+        for (std::size_t i = 0; i < in.bytes.size(); ++i) src[i] += in.bytes[i];
+        for (std::size_t i = 0; i < out.bytes.size(); ++i) dst[i] += out.bytes[i];
     }
-    return of;
+    return result;
+}
+
+std::string resized(int bytes, std::string plane, shape from, shape to) {
+    static constexpr std::size_t models[] = {0, 0, 3, 1, 4};  // of pixels of so many bytes
+    std::string result(static_cast<std::size_t>(to.w * to.h * bytes), '\0');
+    model_picture(resizers[models[bytes]], {reinterpret_cast<u8*>(plane.data()), from.w * bytes}, from,
+                  {reinterpret_cast<u8*>(result.data()), to.w * bytes}, to);
+    return result;
+}
+
+std::string resized(const std::string& format, const std::string& picture, shape from, shape to) {
+    std::string result;
+    std::size_t at = 0;
+    for (const int bytes : layout_of(format).bytes) {
+        const std::size_t size = static_cast<std::size_t>(from.w * from.h * bytes);
+        result += resized(bytes, picture.substr(at, size), from, to);
+        at += size;
+    }
+    return result;
 }
 
 std::string y4m(int w, int h, const std::string& tags, const std::vector<std::string>& frames) {

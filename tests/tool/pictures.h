@@ -1,33 +1,23 @@
 #pragma once
-// Pictures for the tests: pixels, their layout in each format, the conversion formulas, and PNG files.
-#include <cstdint>
-#include <random>
+// Pictures for the tests: random samples, what the models of the kernels make of them, and files.
+#include "kernels/kernel.h"
+
 #include <string>
 #include <vector>
 
-/// Y, U, V or R, G, B, and alpha.
-struct pixel {
-    int c[4];
-};
-using pixels = std::vector<pixel>;
+using zelt::test::shape;
 
-/// A format: planes of letters, one for each component of a pixel, `w` for an RGB565 word.
-struct layout {
-    const char* name;
-    bool rgb;
-    int bits;
-    std::vector<std::string> planes;
-    bool alpha() const;
-};
+std::string random_bytes(int count, unsigned seed);
 
-const layout& layout_of(const std::string& name);
-const std::vector<layout>& layouts();
+/// Bytes of a pixel in all planes together
+int pixel_bytes(const std::string& format);
 
-pixels random_pixels(const layout& of, int count, std::mt19937& random);
-std::string pack(const layout& as, const pixels& from);
+/// A raw picture in another format.
+std::string converted(const std::string& from, const std::string& to, std::string picture);
 
-/// What pixels of one format become in another.
-pixels convert(const layout& from, const layout& to, pixels of);
+/// A raw picture, or a plane whose pixels have so many bytes, at another size.
+std::string resized(const std::string& format, const std::string& picture, shape from, shape to);
+std::string resized(int bytes, std::string plane, shape from, shape to);
 
 std::string y4m(int w, int h, const std::string& tags, const std::vector<std::string>& frames);
 std::string ppm(int w, int h, const std::string& bytes);

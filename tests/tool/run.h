@@ -37,17 +37,18 @@ protected:
         const std::string all =
             "cd '" + dir() + "' && Z='" ZELT_TOOL_PATH "'; { " + command + "\n} <../stdin >../stdout 2>../stderr";
         const int code = std::system(all.c_str());
-        return {WIFEXITED(code) ? WEXITSTATUS(code) : -1, load("../stdout"), load("../stderr")};
+        return {WIFEXITED(code) ? WEXITSTATUS(code) : 128 + WTERMSIG(code), load("../stdout"), load("../stderr")};
     }
     outcome zelt(const std::string& arguments, const std::string& input = "") const {
         return shell("\"$Z\" " + arguments, input);
     }
 
+    /// Names are those of files in the folder, or absolute.
     void store(const std::string& name, const std::string& bytes) const {
-        std::ofstream(dir() + "/" + name, std::ios::binary) << bytes;
+        std::ofstream(std::filesystem::path(dir()) / name, std::ios::binary) << bytes;
     }
     std::string load(const std::string& name) const {
-        std::ifstream in(dir() + "/" + name, std::ios::binary);
+        std::ifstream in(std::filesystem::path(dir()) / name, std::ios::binary);
         EXPECT_TRUE(in) << name;
         return {std::istreambuf_iterator<char>(in), {}};
     }
