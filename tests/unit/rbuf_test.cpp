@@ -1,6 +1,7 @@
 // Sequences of calls are those of fuzz/rbuf.cpp; here are the states in which an index leaves the storage, and lines.
 #include "zelt/rbuf.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <gtest/gtest.h>
