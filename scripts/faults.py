@@ -997,8 +997,9 @@ NEAREST = [
     ("src/media/(str|uri)", "str.*:uri.*"),
     ("src/media/(keyframe|start)", "keyframe.*"),
     ("tools/zelt/(match|plane)", "match.*"),
+    ("tools/zelt/compare", "compare.*"),
     ("tools/zelt/(keyframes|container|media_type|probe)", "clips.*:tool.*probe*"),
-    ("tools/zelt/(resize|route)", "resizing.*:conversions.*"),
+    ("tools/zelt/(resize|route)", "resizing.*:conversions.*:match.*:compare.*"),
     ("tools/zelt/pictures/", "conversions.*:tool.*:robustness.*"),
 ]
 
