@@ -24,5 +24,5 @@ mmdebstrap --quiet --variant=apt --format=null --include=g++,cmake,make \
         cmake --build build >/dev/null
         cmake --install build --prefix /opt/zelt'" \
     --customize-hook="$inside 'apt-get install -y -qq --no-install-recommends pkg-config >/dev/null
-        sh /libzelt/tests/consumer/run.sh /libzelt/build /tmp/consumer'" \
+        sh /libzelt/tests/consumer/run.sh /libzelt/build /libzelt/consumer'" \
     "$release" /dev/null "${sources[@]}"
