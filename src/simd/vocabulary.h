@@ -20,13 +20,13 @@
 //   widen                        bytes to words, memory to widened; so are difference, dot and centred_product
 //   difference(a, b)             a - b
 //   add_wide(v, a)               v + widen(a)
-//   dot<A, B>(a, b)              A a + B b; factors as dot_fits() says: -128..127, those of a sign sum up to 128 at
-//   most interleave, dot<A, B, C>     the same of three modulo 2^16; B from 0 up, those above 0 sum up to 256
+//   dot<A, B>(a, b)              A a + B b; factors as dot_fits() says: -128..127, those of a sign sum up to 128
+//   interleave, dot<A, B, C>     the same of three modulo 2^16; B from 0 up, those above 0 sum up to 256
 //   centred_product<F>(a)        (F (a - 128) + 128) >> 8, for the factors that centred_product_fits()
 //   narrow, narrow_signed        widened to memory, with saturation to 0..255 and to -128..127
-//   high, round_high             widened to memory: bits 15..8 of unsigned words, and of words + 128, which must not
-//   wrap narrow_q6                    widened to memory: v >> 6, for v from 0 to 2^14 - 1 narrow_ordered,
-//   narrow_q6_ordered
+//   high, round_high             widened to memory: bits 15..8 of unsigned words, and of words + 128 below 2^16
+//   narrow_q6                    widened to memory: v >> 6, for v from 0 to 2^14 - 1
+//   narrow_ordered, narrow_q6_ordered
 //                                narrow and narrow_q6, memory to memory
 //   mul_q15(v, int b)            (v b + 2^14) >> 15; b above -2^15
 //   sub_sat(v, w)                v - w with saturation
@@ -82,9 +82,8 @@
 //   loads_take_an_index          an address of base and index costs nothing
 //   store3_beats_a_loop          store3 is faster than what compilers make of a loop that interleaves three planes
 //   memset_from                  bytes from which the C library's memset is as fast as registers or faster
-//   string_fill_from             bytes from which string_fill(p, word, n) is, which fills n words: beyond the caches
-//   near
-//                                the processor it need not read what it overwrites
+//   string_fill_from             bytes from which string_fill(p, word, n) is, which fills n words: beyond the nearer
+//                                caches it need not read what it overwrites
 #include "core/types.h"
 #include "simd/barrier.h"
 #include "simd/level.h"

@@ -30,11 +30,8 @@ ZELT_BINARY(mulhi_epi16)     ZELT_BINARY(mulhi_epu16)     ZELT_BINARY(mulhrs_epi
 ZELT_BINARY(packs_epi16)     ZELT_BINARY(packus_epi16)    ZELT_BINARY(packs_epi32)
 ZELT_BINARY(unpacklo_epi8)   ZELT_BINARY(unpackhi_epi8)   ZELT_BINARY(unpacklo_epi16)  ZELT_BINARY(unpackhi_epi16)
 ZELT_BINARY(unpacklo_epi32)  ZELT_BINARY(unpackhi_epi32)  ZELT_BINARY(unpacklo_epi64)  ZELT_BINARY(unpackhi_epi64)
-    // clang-format on
-    template <class V>
-    auto blendv_epi8(V a, V b, V mask) {
-    ZELT_CHOOSE(blendv_epi8, V, (reg)a, (reg)b, (reg)mask)
-}
+template <class V> auto blendv_epi8(V a, V b, V mask) { ZELT_CHOOSE(blendv_epi8, V, (reg)a, (reg)b, (reg)mask) }
+// clang-format on
 template <int Mask, class V> auto blend_epi16(V a, V b) { ZELT_CHOOSE(blend_epi16, V, (reg)a, (reg)b, Mask) }
 /// Every second 32 bits of a, then of b: the even or the odd ones
 template <int Mask, class V> V shuffle_ps(V a, V b) {
