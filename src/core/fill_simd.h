@@ -47,7 +47,7 @@ inline void fill_registers(u8* dst, u32xn all, u32 word, std::size_t n) {
     const u32 turned = std::rotr(word, static_cast<int>(first % 4) * 8);
     const std::size_t rest = (n - first - lanes - 1) / lanes;  // as far as the two registers at the end
     u8* p = dst + first;
-    if (n >= string_fill_from) return string_fill(p, turned, rest * lanes / 4);
+    if (string_fill_from < SIZE_MAX && n >= string_fill_from) return string_fill(p, turned, rest * lanes / 4);
     const u32xn value = u32xn{} + turned;
     const auto store = [&] {
         store_aligned(p, value);
@@ -75,7 +75,7 @@ template <int N> void fill_fixed(u8* dst, u8 value) {
 }
 
 inline void fill_bytes(u8* dst, u8 value, std::size_t n) {
-    if (n >= memset_from) {
+    if (memset_from < SIZE_MAX && n >= memset_from) {
         std::memset(dst, value, n);
         return;
     }
