@@ -2,6 +2,7 @@
 """Writes the tables of measurements.
 
 bench_tables.py RUN.json COMMAND [DOCUMENT]                      from a run of zelt_bench
+bench_tables.py --level LEVEL RUN.json                           shows a line per family, of a run for one level
 bench_tables.py --instructions OURS.tsv PLAIN.tsv COMMAND DOCUMENT  from two runs of zelt_count
 
 Shows a table per family and, given a document, puts it between <!-- bench:FAMILY --> and <!-- /bench --> there;
@@ -101,6 +102,19 @@ def time_table(family, rows, units):
     return table
 
 
+def level_table(families):
+    """A line per family: how many times as fast as the scalar form"""
+    table = Table("family", "rows:", "× scalar, mean:", "least:", "most:", "slower than scalar")
+    for family, rows in families.items():
+        ratios = {row: times["scalar"] / times["zelt"] for row, times in rows.items() if "scalar" in times}
+        if not ratios:
+            continue
+        slower = [f"{row} {ratio:.2f}" for row, ratio in ratios.items() if ratio < NOISE]
+        table.add(len(slower), family, str(len(ratios)), f"{statistics.geometric_mean(ratios.values()):.1f}",
+                  f"{min(ratios.values()):.2f}", f"{max(ratios.values()):.1f}", ", ".join(slower))
+    return table
+
+
 def read_counts(path):
     """family -> row -> instructions a unit and unit"""
     families = {}
@@ -153,6 +167,9 @@ def main(arguments):
         for family, rows in ours.items():
             table = instruction_table(family, rows, plain[family])
             report("instructions", family, table, made_by, pathlib.Path(arguments[4]))
+    elif arguments[0] == "--level":
+        print(f"{arguments[1]} on {processor()}, {compiler('c++')}:\n")
+        print(level_table(read_times(pathlib.Path(arguments[2]))[0]))
     else:
         families, units = read_times(pathlib.Path(arguments[0]))
         made_by = f"`{arguments[1]}` on {processor()}, {compiler('c++')}"
