@@ -11,7 +11,7 @@ check_packages=(clang clang-format doxygen libc++-14-dev libc++abi-14-dev shellc
 bench_packages=("${build_packages[@]}" libaom-dev libavutil-dev libbenchmark-dev libgstreamer1.0-dev
     libjack-jackd2-dev libnuma-dev libopencv-core-dev libopencv-imgproc-dev libssl-dev libswscale-dev
     libturbojpeg0-dev libvpx-dev libx264-dev libx265-dev libyuv-dev libzimg-dev python3)
-fuzz_packages=(clang cmake ninja-build googletest libgtest-dev)
+fuzz_packages=(clang cmake libclang-rt-14-dev ninja-build googletest libgtest-dev)
 instruction_packages=(g++ cmake ninja-build python3 qemu-user g++-arm-linux-gnueabi)
 }
 
