@@ -32,9 +32,15 @@ warnings="-pedantic -Wall -Wextra -Werror"
 {
     cc -std=c99 $warnings "$here/consumer.c" -o "$scratch/pkg-config" $flags $(pkg-config --libs zelt)
     c++ -std=c++11 $warnings -x c++ "$here/consumer.c" -x none -o "$scratch/pkg-config-c++" $flags $(pkg-config --libs zelt)
+    cc -std=c99 $warnings -fno-pie -no-pie "$here/consumer.c" -o "$scratch/pkg-config-no-pie" $flags $(pkg-config --libs zelt)
     cc -std=c99 $warnings "$here/consumer.c" -static -o "$scratch/pkg-config-static" $flags $(pkg-config --static --libs zelt)
 }
+# shellcheck disable=SC2086
+version=$(printf '#include <zelt/common.h>\nZELT_VERSION_MAJOR ZELT_VERSION_MINOR ZELT_VERSION_PATCH\n' |
+    cc -E -P -x c $flags - | tail -n 1 | tr ' ' .)
+[ "$version" = "$(pkg-config --modversion zelt)" ] || fail "the headers are of version $version"
 check pkg-config libc.so.6 libzelt.so.1
+check pkg-config-no-pie libc.so.6 libzelt.so.1
 check pkg-config-static
 
 quietly cmake -S "$here" -B "$scratch/package" -DCMAKE_PREFIX_PATH="$prefix"
