@@ -1,6 +1,5 @@
 #include "zelt/csc.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 #include <map>
 #include <vector>
@@ -69,34 +68,6 @@ TEST(csc, dispatch_tables_cell_by_cell) {
                                       : expected(table, {yuv_sources[row], yuv_destinations[column]}));
             }
     }
-}
-
-// A plane of one row for the whole picture gives what it gives where that row is repeated.
-TEST(csc, resizers_take_planes_of_stride_0) {
-    constexpr int w = 70, h = 9, dst_w = 90, dst_h = 30;
-    uint8_t samples[4][h][w], repeated[h][w];
-    for (int p = 0; p < 4; ++p)
-        for (int y = 0; y < h; ++y)
-            for (int x = 0; x < w; ++x) samples[p][y][x] = static_cast<uint8_t>(61 * p + 37 * y + 5 * x * (p + 1));
-    const int32_t dst_strides[] = {4 * dst_w, dst_w};
-    for (const auto& [cs, convert] : resizing)
-        for (int p = 0; p < 4; ++p) {
-            for (auto& row : repeated) std::copy_n(samples[p][0], w, row);
-            std::vector<uint8_t> results[2];
-            for (const bool one_row : {true, false}) {
-                void* src[] = {samples[0], samples[1], samples[2], samples[3]};
-                int32_t strides[] = {w, w, w, w};
-                if (one_row)
-                    strides[p] = 0;
-                else
-                    src[p] = repeated;
-                results[one_row].resize(5 * dst_w * dst_h);
-                uint8_t* const pixels = results[one_row].data();
-                void* const dst[] = {pixels, pixels + 4 * dst_w * dst_h};
-                convert(src, w, h, strides, cs.first, dst, dst_w, dst_h, dst_strides, cs.second);
-            }
-            EXPECT_EQ(results[0], results[1]) << cs.first << " to " << cs.second << ", plane " << p;
-        }
 }
 
 TEST(csc, converters_ignore_sizes_below_one) {
