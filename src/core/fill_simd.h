@@ -22,8 +22,10 @@ inline void fill_short(u8* dst, u32 word, std::size_t n) {
         fill_ends(dst, u64{word} << 32 | word, n);
     else if (n >= 4)
         fill_ends(dst, word, n);
-    else
-        scalar::fill(dst, word, n);
+    else if (n >= 2)
+        fill_ends(dst, static_cast<u16>(word), n);
+    else if (n)
+        *dst = static_cast<u8>(word);
 }
 
 /// A store at a multiple of a register's size. The caller's objects there may be of any type.
