@@ -37,7 +37,7 @@ struct distance {
 /// Whole blocks of 64x64: the zeros beyond the pictures add nothing.
 distance between(const picture& a, const picture& b, int i) {
     constexpr int block = 64;
-    const plane pa(a, i, block, surroundings::zeros), pb(b, i, block, surroundings::zeros);
+    const plane pa(a, i, block, padding::zero), pb(b, i, block, padding::zero);
     distance d;
     d.samples = static_cast<uint64_t>(a.w) * static_cast<uint64_t>(a.h);
     for (int y = 0; y < a.h; y += block)

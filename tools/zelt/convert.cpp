@@ -67,14 +67,14 @@ void check_interrupt() {
     if (caught_signal()) throw failure(status::output_failed, "interrupted");
 }
 
-uint64_t write_pictures(reader& in, route& way, picture& pic, writer& out, uint64_t limit) {
+uint64_t write_pictures(reader& in, route& path, picture& pic, writer& out, uint64_t limit) {
     progress line(limit == unlimited ? 0 : limit);
     uint64_t n = 0;
     for (bool more = true; more;) {
         check_interrupt();
         in.read(pic);
         more = ++n < limit && in.more();
-        out.write(way.run(pic), more);
+        out.write(path.run(pic), more);
         line.tick();
     }
     out.finish();
@@ -95,9 +95,9 @@ void convert(const options& opt) {
     const route::size given = {about.w, about.h};
     clip result = about;
     if (!opt.size.empty()) result.w = wanted.w, result.h = wanted.h;
-    route way(*about.fmt, given, format_for(kind, opt.pix_fmt, about.fmt->alpha), {result.w, result.h},
-              static_cast<int>(opt.bands));
-    if (opt.verbose) std::fprintf(stderr, "%dx%d: %s\n", about.w, about.h, way.text().c_str());
+    route path(*about.fmt, given, format_for(kind, opt.pix_fmt, about.fmt->alpha), {result.w, result.h},
+               static_cast<int>(opt.bands));
+    if (opt.verbose) std::fprintf(stderr, "%dx%d: %s\n", about.w, about.h, path.text().c_str());
 
     picture pic(*about.fmt, about.w, about.h);
     for (uint64_t n = 0; n < opt.skip && in->more(); ++n, check_interrupt()) in->read(pic);
@@ -106,7 +106,7 @@ void convert(const options& opt) {
                       opt.in + (opt.skip ? ": has no picture after those to skip" : ": has no picture"));
 
     writer out(kind, opt.out, result);
-    const uint64_t written = write_pictures(*in, way, pic, out, opt.limit);
+    const uint64_t written = write_pictures(*in, path, pic, out, opt.limit);
     if (opt.verbose) std::fprintf(stderr, "%" PRIu64 " written: %s\n", written, out.summary().c_str());
 }
 

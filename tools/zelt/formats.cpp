@@ -40,12 +40,11 @@ void print_matrix() {
                                         : ".");
         }
     }
-    std::printf(
-        "\n\nx same size, + resized on the way. zelt convert also joins two of them where there is no direct one.\n");
+    std::printf("\n\nx same size, + resized too. zelt convert also joins two of them where there is no direct one.\n");
 }
 
 void print_names() {
-    std::printf("\n%-10s %-12s %-6s %s\n", "format", "alias", "planes", "bytes a pixel");
+    std::printf("\n%-10s %-12s %-6s %s\n", "format", "alias", "planes", "bytes per pixel");
     for (const format& f : formats())
         std::printf("%-10s %-12s %-6d %d\n", f.name, f.alias ? f.alias : "-", f.planes,
                     static_cast<int>(picture_bytes(f, 1, 1)));

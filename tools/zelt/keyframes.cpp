@@ -13,7 +13,7 @@
 namespace zelt::tool {
 namespace {
 
-struct tally {
+struct counts {
     int units = 0, key = 0, marked = 0, differing = 0;
 };
 
@@ -44,8 +44,8 @@ void print_unit(bool csv, int n, const access_unit& unit, int32_t media_type, bo
                     unit.marked_key ? "yes" : "no");
 }
 
-tally list_units(container& file, bool csv, int32_t media_type) {
-    tally t;
+counts list_units(container& file, bool csv, int32_t media_type) {
+    counts t;
     for (access_unit unit; file.next(unit); ++t.units) {
         if (caught_signal()) throw failure(status::output_failed, "interrupted");
         const bool key = zelt_is_vkeyfrm(media_type, unit.data, unit.size);
@@ -72,7 +72,7 @@ void keyframes(const std::string& path, bool csv) {
                     media_type_text(media_type).c_str(),
                     file.start_codes_put_in() ? ", start codes put in place of lengths" : "", "unit", "time", "bytes",
                     "key", "container");
-    const tally t = list_units(file, csv, media_type);
+    const counts t = list_units(file, csv, media_type);
     if (!csv) {
         std::printf("%d units, %d key frames; %d by the container, %d differ\n", t.units, t.key, t.marked, t.differing);
         if (const char* why = reason(media_type); why && t.differing) std::printf("%s\n", why);

@@ -23,10 +23,11 @@ namespace {
 
 constexpr const char* notes = R"(
 Every block of a picture's luma is compared with all places within the range in
-the picture before, whose edges go on outside. Of equal costs the shortest way
-wins. The picture that is written has the vectors as arrows, from where a block
-comes to where it is, and beside them the costs, dark for the lowest. Without
---frame all pictures but the first are matched, into a numbered series.)";
+the picture before, whose edges are replicated outside. Of equal costs the
+shortest vector wins. The picture that is written has the vectors as arrows,
+from where a block comes to where it is, and beside them the costs, dark for the
+lowest. Without --frame all pictures but the first are matched, into a numbered
+series.)";
 
 struct options {
     std::string in, out, metric = "sad";
@@ -53,12 +54,12 @@ constexpr metric metrics[] = {
      [](int n, double cost) { return n * std::sqrt(cost); }},
 };
 
-/// All ways within the range, the shortest first
-std::vector<vector> ways(int range) {
-    std::vector<vector> all;
+/// All vectors within the range, the shortest first
+std::vector<motion_vector> candidates(int range) {
+    std::vector<motion_vector> all;
     for (int y = -range; y <= range; ++y)
         for (int x = -range; x <= range; ++x) all.push_back({x, y});
-    std::ranges::stable_sort(all, {}, [](vector v) { return v.x * v.x + v.y * v.y; });
+    std::ranges::stable_sort(all, {}, [](motion_vector v) { return v.x * v.x + v.y * v.y; });
     return all;
 }
 
@@ -66,10 +67,10 @@ class searcher {
 public:
     searcher(const options& opt)
         : block_(opt.block), margin_(opt.block + opt.range),
-          metric_(*std::ranges::find(metrics, opt.metric, &metric::name)), ways_(ways(opt.range)) {}
+          metric_(*std::ranges::find(metrics, opt.metric, &metric::name)), candidates_(candidates(opt.range)) {}
 
     motion_field match(const picture& before, const picture& now) {
-        const plane from(before, 0, margin_, surroundings::edges), to(now, 0, margin_, surroundings::edges);
+        const plane from(before, 0, margin_, padding::replicate), to(now, 0, margin_, padding::replicate);
         motion_field field = {block_, {}};
         progress line(static_cast<uint64_t>((now.h + block_ - 1) / block_), "rows of blocks");
         for (int y = 0; y < now.h; y += block_, line.tick()) {
@@ -85,7 +86,7 @@ private:
     matched_block match_block(const plane& from, const plane& to, int x, int y) {
         const uint8_t* block = to.at(x, y);
         matched_block best = {x, y, {0, 0}, std::numeric_limits<int>::max()};
-        for (const vector v : ways_) {
+        for (const motion_vector v : candidates_) {
             const uint8_t* place = from.at(x + v.x, y + v.y);
             // one less than what could be equal: only a better place is wanted
             const double bound = std::min(metric_.bound(block_, best.cost - 1.0), 2147483647.0);
@@ -106,7 +107,7 @@ private:
 
     int block_, margin_;
     const metric& metric_;
-    std::vector<vector> ways_;
+    std::vector<motion_vector> candidates_;
     uint64_t tried_ = 0, given_up_ = 0;
 };
 
@@ -115,17 +116,17 @@ void print_csv(const motion_field& field, int frame) {
         std::printf("%d,%d,%d,%d,%d,%u\n", frame, b.x, b.y, b.from.x, b.from.y, b.cost);
 }
 
-/// The mean cost, and the most frequent way
+/// The mean cost, and the most frequent vector
 void print_row(const motion_field& field, int frame) {
     std::map<std::pair<int, int>, int> counts;
     double cost = 0;
     for (const matched_block& b : field.blocks) ++counts[{b.from.x, b.from.y}], cost += b.cost;
     const auto most = std::ranges::max_element(counts, {}, [](const auto& entry) { return entry.second; });
     const double blocks = static_cast<double>(field.blocks.size());
-    char way[32];
-    std::snprintf(way, sizeof way, "(%d, %d)", most->first.first, most->first.second);
+    char vector[32];
+    std::snprintf(vector, sizeof vector, "(%d, %d)", most->first.first, most->first.second);
     std::printf("%7d  %6zu  %10.1f  %7zu  %12s  %5.1f %%\n", frame, field.blocks.size(), cost / blocks, counts.size(),
-                way, 100 * most->second / blocks);
+                vector, 100 * most->second / blocks);
 }
 
 void match(const options& opt) {

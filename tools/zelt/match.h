@@ -7,15 +7,15 @@
 
 namespace zelt::tool {
 
-struct vector {
+struct motion_vector {
     int x, y;
-    bool operator==(const vector&) const = default;
+    bool operator==(const motion_vector&) const = default;
 };
 
 /// A block of a picture and where it comes from in the one before
 struct matched_block {
     int x, y;
-    vector from;
+    motion_vector from;
     uint32_t cost;
 };
 

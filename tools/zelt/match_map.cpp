@@ -59,12 +59,13 @@ picture map_of(const motion_field& field, const picture& rgb) {
         std::memcpy(map.row(0, y), rgb.row(0, y), rgb.row_bytes(0));
         std::memset(map.row(0, y) + rgb.row_bytes(0), 0, rgb.row_bytes(0));
     }
+    for (const matched_block& b : field.blocks) arrow(map, rgb.w, b, field.block);
+    // The costs cover what heads of arrows reach over the picture's right edge.
     const auto costliest = std::ranges::max_element(field.blocks, {}, &matched_block::cost);
     for (const matched_block& b : field.blocks) {
         const colour c = heat(costliest->cost ? static_cast<double>(b.cost) / costliest->cost : 0);
         for (int y = b.y; y < b.y + field.block; ++y)
             for (int x = b.x; x < std::min(b.x + field.block, rgb.w); ++x) put(map, rgb.w + x, y, c);
-        arrow(map, rgb.w, b, field.block);
     }
     return map;
 }

@@ -17,7 +17,7 @@ namespace {
 constexpr const char* notes = R"(
 Clips are Y4M, 4:4:4, 4:2:2, 4:2:0 or grey of 8 bits. One line is printed,
 MD5=DIGEST, over the samples of all pictures, as 'ffmpeg -i CLIP -f md5 -'
-prints it; with --per-frame a line a picture, as 'ffmpeg -i CLIP -f framemd5 -'
+prints it; with --per-frame a line per picture, as 'ffmpeg -i CLIP -f framemd5 -'
 prints them.
 --verify compares with what either of them printed: where a digest differs or
 is missing the exit status is 2.)";
@@ -58,7 +58,7 @@ public:
         digest d;
         if (header_.cs == ZELT_CS_YUV420 || header_.cs == ZELT_CS_YUV400) {
             zelt_md5_imgb(image_.get(), d.bytes);
-        } else {  // whose chroma the library's digest of a picture takes as halved both ways
+        } else {  // whose chroma the library's digest of a picture takes as halved in both directions
             ZELT_MD5 one;
             zelt_md5_init(&one);
             add_block(one);

@@ -6,13 +6,13 @@
 
 namespace zelt::tool {
 
-enum class surroundings { zeros, edges };
+enum class padding { zero, replicate };
 
 class plane {
 public:
-    /// Copies plane `i` of a picture of one byte a sample, with at least `margin` samples on every side. What is
+    /// Copies plane `i` of a picture of one byte per sample, with at least `margin` samples on every side. What is
     /// outside the picture is 0, or the nearest sample of its edge.
-    plane(const picture& from, int i, int margin, surroundings outside);
+    plane(const picture& from, int i, int margin, padding outside);
 
     int w, h, stride;
     const uint8_t* at(int x, int y) const { return &memory_[static_cast<std::size_t>(index(x, y))]; }

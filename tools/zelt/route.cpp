@@ -8,10 +8,10 @@
 namespace zelt::tool {
 namespace {
 
-// Formats to go through, those with alpha first so that it is not lost on the way.
-constexpr int32_t crossings[] = {ZELT_CS_YUV444A8, ZELT_CS_R8G8B8A8, ZELT_CS_YUV444, ZELT_CS_R8G8B8};
+// Intermediate formats, those with alpha first so that it is not lost.
+constexpr int32_t intermediates[] = {ZELT_CS_YUV444A8, ZELT_CS_R8G8B8A8, ZELT_CS_YUV444, ZELT_CS_R8G8B8};
 
-struct hop {
+struct conversion {
     const format* to;
     zelt_csc_fn convert;
 };
@@ -22,14 +22,14 @@ zelt_csc_fn converter(const format& from, const format& to) {
     return same_size_converter(from, to);
 }
 
-std::optional<std::vector<hop>> find(const format& from, const format& to) {
-    if (from.cs == to.cs) return std::vector<hop>{};
-    if (const zelt_csc_fn direct = converter(from, to)) return std::vector<hop>{{&to, direct}};
-    for (const int32_t cs : crossings) {
+std::optional<std::vector<conversion>> find(const format& from, const format& to) {
+    if (from.cs == to.cs) return std::vector<conversion>{};
+    if (const zelt_csc_fn direct = converter(from, to)) return std::vector<conversion>{{&to, direct}};
+    for (const int32_t cs : intermediates) {
         const format& mid = format_of(cs);
         if (mid.cs == from.cs || mid.cs == to.cs) continue;
         const zelt_csc_fn first = converter(from, mid), second = converter(mid, to);
-        if (first && second) return std::vector<hop>{{&mid, first}, {&to, second}};
+        if (first && second) return std::vector<conversion>{{&mid, first}, {&to, second}};
     }
     return std::nullopt;
 }
@@ -59,15 +59,15 @@ route::route(const format& from, size from_size, const format& to, size to_size,
                                                    " rows are too short for these sizes: not every row would be right");
         steps_.push_back({nullptr, picture(from, to_size.w, to_size.h)});
     }
-    const auto hops = find(from, to);
-    if (!hops) {
+    const auto path = find(from, to);
+    if (!path) {
         std::string reached;
         for (const format& other : formats())
             if (find(from, other)) reached += std::string(" ") + other.name;
         throw failure(status::unsupported, std::string("there is no way from ") + from.name + " to " + to.name + "; " +
                                                from.name + " can become" + reached);
     }
-    for (const hop& next : *hops) steps_.push_back({next.convert, picture(*next.to, to_size.w, to_size.h)});
+    for (const conversion& next : *path) steps_.push_back({next.convert, picture(*next.to, to_size.w, to_size.h)});
 }
 
 const picture& route::run(const picture& from) {

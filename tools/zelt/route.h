@@ -20,7 +20,7 @@ public:
         bool operator==(const size&) const = default;
     };
 
-    /// Finds the way; a failure that lists what `from` can become where there is none. Other than 0, band_rows is how
+    /// Finds the path; a failure that lists what `from` can become if there is none. Other than 0, band_rows is how
     /// many rows are resized at a time.
     route(const format& from, size from_size, const format& to, size to_size, int band_rows);
     route(const format& from, const format& to, int w, int h) : route(from, {w, h}, to, {w, h}, 0) {}  // of one size
