@@ -6,6 +6,7 @@
 // after the operations that it is compared with
 #include "simd/generic.h"
 
+#include <functional>
 #include <gtest/gtest.h>
 #include <random>
 #include <vector>
@@ -14,52 +15,40 @@
 namespace zelt::inline ZELT_LEVEL::operations {
 namespace {
 using memory = std::vector<u8>;
+using operation = std::function<u64(const u8* a, const u8* b, u8* out)>;
 constexpr int whole = vec::lanes / 16;  // pieces of 16 bytes in a register
 
+/// Runs an operation over registers of so many pieces, of which each stands for `read` bytes of a and of b and for
+/// `write` bytes of results, and its definition over the pieces. Values that they return are sums over the register.
+void agree(const char* body, int pieces, int read, int write, const memory& a, const memory& b, const operation& target,
+           const operation& definition) {
+    memory ours(static_cast<std::size_t>(pieces * write)), theirs = ours;
+    for (int at = 0; at + pieces * read <= static_cast<int>(std::min(a.size(), b.size())); at += pieces * read) {
+        const u64 sum = target(&a[at], &b[at], ours.data());
+        u64 expected = 0;
+        for (int i = 0; i < pieces; ++i)
+            expected += definition(&a[at + i * read], &b[at + i * read], theirs.data() + i * write);
+        ASSERT_EQ(ours, theirs) << body << " at " << at;
+        ASSERT_TRUE(sum >> 32 == 1 || sum == static_cast<u32>(expected)) << body << " at " << at << ": " << sum;
+    }
+}
+/// A sum as agree() takes it, or 2^32 if it is not exact and need not be
+u64 if_exact(u32 sum, bool exact, bool must) { return exact ? u64{sum} : u64{1} << (must ? 33 : 32); }
+
 // A body compiled twice: over the target's operations, and over their definition
-#define OVER(form, ...)                                                                        \
-    []([[maybe_unused]] const u8* a, [[maybe_unused]] const u8* b, [[maybe_unused]] u8* out) { \
-        using namespace form;                                                                  \
-        __VA_ARGS__;                                                                           \
+#define OVER(form, ...)                                                                         \
+    [&]([[maybe_unused]] const u8* a, [[maybe_unused]] const u8* b, [[maybe_unused]] u8* out) { \
+        using namespace form;                                                                   \
+        __VA_ARGS__;                                                                            \
+        return u64{0};                                                                          \
     }
-#define BOTH(...) OVER(vec, __VA_ARGS__), OVER(generic, __VA_ARGS__)
-using operation = void(const u8* a, const u8* b, u8* out);
-using reduction = u64(const u8* a, const u8* b, u8*);
+#define SAME(pieces, read, write, a, b, ...) \
+    agree(#__VA_ARGS__, pieces, read, write, a, b, OVER(vec, __VA_ARGS__), OVER(generic, __VA_ARGS__))
 
-/// What a body reads and writes for each 16 bytes of a register
-struct sizes {
-    int a, b, out;
-};
-void agree(const char* name, int pieces, sizes s, const memory& a, const memory& b, operation target, operation model) {
-    memory ours(static_cast<std::size_t>(pieces * s.out)), theirs = ours;
-    const u8 *pa = a.data(), *pb = b.data(), *end_a = pa + a.size(), *end_b = pb + b.size();
-    for (; pa + pieces * s.a <= end_a && pb + pieces * s.b <= end_b; pa += pieces * s.a, pb += pieces * s.b) {
-        target(pa, pb, ours.data());
-        for (int i = 0; i < pieces; ++i) model(pa + i * s.a, pb + i * s.b, theirs.data() + i * s.out);
-        ASSERT_EQ(ours, theirs) << name << " at " << pa - a.data() << ", " << pb - b.data();
-    }
-}
-/// Sums over a register, with bit 32 set where they are not exact; those of the definition add up piece by piece.
-void agree_if_exact(const char* name, int pieces, const memory& a, const memory& b, bool must, reduction target,
-                    reduction model) {
-    const u64 ours = target(a.data(), b.data(), nullptr);
-    u64 theirs = 0;
-    for (int i = 0; i < pieces; ++i) theirs += model(a.data() + 16 * i, b.data() + 16 * i, nullptr);
-    EXPECT_FALSE(must && ours >> 32) << name;
-    EXPECT_TRUE(ours >> 32 || ours == static_cast<u32>(theirs)) << name << ": " << ours << ", " << theirs;
-}
-
-template <class V> V from(const u8* p) {
-    V v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
+using generic::load_as;
 template <class V> void to(u8* p, V v) { std::memcpy(p, &v, sizeof v); }
-template <class V> memory bytes_of(V v) {
-    memory all(sizeof v);
-    to(all.data(), v);
-    return all;
-}
+const s16* words(const u8* p) { return reinterpret_cast<const s16*>(p); }
+s16* words(u8* p) { return reinterpret_cast<s16*>(p); }
 
 std::minstd_rand source;
 memory random_bytes(std::size_t count, unsigned below = 256) {
@@ -67,10 +56,10 @@ memory random_bytes(std::size_t count, unsigned below = 256) {
     for (u8& v : all) v = static_cast<u8>((source() >> 8) % below);
     return all;
 }
-/// Values of so many bits, of either sign, mixed with the extremes
-memory random_words(std::size_t count, int bits) {
+/// Values of so many bits, of either sign, mixed with the extremes; 0 but for every so many
+memory random_words(std::size_t count, int bits, std::size_t every = 1) {
     memory all(2 * count);
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; i += every) {
         const int limit = 1 << (bits - 1), value = static_cast<int>(source() >> 8) % limit;
         const int choice[] = {limit - 1, -limit, value, -value - 1};
         to(&all[2 * i], static_cast<u16>(choice[source() >> 9 & 3]));
@@ -82,276 +71,215 @@ const memory all_words = [] {
     for (std::size_t i = 0; i < 1 << 16; ++i) to(&all[2 * i], static_cast<u16>(i));
     return all;
 }();
-/// Words that are in memory, in widened order
-template <class V> V widened_order(const u8* p, int (*eight_at)(int)) {
-    u8 v[sizeof(V)];
-    for (int i = 0; i < static_cast<int>(sizeof v / 16); ++i) std::memcpy(v + 16 * i, p + 16 * eight_at(i), 16);
-    return from<V>(v);
+/// Registers of so many bytes with one byte set, each in its turn, and one without
+memory single_bytes(std::size_t size) {
+    memory all(size * (size + 1));
+    for (std::size_t i = 0; i < size; ++i) all[i * (size + 1)] = 255;
+    return all;
 }
 
-// clang-format off
-#define BYTES u8xn x, y; load(a, x), load(b, y)
-#define WORDS s16x2n v, w; load_16(a, v), load_16(b, w)
-#define WIDENED const s16x2n v = widened_order<s16x2n>(a, eight_at)
-#define ORDERED s16x2n v; load_16(a, v)
-#define WIDE(...) store_widened(reinterpret_cast<s16*>(out), __VA_ARGS__)
-
 TEST(operations, of_bytes) {
-    memory low(1 << 16), high(1 << 16);  // every pair
-    for (std::size_t i = 0; i < low.size(); ++i) low[i] = static_cast<u8>(i), high[i] = static_cast<u8>(i >> 8);
-    const auto check = [&](const char* name, int out, operation target, operation model) {
-        agree(name, whole, {16, 16, out}, low, high, target, model);
-    };
-    check("load, store", 16, BOTH(BYTES; store(out, x ^ y)));
-    check("store2", 32, BOTH(BYTES; store2(out, x, y)));
-    check("store3", 48, BOTH(BYTES; store3(out, x, y, x + y)));
-    check("store4", 64, BOTH(BYTES; store4(out, x, y, x + y, x - y)));
-    check("widen, add_wide", 32, BOTH(BYTES; WIDE(add_wide(widen(x) << 7, y))));
-    check("difference", 32, BOTH(BYTES; WIDE(difference(x, y))));
-    check("dot: difference", 32, BOTH(BYTES; WIDE(dot<1, -1>(x, y))));
-    check("dot: positive", 32, BOTH(BYTES; WIDE(dot<127, 1>(x, y))));
-    check("dot: opposed", 32, BOTH(BYTES; WIDE(dot<-128, 127>(x, y))));
-    check("dot: negative", 32, BOTH(BYTES; WIDE(dot<-64, -64>(x, y))));
-    check("dot of three: all", 32, BOTH(BYTES; WIDE(dot<77, 150, 29>(interleave(x, y, x ^ y)))));
-    check("dot of three: B", 32, BOTH(BYTES; WIDE(dot<0, 254, -128>(interleave(x, y, x + y)))));
-    check("dot of three: B, C", 32, BOTH(BYTES; WIDE(dot<-128, 128, 127>(interleave(x, y, x - y)))));
-    check("centred_product: filler", 32, BOTH(BYTES; WIDE(centred_product<359>(x) - widen(y))));
-    check("centred_product: offset", 32, BOTH(BYTES; WIDE(centred_product<454>(x) - widen(y))));
-    check("shift_insert", 16, BOTH(BYTES; store(out, shift_insert<1>(x, y) ^ shift_insert<7>(y, x))));
-    check("shift_insert", 16, BOTH(BYTES; store(out, shift_insert<3>(x, y) ^ shift_insert<5>(y, x))));
+    memory xs(1 << 16), ys(1 << 16);  // every pair
+    for (std::size_t i = 0; i < xs.size(); ++i) xs[i] = static_cast<u8>(i), ys[i] = static_cast<u8>(i >> 8);
+#define BYTES(write, ...) SAME(whole, 16, write, xs, ys, u8xn x, y; load(a, x), load(b, y); __VA_ARGS__)
+    BYTES(16, store(out, x ^ y));
+    BYTES(32, store2(out, x, y));
+    BYTES(48, store3(out, x, y, x + y));
+    BYTES(64, store4(out, x, y, x + y, x - y));
+    BYTES(16, store(out, shift_insert<1>(x, y) ^ shift_insert<7>(y, x)));
+    BYTES(16, store(out, shift_insert<3>(x, y) ^ shift_insert<5>(y, x)));
+
+#define WIDENED(...) BYTES(32, store_widened(words(out), __VA_ARGS__))
+    WIDENED(add_wide(widen(x) << 7, y));
+    WIDENED(difference(x, y));
+    WIDENED(dot<1, -1>(x, y));
+    WIDENED(dot<127, 1>(x, y));
+    WIDENED(dot<-128, 127>(x, y));
+    WIDENED(dot<-64, -64>(x, y));
+    WIDENED(dot<77, 150, 29>(interleave(x, y, x ^ y)));
+    WIDENED(dot<0, 254, -128>(interleave(x, y, x + y)));
+    WIDENED(dot<-128, 128, 127>(interleave(x, y, x - y)));
+    WIDENED(centred_product<359>(x) - widen(y));  // by a filler
+    WIDENED(centred_product<454>(x) - widen(y));  // by an offset
+
+#define NARROWED(...) BYTES(16, const s16x2n v = add_wide(widen(y) << 8, x); store(out, __VA_ARGS__))
+    NARROWED(narrow(v));
+    NARROWED(narrow_signed(v));
+    NARROWED(high(v));
+    NARROWED(round_high(v - widen((u8xn)(x >= 128) & (u8xn)(y == 255) & 128)));
+    NARROWED(narrow_q6(v - (widen(y & 192) << 8)));
 }
 
 TEST(operations, of_words) {
+#define WORDS(v_in, w_in, ...) \
+    SAME(whole, 32, 32, v_in, w_in, s16x2n v, w; load_16(a, v), load_16(b, w); store_16(out, __VA_ARGS__))
     for (int bits = 1; bits <= 16; ++bits) {
-        const memory other = random_words(1 << 16, bits), ten_bits = random_words(1 << 16, 11);
-        const auto check = [&](const char* name, const memory& first, operation target, operation model) {
-            agree(name, whole, {32, 32, 32}, first, other, target, model);
-        };
-        check("arithmetic", all_words, BOTH(WORDS;
-            store_16(out, clamp(v + w - (v << 3) + (w >> 5) + 77, -9000, 20000))));
-        check("sub_sat", all_words, BOTH(WORDS; store_16(out, sub_sat(v, w))));
-        check("shift_add", all_words, BOTH(WORDS; store_16(out, shift_add<8>(v, w) - shift_add<1>(w, v) + splat(5))));
-        check("mul_q15", all_words, BOTH(WORDS;
-            store_16(out, mul_q15(v, -32767) + mul_q15(v, 1436) + mul_q15(w, 32767))));
-        check("dot_q10", all_words, BOTH(WORDS; store_16(out, dot_q10<308, 600, -116>(v, w, v))));
-        check("dot_q10", ten_bits, BOTH(WORDS; store_16(out, dot_q10<-32000, 512, 32767>(v, w >> 1, v))));
+        const memory other = random_words(1 << 16, bits), eleven_bits = random_words(1 << 16, 11);
+        WORDS(all_words, other, clamp(v + w - (v << 3) + (w >> 5) + 77, -9000, 20000));
+        WORDS(all_words, other, sub_sat(v, w));
+        WORDS(all_words, other, shift_add<8>(v, w) - shift_add<1>(w, v) + splat(5));
+        WORDS(all_words, other, mul_q15(v, -32767) + mul_q15(v, 1436) + mul_q15(w, 32767));
+        WORDS(all_words, other, dot_q10<308, 600, -116>(v, w, v));
+        WORDS(eleven_bits, other, dot_q10<-32000, 512, 32767>(v, w >> 1, v));
     }
-    const auto check = [](const char* name, std::size_t count, operation target, operation model) {
-        memory in = all_words;
-        in.resize(2 * count);
-        agree(name, whole, {32, 0, 16}, in, in, target, model);
-    };
-    check("narrow", 1 << 16, BOTH(WIDENED; store(out, narrow(v))));
-    check("narrow_signed", 1 << 16, BOTH(WIDENED; store(out, narrow_signed(v))));
-    check("high", 1 << 16, BOTH(WIDENED; store(out, high(v))));
-    check("round_high", (1 << 16) - 128, BOTH(WIDENED; store(out, round_high(v))));
-    check("narrow_q6", 1 << 14, BOTH(WIDENED; store(out, narrow_q6(v))));
-    check("narrow_ordered", 1 << 16, BOTH(ORDERED; store(out, narrow_ordered(v))));
-    check("narrow_q6_ordered", 1 << 14, BOTH(ORDERED; store(out, narrow_q6_ordered(v))));
+#define ORDERED(...) SAME(whole, 32, 16, all_words, all_words, s16x2n v; load_16(a, v), store(out, __VA_ARGS__))
+    ORDERED(narrow_ordered(v));
+    ORDERED(narrow_q6_ordered(v - ((v >> 14) << 14)));
 }
 
 TEST(operations, of_channels) {
     const memory in = random_bytes(1 << 13);
-    const auto check = [&](int channels, operation target, operation model) {
-        agree("load2, 3, 4", whole, {16 * channels, 0, 16}, in, in, target, model);
-    };
-    check(2, BOTH(u8xn x, y; load2(a, x, y), store(out, x + y * 3)));
-    check(3, BOTH(u8xn x, y, z; load3(a, x, y, z), store(out, x + y * 3 + z * 5)));
-    check(4, BOTH(u8xn x, y, z, t; load4(a, x, y, z, t), store(out, x + y * 3 + z * 5 + t * 7)));
+#define CHANNELS(n, ...) \
+    SAME(whole, 16 * n, 64, in, in, u8xn x{}, y{}, z{}, t{}; load##n(a, __VA_ARGS__), store4(out, x, y, z, t))
+    CHANNELS(2, x, y);
+    CHANNELS(3, x, y, z);
+    CHANNELS(4, x, y, z, t);
 }
 
 // --------------------------------------------------------------------------------------------------------------- pairs
 
-#define WEIGHTS                                                                                          \
-    const u16x8 of_left = {0, 127, 1, 64, 51, 8, 3, 2}, of_right = {127, 1, 127, 64, 77, 0, 5, 126};     \
-    u8 table[lanes];                                                                                     \
-    for (int e = 0; e < lanes / 16; ++e) store_pairs(table + 16 * e, of_left, of_right);                 \
-    u8xn weights;                                                                                        \
-    load(table, weights)
+const memory row = random_bytes(256);
+constexpr u16x8 weights_left = {0, 127, 1, 64, 51, 8, 3, 2}, weights_right = {127, 1, 127, 64, 77, 0, 5, 126};
+#define PAIRS(read, in, ...)                                                                           \
+    SAME(whole, read, 16, in, in, {                                                                    \
+        u8 table[lanes];                                                                               \
+        for (int e = 0; e < lanes / 16; ++e) store_pairs(table + 16 * e, weights_left, weights_right); \
+        const u8xn weights = load_as<u8xn>(table);                                                     \
+        __VA_ARGS__;                                                                                   \
+    })
 
-template <int Bytes, int Next> void check_load_pairs(const memory& row) {
-    agree("load_pairs", whole, {16 * Next, 0, 16}, row, row,
-          BOTH(WEIGHTS; to(out, weighted_sum(load_pairs<Bytes, Next>(a), weights))));
-}
-/// Places in a reach, 0x80 for others
-u16x8 mask(const u8* places, int start, int reach) {
-    u16x8 v;
-    for (int i = 0; i < 8; ++i) {
-        const bool inside = places[i] >= start && places[i] < start + reach;
-        v[i] = static_cast<u16>(inside ? places[i] - start : 0x80);
-    }
-    return v;
+template <int Bytes> void check_load_pairs() {
+    PAIRS(16, row, to(out, weighted_sum(load_pairs<Bytes, 1>(a), weights)));
+    PAIRS(32, row, to(out, weighted_sum(load_pairs<Bytes, 2>(a), weights)));
 }
 /// An eight has the place of its windows, then the places in them of its left and its right bytes.
-template <int Windows> void check_gather_pairs(const memory& row) {
-    for (int n = 0; n < 100; ++n)
-        agree("gather_pairs", whole, {0, 17, 16}, row, random_bytes(17 * whole, 16 * Windows), BOTH(
-            WEIGHTS;
-            constexpr int eights = lanes / 16, count = (16 * Windows + reach - 1) / reach;
-            u8 masks[lanes * count];
-            std::ptrdiff_t at[eights];
-            for (int e = 0; e < eights; ++e) {
-                const u8* places = b + 17 * e;
-                at[e] = *places++;
-                for (int k = 0; k < count; ++k)
-                    store_pairs(masks + lanes * k + 16 * e, mask(places, reach * k, reach),
-                                mask(places + 8, reach * k, reach));
+template <int Windows> void check_gather_pairs() {
+    const memory places = random_bytes(100 * 17 * whole, 16 * Windows);
+    PAIRS(17, places, {
+        constexpr int eights = lanes / 16, count = (16 * Windows + reach - 1) / reach;
+        u8 masks[lanes * count];
+        std::ptrdiff_t at[eights];
+        for (int e = 0; e < eights; ++e) {
+            at[e] = a[17 * e];
+            for (int k = 0; k < count; ++k) {
+                u16 masked[16];
+                for (int i = 0; i < 16; ++i) {
+                    const int place = a[17 * e + 1 + i] - reach * k;
+                    masked[i] = static_cast<u16>(place >= 0 && place < reach ? place : 0x80);
+                }
+                store_pairs(masks + lanes * k + 16 * e, load_as<u16x8>(masked), load_as<u16x8>(masked + 8));
             }
-            to(out, weighted_sum(s16xn{} + 1000, gather_pairs<Windows>(a, at, masks), weights))));
+        }
+        to(out, weighted_sum(s16xn{} + 1000, gather_pairs<Windows>(row.data(), at, masks), weights));
+    });
 }
 TEST(operations, of_pairs) {
-    const memory row = random_bytes(256);
-    check_load_pairs<1, 1>(row), check_load_pairs<1, 2>(row), check_load_pairs<4, 1>(row), check_load_pairs<4, 2>(row);
-    check_gather_pairs<1>(row), check_gather_pairs<2>(row), check_gather_pairs<3>(row), check_gather_pairs<4>(row);
-    check_gather_pairs<8>(row);
-    agree("pack", 1, {32, 0, 16}, row, row, BOTH(to(out, pack(from<u32x4>(a) & 65535, from<u32x4>(a + 16) >> 16))));
+    check_load_pairs<1>(), check_load_pairs<4>();
+    check_gather_pairs<1>(), check_gather_pairs<2>(), check_gather_pairs<3>(), check_gather_pairs<4>();
+    check_gather_pairs<8>();
+    SAME(1, 32, 16, row, row, to(out, pack(load_as<u32x4>(a) & 65535, load_as<u32x4>(a + 16) >> 16)));
 }
 
 // -------------------------------------------------------------------------------------------------------------- blocks
 
 constexpr int stride = 37;
-/// Rows as lanes of type To, zeros after them
-template <class To, class T> memory packed(const T* p, int w, int r, std::size_t size) {
-    memory all(size);
-    for (int i = 0; i < w * r; ++i) to(all.data() + i * sizeof(To), static_cast<To>(p[i / w * stride + i % w]));
-    return all;
-}
+const memory m = random_bytes(40 * stride), n = random_bytes(40 * stride);
 template <int W, int R> void check_rows() {
-    const memory m = random_bytes(20 * stride), n = random_bytes(20 * stride);
-    if constexpr (rows_fit(W, R, 1, vec::lanes)) {
-        const auto v = vec::load_rows<W, R>(m.data(), stride);
-        EXPECT_EQ(bytes_of(v), packed<u8>(m.data(), W, R, sizeof v)) << W << 'x' << R;
+    SAME(1, R * stride, 16, m, m, to(out, load_rows<W, R>(a, stride)));
+    if constexpr (W * R <= 8) {
+        SAME(1, R * stride, 16, m, m, to(out, load_rows_16<W, R>(a, stride)));
+        SAME(1, 2 * R * stride, 16, m, m, to(out, load_rows_16<W, R>(words(a), stride)));
+        SAME(1, 16, 2 * R * stride, m, m, store_rows_16<W, R>(words(out), stride, load_as<u16x8>(a)));
     }
-    if constexpr (rows_fit(W, R, 2, vec::lanes)) {
-        s16 words[10 * stride], written[10 * stride] = {};
-        std::memcpy(words, m.data(), sizeof words);
-        const auto v = vec::load_rows_16<W, R>(words, stride);
-        EXPECT_EQ(bytes_of(v), packed<u16>(words, W, R, sizeof v)) << W << 'x' << R;
-        EXPECT_EQ(bytes_of(vec::load_rows_16<W, R>(m.data(), stride)), packed<u16>(m.data(), W, R, sizeof v));
-        if constexpr (W * R <= 8 || W == vec::lanes_16) {
-            vec::store_rows_16<W, R>(written, stride, v);
-            EXPECT_EQ(packed<u16>(written, W, R, sizeof v), bytes_of(v)) << W << 'x' << R;
-            for (int i = 0; i < 10 * stride; ++i) EXPECT_TRUE((i % stride < W && i / stride < R) || !written[i]) << i;
-        }
-        if constexpr (W >= 8 && (W * R == 8 || W * R == vec::lanes_16)) {
-            memory sums, differences, expected;
-            for (int i = 0; i < W * R; i += 8) {
-                const int at = i / W * stride + i % W;
-                const memory both = bytes_of(generic::paired_residual<8, 1>(m.data() + at, n.data() + at, 0, 0));
-                sums.insert(sums.end(), both.begin(), both.begin() + 8);
-                differences.insert(differences.end(), both.begin() + 8, both.end());
-                if (i % W + 8 < W) continue;
-                for (memory* part : {&sums, &differences}) {
-                    expected.insert(expected.end(), part->begin(), part->end());
-                    part->clear();
-                }
-            }
-            EXPECT_EQ(bytes_of(vec::paired_residual<W, R>(m.data(), n.data(), stride, stride)), expected) << W;
-        }
-    }
+}
+/// A whole register, of whose rows each 16 bytes have 8 / W
+template <int W> void check_whole_rows() {
+    SAME(whole, 8 / W * stride, 16, m, m, to(out, load_rows_16<W, lanes_16 / W>(a, stride)));
+    SAME(whole, 16 / W * stride, 16, m, m, to(out, load_rows_16<W, lanes_16 / W>(words(a), stride)));
 }
 TEST(operations, of_rows) {
     check_rows<2, 1>(), check_rows<2, 2>(), check_rows<2, 3>(), check_rows<2, 4>(), check_rows<2, 5>();
     check_rows<2, 8>(), check_rows<4, 1>(), check_rows<4, 2>(), check_rows<4, 3>(), check_rows<4, 4>();
-    check_rows<8, 1>(), check_rows<8, 2>(), check_rows<16, 1>(), check_rows<32, 1>();
+    check_rows<8, 1>(), check_rows<8, 2>(), check_rows<16, 1>();
+    check_whole_rows<2>(), check_whole_rows<4>(), check_whole_rows<8>();
+    SAME(whole, 16, 16, m, m, to(out, load_rows<lanes, 1>(a, stride)));
+    SAME(whole, 8, 16, m, m, to(out, load_rows_16<lanes_16, 1>(a, stride)));
+    SAME(whole, 16, 16, m, m, to(out, load_rows_16<lanes_16, 1>(words(a), stride)));
+    SAME(whole, 16, 16, m, m, store_rows_16<lanes_16, 1>(words(out), stride, load_as<u16xn>(a)));
+    SAME(1, 8, 16, m, n, to(out, paired_residual<8, 1>(a, b, stride, stride)));
+    SAME(whole, stride, 16, m, n, to(out, paired_residual<8, lanes_16 / 8>(a, b, stride, stride)));
+    SAME(whole, 8, 16, m, n, {
+        const auto v = paired_residual<lanes_16, 1>(a, b, stride, stride);
+        for (int i = 0; i < lanes_16; ++i)  // all sums, then all differences
+            words(out)[i / 4 % (lanes_16 / 8) * 8 + i / (lanes_16 / 2) * 4 + i % 4] = static_cast<s16>(v[i]);
+    });
 }
 
-#define VALUES using V = u16_of<N>; [[maybe_unused]] V v = from<V>(a), w = from<V>(b)
-#define AT(p, i) from<V>(p + 2 * N * (i))
 /// On registers of N words
 template <int N> void check_values() {
+#define VALUES(v_in, w_in, ...)                                                                                       \
+    SAME(N / 8, 16, 16, v_in, w_in, using V = u16_of<N>; using U = u32_of<V>; V v = load_as<V>(a), w = load_as<V>(b); \
+         [[maybe_unused]] U v32 = (U)v, w32 = (U)w; __VA_ARGS__)
     for (int bits = 1; bits <= 16; ++bits) {
         const memory other = random_words(1 << 16, bits);
-        const auto check = [&](const char* name, operation target, operation model) {
-            agree(name, N / 8, {16, 16, 16}, all_words, other, target, model);
-        };
-        check("abs", BOTH(VALUES; to(out, abs(v) + w)));
-        check("max", BOTH(VALUES; to(out, max(v, w))));
-        check("average", BOTH(VALUES; to(out, average(v, w))));
-        check("add_sat", BOTH(VALUES; to(out, add_sat(v, w))));
-        check("sub_sat", BOTH(VALUES; to(out, sub_sat(v, w))));
-        check("accumulate", BOTH(VALUES; to(out, pairwise_add_accumulate((u32_of<V>)w, (V)(v & 0x7FFF)))));
-        check("accumulate_abs", BOTH(VALUES; to(out, pairwise_add_accumulate_abs((u32_of<V>)w, abs(v)))));
-        check("transpose2x2_16", BOTH(VALUES; transpose2x2_16(v, w); to(out, v - w)));
-        check("transpose2x2_64", BOTH(VALUES; transpose2x2_64(v, w); to(out, v - w)));
-        check("transpose2x2_32", BOTH(VALUES; transpose2x2_32(v, w);
-            for (std::size_t i = 0; i < sizeof v; i += 16) {  // in any order
-                u64 two[4];
-                for (std::size_t k = 0; k < 4; ++k)
-                    two[k] = u64{((u32_of<V>)v)[i / 4 + k]} << 32 | ((u32_of<V>)w)[i / 4 + k];
-                std::sort(two, two + 4);
-                for (std::size_t k = 0; k < 4; ++k) to(out + i + 4 * k, static_cast<u32>(two[k] % 4294967291));
-            }));
-        for (int n = 0; n < 300; ++n) {
-            memory x = random_words(8 * N, bits), y = random_words(8 * N, bits);
-            if (n % 2) {  // one difference alone
-                std::fill(x.begin() + 2, x.end(), u8{});
-                std::fill(y.begin() + 2, y.end(), u8{});
-            }
-            agree_if_exact("abs_diff_sums_16", N / 8, x, y, bits <= 12, BOTH(VALUES;
+        VALUES(all_words, other, to(out, abs(v) + w));
+        VALUES(all_words, other, to(out, max(v, w)));
+        VALUES(all_words, other, to(out, average(v, w)));
+        VALUES(all_words, other, to(out, add_sat(v, w)));
+        VALUES(all_words, other, to(out, sub_sat(v, w)));
+        VALUES(all_words, other, to(out, pairwise_add_accumulate(w32, (V)(v & 0x7FFF))));
+        VALUES(all_words, other, to(out, pairwise_add_accumulate_abs(w32, abs(v))));
+        VALUES(all_words, other, transpose2x2_16(v, w), to(out, v - w));
+        VALUES(all_words, other, transpose2x2_64(v, w), to(out, v - w));
+        VALUES(all_words, other, transpose2x2_32(v, w); v32 = (U)v, w32 = (U)w;
+               for (std::size_t i = 0; i < sizeof v / 4; ++i)  // in any order within 16 bytes
+               to(out + i / 4 * 16, load_as<u32>(out + i / 4 * 16) + v32[i] * v32[i] * w32[i]));
+        for (const std::size_t every : {1, 17}) {  // or one alone
+            const memory x = random_words(1 << 13, bits, every), y = random_words(1 << 13, bits, every);
+            VALUES(x, y, {
                 abs_diff_sums_16<V> s{};
-                add_abs_diff(s, v, w);
-                for (int i = 1; i < 7; i += 2) add_abs_diffs(s, AT(a, i), AT(b, i), AT(a, i + 1), AT(b, i + 1));
-                return reduce_add(pairwise_add_accumulate(u32_of<V>{}, s.sum)) | u64{!exact_abs_diffs(seen(s))} << 32));
-            agree_if_exact("square_sums", N / 8, x, y, bits <= 14, BOTH(VALUES;
+                add_abs_diff(s, v, w), add_abs_diffs(s, v, w, w, V{});
+                add_abs_diffs(s, v, w, w, v), add_abs_diffs(s, w, v, v, w);
+                const U sums = pairwise_add_accumulate(U{}, s.sum);
+                return if_exact(reduce_add(sums), exact_abs_diffs(seen(s)), bits <= 12);
+            });
+            VALUES(x, y, {
                 const square_sums<V> first = add_squares(square_sums<V>{}, v, w);
-                const square_sums<V> both = add(first, add_squares(square_sums<V>{}, AT(a, 1), AT(b, 1)));
-                return reduce_add(both) | u64{!exact(both)} << 32));
+                const square_sums<V> s = add(add_squares(first, w, V{}), add_squares(square_sums<V>{}, v, V{}));
+                return if_exact(reduce_add(s), exact(s), bits <= 14);
+            });
         }
     }
-    for (int i = 0; i < N; ++i) {
-        using V = vec::u16_of<N>;
-        V v{};
-        EXPECT_FALSE(vec::any_sign_bit(v + 0x7FFF));
-        v[i] = 0x8000;
-        EXPECT_TRUE(vec::any_sign_bit(v)) << i;
-        const auto sums = (vec::u32_of<V>)v;
-        EXPECT_EQ(bytes_of(vec::extend(sums)), bytes_of(vec::extend(v)));
-        EXPECT_EQ(vec::reduce_add(sums), i % 2 ? 0x80000000 : 0x8000) << i;
-        EXPECT_EQ(vec::reduce_add(vec::extend(sums)), i % 2 ? 0x80000000 : 0x8000) << i;
-    }
+    const memory one = single_bytes(2 * N);
+    VALUES(one, one, return u64{any_sign_bit(v)});
+    VALUES(one, one, return u64{reduce_add(v32)});
+    VALUES(one, one, return u64{reduce_add(extend(v32))});
+    VALUES(one, one, return u64{reduce_add((u32xn)extend(v))});
 }
 TEST(operations, of_values) {
     check_values<8>();
     if constexpr (whole > 1) check_values<vec::lanes_16>();
 }
 
-/// Over registers B
-template <class B> void check_byte_sums() {
-    for (const unsigned below : {2u, 256u})
-        for (const std::size_t times : {1, 7, 256}) {
-            const memory x = random_bytes(times * sizeof(B), below), y(x.size(), below == 2 ? 255 : 100);
-            vec::abs_diff_sums_8<B> ours{};
-            generic::abs_diff_sums_8<u8x16> theirs{};
-            for (std::size_t i = 0; i < x.size(); i += sizeof(B))
-                ours = vec::add_abs_diff(ours, from<B>(&x[i]), from<B>(&y[i]));
-            for (std::size_t i = 0; i < x.size(); i += 16)
-                theirs = generic::add_abs_diff(theirs, from<u8x16>(&x[i]), from<u8x16>(&y[i]));
-            EXPECT_EQ(vec::reduce_add(ours), generic::reduce_add(theirs)) << times;
-        }
-}
 TEST(operations, of_sums) {
-    check_byte_sums<u8x16>(), check_byte_sums<vec::u8xn>();
-    for (int n = 0; n < 1000; ++n)
-        agree_if_exact("square_sums of bytes", whole, random_bytes(vec::lanes, n < 500 ? 256 : 2),
-                       random_bytes(vec::lanes), true, BOTH(
-            return u64{reduce_add(add_squares(square_sums<u16xn>{}, from<u8xn>(a), from<u8xn>(b)))}));
-    for (int i = 0; i < vec::lanes; ++i) {
-        vec::u8xn mask{};
-        EXPECT_FALSE(vec::any(mask));
-        mask[i] = 255;
-        EXPECT_TRUE(vec::any(mask)) << i;
+    for (const unsigned below : {2u, 256u}) {
+        const memory x = random_bytes(1 << 13, below), y(1 << 13, below == 2 ? 255 : 100);
+#define BYTE_SUMS(pieces, B)                          \
+    SAME(pieces, 16, 0, x, y, abs_diff_sums_8<B> s{}; \
+         for (int i = 0; i < 256; ++i) s = add_abs_diff(s, load_as<B>(a), load_as<B>(b)); return u64{reduce_add(s)})
+        BYTE_SUMS(1, u8x16);
+        BYTE_SUMS(whole, u8xn);
+        SAME(whole, 16, 0, x, random_bytes(1 << 13),
+             return u64{reduce_add(add_squares(square_sums<u16xn>{}, load_as<u8xn>(a), load_as<u8xn>(b)))});
     }
+    const memory one = single_bytes(vec::lanes);
+    SAME(whole, 16, 0, one, one, return u64{any(load_as<u8xn>(a))});
     if constexpr (whole == 2) {
-        auto v = from<vec::u16xn>(&all_words[0]), w = from<vec::u16xn>(&all_words[32]);
+        auto v = load_as<vec::u16xn>(&all_words[0]), w = load_as<vec::u16xn>(&all_words[32]);
         vec::transpose2x2_128(v, w);
-        for (int i = 0; i < 16; ++i) {
-            EXPECT_EQ(v[i], i < 8 ? i : i + 16);
-            EXPECT_EQ(w[i], i + 8);
-        }
+        for (int i = 0; i < 16; ++i) EXPECT_TRUE(v[i] == (i < 8 ? i : i + 16) && w[i] == i + 8) << i;
     }
 }
-// clang-format on
 }  // namespace
 }  // namespace zelt::inline ZELT_LEVEL::operations
 #endif
