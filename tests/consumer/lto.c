@@ -12,7 +12,6 @@ enum { W = 32, H = 16, N = W * H };
         for (i = 0; i < n; ++i) h = (h ^ (uint32_t)p[i]) * 16777619u; \
         return h;                                                     \
     }
-DIGEST(digest8, uint8_t)
 DIGEST(digest16, int16_t)
 DIGEST(digest32, uint32_t)
 
@@ -40,16 +39,6 @@ static uint32_t fills(void) {
     return digest16(words, N) ^ digest32(dwords, N);
 }
 
-static uint32_t copies(void) {
-    static int16_t from[N], to[N];
-    noise16(from, N, 3);
-    noise16(to, N, 4);
-    zelt_mcpy_blk_16(to + 1, from, W, W, 16, H);
-    to[3] += from[2];
-    zelt_mcpy_pic_16(from, to, W, W, 24, H / 2);
-    return digest16(from, N) ^ digest16(to, N);
-}
-
 static uint32_t conversions(void) {
     static uint8_t yuv[3][N];
     static uint32_t rgba[N];
@@ -67,20 +56,6 @@ static uint32_t conversions(void) {
     zelt_csc_yuv444_to_rgb565(from, W, H, s8, ZELT_CS_YUV444, to, W, H, s16, ZELT_CS_RGB565);
     zelt_csc_p410_to_r10g10b10(from10, W, H, s16, ZELT_CS_P410, to10, W, H, s16, ZELT_CS_R10G10B10);
     return digest32(rgba, N) ^ digest16(rgb565, N) ^ digest16(r10g10b10[0], 3 * N);
-}
-
-static uint32_t resizes(void) {
-    static int16_t from[N], to[N];
-    static uint32_t from32[N], to32[N];
-    uint32_t x, y;
-    noise16(from, N, 10);
-    noise16(to, N, 11);
-    noise32(from32, N, 12);
-    noise32(to32, N, 13);
-    bilinear_rsz_step_size(W, H, 20, 11, &x, &y);
-    zelt_irsz5b6b5b_full((const uint8_t*)from, W * 2, 20, 11, 40, (uint8_t*)to, x, y);
-    zelt_irsz8b8b8b8b_full((const uint8_t*)from32, W * 4, 20, 11, 80, (uint8_t*)to32, x, y);
-    return digest16(to, N) ^ digest32(to32, N);
 }
 
 static uint32_t metrics(void) {
@@ -101,29 +76,15 @@ static uint32_t metrics(void) {
     return digest32(costs, 6);
 }
 
-static uint32_t md5(void) {
-    static int16_t samples[N];
-    ZELT_MD5 context;
-    uint8_t digest[16];
-    noise16(samples, N, 17);
-    zelt_md5_init(&context);
-    zelt_md5_update_16(&context, (const uint16_t*)samples, N);
-    samples[3] = 4;
-    zelt_md5_update(&context, (const uint8_t*)samples, 100);
-    zelt_md5_finish(&context, digest);
-    return digest8(digest, 16);
-}
-
 int main(void) {
     static const struct {
         const char* name;
         uint32_t (*run)(void);
         uint32_t expected;
     } rows[] = {
-        {"fills", fills, 0x5c4407ff},     {"copies", copies, 0xbb105e5a},   {"conversions", conversions, 0xa61e87ea},
-        {"resizes", resizes, 0x48db4278}, {"metrics", metrics, 0xaa9c62ae}, {"md5", md5, 0x7efde08d}};
+        {"fills", fills, 0x5c4407ff}, {"conversions", conversions, 0xa61e87ea}, {"metrics", metrics, 0xaa9c62ae}};
     int i, wrong = 0;
-    for (i = 0; i < 6; ++i) {
+    for (i = 0; i < 3; ++i) {
         const uint32_t digest = rows[i].run();
         if (digest == rows[i].expected) continue;
         printf("%s: %#lx, not %#lx\n", rows[i].name, (unsigned long)digest, (unsigned long)rows[i].expected);
