@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace zelt::test {
@@ -25,9 +26,9 @@ struct shape {
 /// A block of memory that a kernel may touch: `rows` rows of `width` samples.
 struct operand {
     int width, rows;
-    int element = 1;          // bytes per sample, 1 or 2
-    int low = 0, high = 255;  // range of the samples that the checker puts there
-    bool written = false;     // part of the result, and of its digest
+    int element = 1;                                  // bytes per sample, 1 or 2
+    int low = 0, high = element == 2 ? 0xffff : 255;  // range of the samples that the checker puts there
+    bool written = false;                             // part of the result, and of its digest
 };
 
 /// Where an operand lies.
@@ -48,13 +49,24 @@ enum class timing {
     sized_difference  // void f(w, h, a, b, sa, sb, sd, s16* d)
 };
 
+/// A function with a result, 0 where what it is made from has none
+template <class... A> struct with_result : std::function<u64(A...)> {
+    template <class F>
+    with_result(F f)
+        : std::function<u64(A...)>([f](A... a) -> u64 {
+              if constexpr (!std::is_void_v<std::invoke_result_t<F, A...>>) return static_cast<u64>(f(a...));
+              f(a...);
+              return 0;
+          }) {}
+};
+
 struct kernel {
     std::string name;  // the exported name, with what else tells rows of one export apart after a blank
     function exported;
     std::vector<shape> shapes;  // what the checker runs
     std::function<std::vector<operand>(shape)> operands;
-    std::function<u64(function, shape, const view*)> call;  // 0 where the kernel has no result
-    std::function<u64(shape, const view*)> model;           // the same from the documentation alone, in plain C++
+    with_result<function, shape, const view*> call;
+    with_result<shape, const view*> model;  // the same from the documentation alone, in plain C++
     timing timed = timing::none;
     bool block = false;     // not pictures but blocks: any stride, zero too, and single samples that stand out
     bool in_order = false;  // pixel by pixel, so that source and destination may share memory

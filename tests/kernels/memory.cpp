@@ -54,26 +54,20 @@ std::vector<shape> fill_shapes() {
 }
 
 kernel row(const fill& f) {
-    return {.name = f.name,
-            .exported = f.exported,
-            .shapes = fill_shapes(),
-            .operands =
-                [=](shape s) {
-                    // One sample stays as it is where nothing is to be written.
-                    const int samples = std::max(f.length(s.w) / f.element, 1);
-                    return std::vector<operand>{{.width = samples, .rows = 1, .element = f.element, .written = true}};
-                },
-            .call =
-                [](function fn, shape s, const view* v) {
-                    reinterpret_cast<void (*)(void*, u32, int)>(fn)(v[0].p, word, s.w);
-                    return u64{0};
-                },
-            .model =
-                [=](shape s, const view* v) {
-                    for (int i = 0; i < f.length(s.w); ++i) v[0].p[i] = f.byte(i, s.w);
-                    return u64{0};
-                },
-            .counted = {"memory", {{128, 1}, {1920, 1}}}};
+    const auto operands = [=](shape s) -> std::vector<operand> {
+        // One sample stays as it is where nothing is to be written.
+        const int samples = std::max(f.length(s.w) / f.element, 1);
+        return {{.width = samples, .rows = 1, .element = f.element, .written = true}};
+    };
+    const auto call = [](function fn, shape s, const view* v) {
+        reinterpret_cast<void (*)(void*, u32, int)>(fn)(v[0].p, word, s.w);
+    };
+    const auto model = [=](shape s, const view* v) {
+        for (int i = 0; i < f.length(s.w); ++i) v[0].p[i] = f.byte(i, s.w);
+    };
+    kernel k = {f.name, f.exported, fill_shapes(), operands, call, model};
+    k.counted = {"memory", {{128, 1}, {1920, 1}}};
+    return k;
 }
 
 // -------------------------------------------------------------------------------------------------------------- copies
@@ -108,35 +102,24 @@ int block(const copy& c, shape s) {
 }
 
 kernel row(const copy& c) {
-    return {.name = c.name,
-            .exported = c.exported,
-            .shapes = c.shapes,
-            .operands =
-                [=](shape s) {
-                    const shape all = c.laid_out(s);
-                    operand o{
-                        .width = all.w, .rows = all.h, .element = c.element, .high = c.element == 2 ? 0xffff : 255};
-                    std::vector<operand> both{o, o};
-                    both[0].written = true;
-                    return both;
-                },
-            .call =
-                [=](function fn, shape s, const view* v) {
-                    const auto samples = [&](int i) {
-                        return c.contiguous ? s.w : static_cast<int>(v[i].stride) / c.element;
-                    };
-                    reinterpret_cast<void (*)(void*, const void*, int, int, int, int)>(fn)(v[0].p, v[1].p, samples(0),
-                                                                                           samples(1), s.w, s.h);
-                    return u64{0};
-                },
-            .model =
-                [=](shape s, const view* v) {
-                    const shape all = c.laid_out(s);
-                    for (int y = 0; y < all.h; ++y)
-                        std::copy_n(v[1].p + y * v[1].stride, all.w * c.element, v[0].p + y * v[0].stride);
-                    return u64{0};
-                },
-            .counted = {"memory", c.counted}};
+    const auto operands = [=](shape s) {
+        const shape all = c.laid_out(s);
+        std::vector<operand> both(2, {.width = all.w, .rows = all.h, .element = c.element});
+        both[0].written = true;
+        return both;
+    };
+    const auto call = [=](function fn, shape s, const view* v) {
+        const auto samples = [&](int i) { return c.contiguous ? s.w : static_cast<int>(v[i].stride) / c.element; };
+        reinterpret_cast<decltype(&zelt_mcpy_pic)>(fn)(v[0].p, v[1].p, samples(0), samples(1), s.w, s.h);
+    };
+    const auto model = [=](shape s, const view* v) {
+        const shape all = c.laid_out(s);
+        for (int y = 0; y < all.h; ++y)
+            std::copy_n(v[1].p + y * v[1].stride, all.w * c.element, v[0].p + y * v[0].stride);
+    };
+    kernel k = {c.name, c.exported, c.shapes, operands, call, model};
+    k.counted = {"memory", c.counted};
+    return k;
 }
 
 std::vector<shape> area_shapes() {
@@ -155,38 +138,26 @@ std::vector<shape> block_shapes() {
 // ------------------------------------------------------------------------------------------------------------- borders
 
 /// Copies of a sample beside it, row after row; for 16 bits the stride is one that has to be rounded up to even.
-template <class Sample> kernel sideways(const char* name, function exported, std::vector<int> counts) {
-    using expand = void (*)(const void*, void*, int, int, int);
+template <class Sample>
+kernel sideways(const char* name, void (*expand)(const Sample*, Sample*, int, int, int), std::vector<int> counts) {
     constexpr int size = sizeof(Sample);
     std::vector<shape> shapes;
     for (const int count : counts)
         for (const int rows : {-1, 0, 1, 3, 4, 7}) shapes.push_back({count, rows});
-    return {.name = name,
-            .exported = exported,
-            .shapes = shapes,
-            .operands =
-                [](shape s) {
-                    return std::vector<operand>{{.width = 1 + std::max(s.w, 0),
-                                                 .rows = std::max(s.h, 1),
-                                                 .element = size,
-                                                 .high = size == 2 ? 0xffff : 255,
-                                                 .written = true}};
-                },
-            .call =
-                [](function fn, shape s, const view* v) {
-                    reinterpret_cast<expand>(fn)(v->p, v->p + size, s.h, static_cast<int>(v->stride) + 1 - size, s.w);
-                    return u64{0};
-                },
-            .model =
-                [](shape s, const view* v) {
-                    for (int y = 0; y < s.h; ++y)
-                        for (int x = 0; x < s.w * size; ++x) {
-                            u8* const row_start = v->p + y * v->stride;
-                            row_start[size + x] = row_start[x % size];
-                        }
-                    return u64{0};
-                },
-            .counted = {"border", {{16, 64}, {80, 64}}}};
+    const auto operands = [](shape s) -> std::vector<operand> {
+        return {{.width = 1 + std::max(s.w, 0), .rows = std::max(s.h, 1), .element = size, .written = true}};
+    };
+    const auto call = [=](function fn, shape s, const view* v) {
+        const auto first = reinterpret_cast<Sample*>(v->p);
+        reinterpret_cast<decltype(expand)>(fn)(first, first + 1, s.h, static_cast<int>(v->stride) + 1 - size, s.w);
+    };
+    const auto model = [](shape s, const view* v) {
+        for (int y = 0; y < s.h; ++y)
+            for (int x = 0; x < s.w * size; ++x) v->p[y * v->stride + size + x] = v->p[y * v->stride + x % size];
+    };
+    kernel k = {name, reinterpret_cast<function>(expand), shapes, operands, call, model};
+    k.counted = {"border", {{16, 64}, {80, 64}}};
+    return k;
 }
 
 /// A row over and over; in groups of eight rows where its width is an odd multiple of 4.
@@ -195,46 +166,37 @@ kernel upwards() {
     std::vector<shape> shapes;
     for (const int width : {0, 4, 8, 12, 16, 20, 24, 48, 100, 112, 256, 300})
         for (const int count : {-9, -1, 0, 1, 5, 8, 9}) shapes.push_back({width, count});
-    return {.name = "zelt_imgb_expand_hor",
-            .exported = reinterpret_cast<function>(zelt_imgb_expand_hor),
-            .shapes = shapes,
-            .operands =
-                [=](shape s) {
-                    return std::vector<operand>{{.width = std::max(s.w * rows(s), 1), .rows = 1, .written = true},
-                                                {.width = std::max(s.w, 1), .rows = 1}};
-                },
-            .call =
-                [](function fn, shape s, const view* v) {
-                    reinterpret_cast<void (*)(const u8*, u8*, int, int)>(fn)(v[1].p, v[0].p, s.w, s.h);
-                    return u64{0};
-                },
-            .model =
-                [=](shape s, const view* v) {
-                    for (int y = 0; y < rows(s); ++y) std::copy_n(v[1].p, s.w, v[0].p + y * s.w);
-                    return u64{0};
-                },
-            .counted = {"border", {{80, 16}, {2080, 16}}}};
+    const auto operands = [=](shape s) -> std::vector<operand> {
+        return {{.width = std::max(s.w * rows(s), 1), .rows = 1, .written = true},
+                {.width = std::max(s.w, 1), .rows = 1}};
+    };
+    const auto call = [](function fn, shape s, const view* v) {
+        reinterpret_cast<decltype(&zelt_imgb_expand_hor)>(fn)(v[1].p, v[0].p, s.w, s.h);
+    };
+    const auto model = [=](shape s, const view* v) {
+        for (int y = 0; y < rows(s); ++y) std::copy_n(v[1].p, s.w, v[0].p + y * s.w);
+    };
+    kernel k = {
+        "zelt_imgb_expand_hor", reinterpret_cast<function>(zelt_imgb_expand_hor), shapes, operands, call, model};
+    k.counted = {"border", {{80, 16}, {2080, 16}}};
+    return k;
 }
 }  // namespace
 
 std::vector<kernel> memory_kernels() {
     std::vector<kernel> rows;
     for (const fill& f : fills) rows.push_back(row(f));
-    const function pic = reinterpret_cast<function>(zelt_mcpy_pic),
-                   pic_16 = reinterpret_cast<function>(zelt_mcpy_pic_16);
+    const auto pic = reinterpret_cast<function>(zelt_mcpy_pic), pic_16 = reinterpret_cast<function>(zelt_mcpy_pic_16);
+    const auto blk = reinterpret_cast<function>(zelt_mcpy_blk), blk_16 = reinterpret_cast<function>(zelt_mcpy_blk_16);
     const std::vector<shape> area{{320, 240}}, blocks{{8, 8}, {16, 16}, {32, 32}, {64, 64}};
     rows.push_back(row({"zelt_mcpy_pic", pic, 1, false, area_shapes(), exact, area}));
     rows.push_back(row({"zelt_mcpy_pic contiguous", pic, 1, true, area_shapes(), exact}));
     rows.push_back(row({"zelt_mcpy_pic_16", pic_16, 2, false, area_shapes(), doubled, area}));
     rows.push_back(row({"zelt_mcpy_pic_16 contiguous", pic_16, 2, true, area_shapes(), doubled}));
-    rows.push_back(
-        row({"zelt_mcpy_blk", reinterpret_cast<function>(zelt_mcpy_blk), 1, false, block_shapes(), block, blocks}));
-    rows.push_back(row(
-        {"zelt_mcpy_blk_16", reinterpret_cast<function>(zelt_mcpy_blk_16), 2, false, block_shapes(), block, blocks}));
-    rows.push_back(sideways<u8>("zelt_imgb_expand_ver", reinterpret_cast<function>(zelt_imgb_expand_ver),
-                                {0, 8, 16, 24, 32, 40, 80}));
-    rows.push_back(sideways<u16>("zelt_imgb_expand_ver_16", reinterpret_cast<function>(zelt_imgb_expand_ver_16),
-                                 {-3, 0, 1, 2, 5, 8, 33}));
+    rows.push_back(row({"zelt_mcpy_blk", blk, 1, false, block_shapes(), block, blocks}));
+    rows.push_back(row({"zelt_mcpy_blk_16", blk_16, 2, false, block_shapes(), block, blocks}));
+    rows.push_back(sideways("zelt_imgb_expand_ver", zelt_imgb_expand_ver, {0, 8, 16, 24, 32, 40, 80}));
+    rows.push_back(sideways("zelt_imgb_expand_ver_16", zelt_imgb_expand_ver_16, {-3, 0, 1, 2, 5, 8, 33}));
     rows.push_back(upwards());
     return rows;
 }

@@ -5,6 +5,7 @@
 #include <bit>
 #include <climits>
 #include <cstdlib>
+#include <tuple>
 
 namespace zelt::test {
 namespace {
@@ -84,16 +85,19 @@ u64 diff_model(kinds k, shape s, const view* v) {
 }
 
 /// A threshold for each way to end: after the first row, somewhere on the way, never
-std::vector<int> thresholds(shape s) { return {-1, 0, 100 * s.w, 60 * s.w * s.h, INT_MAX}; }
-u64 eskip_model(kinds k, shape s, const view* v) {
+template <class F> u64 over_thresholds(shape s, F sum_until) {
     u64 all = 0;
-    for (const int threshold : thresholds(s)) {
+    for (const int threshold : {-1, 0, 100 * s.w, 60 * s.w * s.h, INT_MAX})
+        all = all * 1000003 + static_cast<u64>(sum_until(threshold));
+    return all;
+}
+u64 eskip_model(kinds k, shape s, const view* v) {
+    return over_thresholds(s, [=](int threshold) {
         s64 sum = 0;
         for (int y = 0; y < s.h && (y == 0 || sum <= threshold); ++y)
             for (int x = 0; x < s.w; ++x) sum += std::abs(difference(k, v, x, y));
-        all = all * 1000003 + static_cast<u64>(sum);
-    }
-    return all;
+        return sum;
+    });
 }
 
 /// What each sample kind is filled with: all that it can hold, and for 16 bits also what a picture of 10 bits has,
@@ -108,16 +112,11 @@ std::vector<range> ranges(kinds k) {
     return {{"", 0, 1023}, {" signed", -2047, 2048}, {" 13 bits", -4095, 4096}, {" full", -32768, 32767}};
 }
 
-/// Strides as the kernels count them
-struct strides {
-    int a, b;
-    strides(kinds k, const view* v)
-        : a(static_cast<int>(v[0].stride) / size_of(k.a)), b(static_cast<int>(v[1].stride) / size_of(k.b)) {}
+/// A pointer as whatever parameter takes it
+struct any_pointer {
+    void* p;
+    template <class T> operator T*() const { return static_cast<T*>(p); }
 };
-
-using caller = std::function<u64(function, shape, const view*)>;
-using model = std::function<u64(shape, const view*)>;
-using model_of_kinds = u64 (*)(kinds, shape, const view*);
 
 /// `read` is what the kernel reads for the size that it is given
 using area = shape (*)(shape);
@@ -127,89 +126,47 @@ class table {
 public:
     std::vector<kernel> rows;
 
-    /// Kernels of a fixed size: metrics give a result, differences write one.
-    template <class F, class M> void metric(const std::string& name, F* fn, kinds k, shape s, M expected) {
-        const caller call = [=](function f, shape, const view* v) {
-            const strides n(k, v);
-            return static_cast<u64>(reinterpret_cast<F*>(f)(v[0].p, v[1].p, n.a, n.b));
+    /// Kernels of a fixed size, or that are given one. Metrics give a result, differences write one. Those of any size
+    /// are also timed, at some.
+    template <class R, class... A>
+    void add(const std::string& name, R (*fn)(A...), kinds k, u64 (*expected)(kinds, shape, const view*),
+             const std::vector<shape>& shapes, const std::vector<shape>& timed = {}, area read = same) {
+        constexpr bool writes = std::is_void_v<R>, early = sizeof...(A) == 7;
+        constexpr bool sized = std::is_same_v<std::tuple_element_t<0, std::tuple<A...>>, int>;
+        const auto call = [=](function f, shape s, const view* v) {
+            const auto stride = [=](int i, sample of) { return static_cast<int>(v[i].stride) / size_of(of); };
+            const any_pointer a{v[0].p}, b{v[1].p};
+            const int sa = stride(0, k.a), sb = stride(1, k.b);
+            const auto run = reinterpret_cast<R (*)(A...)>(f);
+            if constexpr (early)
+                return over_thresholds(s, [=](int threshold) { return run(s.w, s.h, a, b, sa, sb, threshold); });
+            else if constexpr (sized && writes)
+                run(s.w, s.h, a, b, sa, sb, stride(2, sample::s16), any_pointer{v[2].p});
+            else if constexpr (sized)
+                return run(s.w, s.h, a, b, sa, sb);
+            else if constexpr (writes)
+                run(a, b, sa, sb, stride(2, sample::s16), any_pointer{v[2].p});
+            else
+                return run(a, b, sa, sb);
         };
-        add({name, reinterpret_cast<function>(fn), {s, s}, {}, call, with(expected, k, same), timing::pair}, k, same);
-    }
-    template <class F> void diff(const std::string& name, F* fn, kinds k, shape s) {
-        const caller call = [=](function f, shape, const view* v) {
-            const strides n(k, v);
-            reinterpret_cast<F*>(f)(v[0].p, v[1].p, n.a, n.b, stride_of_result(v), reinterpret_cast<s16*>(v[2].p));
-            return u64{0};
+        const auto model = [=](shape s, const view* v) { return expected(k, read(s), v); };
+        constexpr timing how = early    ? timing::early_exit
+                               : writes ? (sized ? timing::sized_difference : timing::difference)
+                                        : (sized ? timing::sized_pair : timing::pair);
+        const auto add_range = [&](const range& r, const std::string& title, const std::vector<shape>& sizes,
+                                   timing t) {
+            const auto operands = [=](shape s) {
+                const auto [w, h] = read(s);
+                std::vector<operand> all = {{w, h, size_of(k.a), r.low, r.high}, {w, h, size_of(k.b), r.low, r.high}};
+                if (k.b == sample::u8) all[1].low = 0, all[1].high = 255;
+                if (writes) all.push_back({w, h, 2, -32768, 32767, true});
+                return all;
+            };
+            rows.push_back({title + r.name, reinterpret_cast<function>(fn), sizes, operands, call, model, t, true});
         };
-        add({name, reinterpret_cast<function>(fn), {s, s}, {}, call, with(diff_model, k, same), timing::difference}, k,
-            same);
-    }
-
-    /// Kernels that are given a size
-    template <class Sample, class R, class M>
-    void metric(const std::string& name, R (*fn)(int, int, const Sample*, const Sample*, int, int), kinds k, area read,
-                M expected, std::vector<shape> shapes, const std::vector<shape>& timed) {
-        const caller call = [=](function f, shape s, const view* v) {
-            const strides n(k, v);
-            return static_cast<u64>(reinterpret_cast<decltype(fn)>(f)(
-                s.w, s.h, reinterpret_cast<const Sample*>(v[0].p), reinterpret_cast<const Sample*>(v[1].p), n.a, n.b));
-        };
-        kernel row = {name, reinterpret_cast<function>(fn), std::move(shapes), {}, call, with(expected, k, read)};
-        add(row, k, read);
-        row.timed = timing::sized_pair;
-        add_sizes(row, k, read, timed);
-    }
-    template <class Sample>
-    void diff(const std::string& name, void (*fn)(int, int, const Sample*, const Sample*, int, int, int, s16*), kinds k,
-              std::vector<shape> shapes, const std::vector<shape>& timed) {
-        const caller call = [=](function f, shape s, const view* v) {
-            const strides n(k, v);
-            reinterpret_cast<decltype(fn)>(f)(s.w, s.h, reinterpret_cast<const Sample*>(v[0].p),
-                                              reinterpret_cast<const Sample*>(v[1].p), n.a, n.b, stride_of_result(v),
-                                              reinterpret_cast<s16*>(v[2].p));
-            return u64{0};
-        };
-        kernel row = {name, reinterpret_cast<function>(fn), std::move(shapes), {}, call, with(diff_model, k, same)};
-        add(row, k, same);
-        row.timed = timing::sized_difference;
-        add_sizes(row, k, same, timed);
-    }
-
-    /// A row per range
-    void add(kernel row, kinds k, area read) {
-        const std::string name = row.name;
-        const timing timed = row.timed;
-        for (const range& r : ranges(k)) {
-            row.name = name + r.name;
-            row.timed = *r.name ? timing::none : timed;
-            add(row, k, read, r);
-        }
-    }
-
-private:
-    static int stride_of_result(const view* v) { return static_cast<int>(v[2].stride) / 2; }
-    static model with(model_of_kinds expected, kinds k, area read) {
-        return [=](shape s, const view* v) { return expected(k, read(s), v); };
-    }
-    void add_sizes(const kernel& row, kinds k, area read, const std::vector<shape>& sizes) {
-        for (const shape s : sizes) {
-            kernel one = row;
-            one.name += ' ' + std::to_string(s.w) + 'x' + std::to_string(s.h);
-            one.shapes = {s};
-            add(one, k, read, ranges(k)[0]);
-        }
-    }
-    void add(kernel row, kinds k, area read, range r) {
-        const bool writes = row.name.find("diff") != std::string::npos;
-        row.operands = [=](shape s) {
-            const auto [w, h] = read(s);
-            std::vector<operand> all = {{w, h, size_of(k.a), r.low, r.high}, {w, h, size_of(k.b), r.low, r.high}};
-            if (k.b == sample::u8) all[1].low = 0, all[1].high = 255;
-            if (writes) all.push_back({w, h, 2, -32768, 32767, true});
-            return all;
-        };
-        row.block = true;
-        rows.push_back(std::move(row));
+        for (const range& r : ranges(k)) add_range(r, name, shapes, *r.name || !timed.empty() ? timing::none : how);
+        for (const shape s : timed)
+            add_range(ranges(k)[0], name + ' ' + std::to_string(s.w) + 'x' + std::to_string(s.h), {s}, how);
     }
 };
 
@@ -232,45 +189,34 @@ const std::vector<shape> timed_shapes = {{4, 4}, {8, 8}, {16, 16}, {32, 32}, {64
 std::vector<kernel> metric_kernels() {
     table t;
     // clang-format off
-#define SAD(W, H) t.metric("zelt_sad" #W "x" #H, zelt_sad##W##x##H, bytes, {W, H}, sad_model); \
-                  t.metric("zelt_sad" #W "x" #H "_16", zelt_sad##W##x##H##_16, words, {W, H}, sad_model);
-#define SAD_MIXED(W, H) SAD(W, H) t.metric("zelt_sad" #W "x" #H "_bi", zelt_sad##W##x##H##_bi, mixed, {W, H}, sad_model); \
-                  t.metric("zelt_sad" #W "x" #H "_bi_16", zelt_sad##W##x##H##_bi_16, words, {W, H}, sad_model);
+#define ADD(NAME, W, H, KINDS, MODEL) t.add("zelt_" #NAME, zelt_##NAME, KINDS, MODEL, {{W, H}, {W, H}});
+#define SAD(W, H) ADD(sad##W##x##H, W, H, bytes, sad_model) ADD(sad##W##x##H##_16, W, H, words, sad_model)
+#define SAD_MIXED(W, H) SAD(W, H) ADD(sad##W##x##H##_bi, W, H, mixed, sad_model) \
+                        ADD(sad##W##x##H##_bi_16, W, H, words, sad_model)
     SAD(2, 2) SAD(2, 4) SAD(4, 2) SAD(4, 4)
     SAD_MIXED(4, 8) SAD_MIXED(8, 4) SAD_MIXED(8, 8) SAD_MIXED(8, 16) SAD_MIXED(16, 8) SAD_MIXED(16, 16)
     SAD_MIXED(16, 32) SAD_MIXED(32, 16) SAD_MIXED(32, 32) SAD_MIXED(32, 64) SAD_MIXED(64, 32) SAD_MIXED(64, 64)
-#define DIFF_16(W, H) t.diff("zelt_diff" #W "x" #H "_16", zelt_diff##W##x##H##_16, words, {W, H});
-#define DIFF(W, H) t.diff("zelt_diff" #W "x" #H, zelt_diff##W##x##H, bytes, {W, H}); DIFF_16(W, H)
+#define DIFF_16(W, H) ADD(diff##W##x##H##_16, W, H, words, diff_model)
+#define DIFF(W, H) ADD(diff##W##x##H, W, H, bytes, diff_model) DIFF_16(W, H)
     DIFF(2, 2) DIFF(2, 4) DIFF(4, 2) DIFF(4, 4) DIFF(4, 8) DIFF(8, 4) DIFF(8, 8) DIFF(8, 16) DIFF(16, 8) DIFF(16, 16)
     DIFF(16, 32) DIFF(32, 16) DIFF(32, 32) DIFF(32, 64) DIFF(64, 32) DIFF(64, 64)
     DIFF_16(2, 8) DIFF_16(4, 16) DIFF_16(8, 32) DIFF_16(16, 64)
+    ADD(diff4x4_bi, 4, 4, mixed, diff_model) ADD(diff4x4_bi_16, 4, 4, words, diff_model)
+    ADD(satd4x4, 4, 4, bytes, satd_model) ADD(satd4x4_16, 4, 4, words, satd_model)
+    ADD(satd4x4_bi, 4, 4, mixed, satd_model) ADD(satd4x4_bi_16, 4, 4, words, satd_model)
+    ADD(satd8x8, 8, 8, bytes, satd8x8_model) ADD(satd8x8_16, 8, 8, unsigned_words, satd8x8_model)
+    ADD(satd8x8_bi, 8, 8, mixed, satd8x8_model) ADD(satd8x8_bi_16, 8, 8, words, satd8x8_model)
+#undef ADD
 #undef SAD
 #undef SAD_MIXED
 #undef DIFF
 #undef DIFF_16
         // clang-format on
-        t.diff("zelt_diff4x4_bi", zelt_diff4x4_bi, mixed, {4, 4});
-    t.diff("zelt_diff4x4_bi_16", zelt_diff4x4_bi_16, words, {4, 4});
-    t.diff("zelt_diff", zelt_diff, bytes, any_shapes, {{16, 16}});
-    t.diff("zelt_diff_16", zelt_diff_16, words, any_shapes, {{16, 16}});
 
-    t.metric("zelt_satd4x4", zelt_satd4x4, bytes, {4, 4}, satd_model);
-    t.metric("zelt_satd4x4_16", zelt_satd4x4_16, words, {4, 4}, satd_model);
-    t.metric("zelt_satd4x4_bi", zelt_satd4x4_bi, mixed, {4, 4}, satd_model);
-    t.metric("zelt_satd4x4_bi_16", zelt_satd4x4_bi_16, words, {4, 4}, satd_model);
-    t.metric("zelt_satd8x8", zelt_satd8x8, bytes, {8, 8}, satd8x8_model);
-    t.metric("zelt_satd8x8_16", zelt_satd8x8_16, unsigned_words, {8, 8}, satd8x8_model);
-    t.metric("zelt_satd8x8_bi", zelt_satd8x8_bi, mixed, {8, 8}, satd8x8_model);
-    t.metric("zelt_satd8x8_bi_16", zelt_satd8x8_bi_16, words, {8, 8}, satd8x8_model);
-
-    const area tiles = [](shape s) { return shape{(s.w + 3) / 4 * 4, (s.h + 3) / 4 * 4}; };
-    t.metric("zelt_satd", zelt_satd, bytes, tiles, satd_model, tiled_shapes, timed_shapes);
-    t.metric("zelt_satd_16", zelt_satd_16, words, tiles, satd_model, tiled_shapes, timed_shapes);
-
+        const area tiles = [](shape s) {
+            return shape{(s.w + 3) / 4 * 4, (s.h + 3) / 4 * 4};
+        };
     const area sad_area = [](shape s) { return shape{s.w == 8 ? 8 : 16, s.h}; };
-    t.metric("zelt_sad", zelt_sad, bytes, sad_area, sad_model, sad_shapes, {{8, 8}, {16, 16}});
-    t.metric("zelt_sad_16", zelt_sad_16, words, same, sad_model, any_shapes, {{16, 16}});
-
     const area ssd_area = [](shape s) {
         const bool listed = s.w == 4 || s.w == 8 || s.w == 16 || s.w == 32;
         return shape{listed ? s.w : 64, s.h};
@@ -280,31 +226,21 @@ std::vector<kernel> metric_kernels() {
         const int side = s.w == 8 ? 8 : 4;
         return shape{side, s.h == side ? side : 2};
     };
-    t.metric("zelt_ssd", zelt_ssd, bytes, ssd_area, ssd_model, ssd_shapes, timed_shapes);
-    t.metric("zelt_ssd_16", zelt_ssd_16, words, ssd_16_area, ssd_model, ssd_16_shapes, timed_shapes);
-
-    const caller eskip = [](function f, shape s, const view* v) {
-        const strides n(bytes, v);
-        u64 all = 0;
-        for (const int threshold : thresholds(s))
-            all = all * 1000003 + static_cast<u64>(reinterpret_cast<decltype(&zelt_sad_eskip)>(f)(
-                                      s.w, s.h, v[0].p, v[1].p, n.a, n.b, threshold));
-        return all;
-    };
-    t.add({"zelt_sad_eskip",
-           reinterpret_cast<function>(zelt_sad_eskip),
-           eskip_shapes,
-           {},
-           eskip,
-           [](shape s, const view* v) { return eskip_model(bytes, s, v); },
-           timing::early_exit},
-          bytes, same);
+    t.add("zelt_diff", zelt_diff, bytes, diff_model, any_shapes, {{16, 16}});
+    t.add("zelt_diff_16", zelt_diff_16, words, diff_model, any_shapes, {{16, 16}});
+    t.add("zelt_satd", zelt_satd, bytes, satd_model, tiled_shapes, timed_shapes, tiles);
+    t.add("zelt_satd_16", zelt_satd_16, words, satd_model, tiled_shapes, timed_shapes, tiles);
+    t.add("zelt_sad", zelt_sad, bytes, sad_model, sad_shapes, {{8, 8}, {16, 16}}, sad_area);
+    t.add("zelt_sad_16", zelt_sad_16, words, sad_model, any_shapes, {{16, 16}});
+    t.add("zelt_ssd", zelt_ssd, bytes, ssd_model, ssd_shapes, timed_shapes, ssd_area);
+    t.add("zelt_ssd_16", zelt_ssd_16, words, ssd_model, ssd_16_shapes, timed_shapes, ssd_16_area);
+    t.add("zelt_sad_eskip", zelt_sad_eskip, bytes, eskip_model, eskip_shapes);
 
     // The stored residual is a block whose rows lie together, against one of zeros.
-    const caller hadamard = [](function f, shape, const view* v) {
-        return static_cast<u64>(reinterpret_cast<decltype(&zelt_hadamard4x4)>(f)(reinterpret_cast<const s16*>(v[0].p)));
+    const auto hadamard = [](function f, shape, const view* v) {
+        return reinterpret_cast<decltype(&zelt_hadamard4x4)>(f)(reinterpret_cast<const s16*>(v[0].p));
     };
-    const model hadamard_model = [](shape, const view* v) {
+    const auto hadamard_model = [](shape, const view* v) {
         u8 zeros[16] = {};
         const view block[] = {{v[0].p, 8}, {zeros, 4}};
         return satd_model(mixed, {4, 4}, block);

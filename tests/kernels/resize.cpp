@@ -98,11 +98,6 @@ std::vector<shape> ratio::shapes() const {
     return all;
 }
 
-kernel ratio::counting(kernel k) const {
-    if (counted) k.counted = {"rsz", {{320, 240}}, true};
-    return k;
-}
-
 namespace {
 constexpr ratio ratios[] = {
     {"1:1", 1, 1, 1, 1},        {"3:2", 3, 2, 3, 2, true}, {"2:3", 2, 3, 2, 3, true},  {"1:2", 1, 2, 1, 2, true},
@@ -111,117 +106,84 @@ constexpr ratio ratios[] = {
     {"one column", 0, 1, 3, 2}, {"one row", 3, 2, 0, 1},
 };
 
-void add_resizer(std::vector<kernel>& rows, const resizer& r, const ratio& q) {
-    rows.push_back(q.counting({r.name + "_full " + q.name, reinterpret_cast<function>(r.full), q.shapes(),
-                               [&r, &q](shape s) -> std::vector<operand> {
-                                   const shape from = q.source(s);
-                                   return {{.width = from.w * r.src_bytes, .rows = from.h},
-                                           {.width = s.w * r.dst_bytes, .rows = s.h, .written = true}};
-                               },
-                               [&q](function f, shape s, const view* v) -> u64 {
-                                   const shape from = q.source(s);
-                                   u32 x, y;
-                                   bilinear_rsz_step_size(from.w, from.h, s.w, s.h, &x, &y);
-                                   reinterpret_cast<decltype(resizer::full)>(f)(v[0].p, static_cast<int>(v[0].stride),
-                                                                                s.w, s.h, static_cast<int>(v[1].stride),
-                                                                                v[1].p, x, y);
-                                   return 0;
-                               },
-                               [&r, &q](shape s, const view* v) -> u64 {
-                                   model_picture(r, v[0], q.source(s), v[1], s);
-                                   return 0;
-                               }}));
-    // Rows, of exactly the samples that are needed; the shape's height is the vertical phase.
-    std::vector<shape> widths = q.shapes();
-    for (shape& s : widths) s.h = s.w % 8;
-    rows.push_back({r.name + "_line " + q.name, reinterpret_cast<function>(r.line), widths,
-                    [&r, &q](shape s) -> std::vector<operand> {
-                        const int needed = grid(q.source(s).w, s.w)[s.w - 1].second + 1;
-                        return {{.width = needed * r.src_bytes, .rows = 1},
-                                {.width = needed * r.src_bytes, .rows = 1},
-                                {.width = s.w * r.dst_bytes, .rows = 1, .written = true}};
-                    },
-                    [&q](function f, shape s, const view* v) -> u64 {
-                        const grid x(q.source(s).w, s.w);
-                        const u8* const pair[] = {v[0].p, v[1].p};
-                        reinterpret_cast<decltype(resizer::line)>(f)(pair, zelt_tbl_bilinear_rszw + 4 * s.h, s.w,
-                                                                     x.shift, 1 << x.shift, static_cast<int>(x.step),
-                                                                     v[2].p);
-                        return 0;
-                    },
-                    [&r, &q](shape s, const view* v) -> u64 {
-                        model_row(r, v[0].p, v[1].p, s.h, grid(q.source(s).w, s.w), s.w, v[2].p);
-                        return 0;
-                    }});
+kernel full(const resizer& r, const ratio& q) {
+    const auto operands = [&](shape s) -> std::vector<operand> {
+        const shape from = q.source(s);
+        return {{.width = from.w * r.src_bytes, .rows = from.h},
+                {.width = s.w * r.dst_bytes, .rows = s.h, .written = true}};
+    };
+    const auto call = [&](function f, shape s, const view* v) {
+        const shape from = q.source(s);
+        u32 x, y;
+        bilinear_rsz_step_size(from.w, from.h, s.w, s.h, &x, &y);
+        reinterpret_cast<decltype(resizer::full)>(f)(v[0].p, static_cast<int>(v[0].stride), s.w, s.h,
+                                                     static_cast<int>(v[1].stride), v[1].p, x, y);
+    };
+    const auto model = [&](shape s, const view* v) { model_picture(r, v[0], q.source(s), v[1], s); };
+    return {r.name + "_full " + q.name, reinterpret_cast<function>(r.full), q.shapes(), operands, call, model};
 }
 
-struct fused {
-    const char* name;
-    zelt_csc_fn exported;
-    const char *source, *destination;
-};
-#define FUSED(from, to) \
-    { "zelt_csc_rsz_" #from "_to_" #to, zelt_csc_rsz_##from##_to_##to, #from, #to }
-constexpr fused all_fused[] = {
-    FUSED(r8g8b8, rgb888),   FUSED(r8g8b8, rgba8888),   FUSED(r8g8b8a8, rgba8888), FUSED(yuv444, rgb888),
-    FUSED(yuv444, rgba8888), FUSED(yuv444a8, rgba8888), FUSED(yuv444, rgb565),     FUSED(yuv444a8, rgb565a8),
-};
+/// Rows, of exactly the samples that are needed; the shape's height is the vertical phase.
+kernel line(const resizer& r, const ratio& q) {
+    std::vector<shape> widths = q.shapes();
+    for (shape& s : widths) s.h = s.w % 8;
+    const auto operands = [&](shape s) -> std::vector<operand> {
+        const int needed = grid(q.source(s).w, s.w)[s.w - 1].second + 1;
+        const operand source = {.width = needed * r.src_bytes, .rows = 1};
+        return {source, source, {.width = s.w * r.dst_bytes, .rows = 1, .written = true}};
+    };
+    const auto call = [&](function f, shape s, const view* v) {
+        const grid x(q.source(s).w, s.w);
+        const u8* const pair[] = {v[0].p, v[1].p};
+        reinterpret_cast<decltype(resizer::line)>(f)(pair, zelt_tbl_bilinear_rszw + 4 * s.h, s.w, x.shift, 1 << x.shift,
+                                                     static_cast<int>(x.step), v[2].p);
+    };
+    const auto model = [&](shape s, const view* v) {
+        model_row(r, v[0].p, v[1].p, s.h, grid(q.source(s).w, s.w), s.w, v[2].p);
+    };
+    return {r.name + "_line " + q.name, reinterpret_cast<function>(r.line), widths, operands, call, model};
+}
 
-void add_fused(std::vector<kernel>& rows, const fused& f, const ratio& q) {
-    const layout *source = &layout_of(f.source), *destination = &layout_of(f.destination);
-    const int from_planes = static_cast<int>(source->bytes.size()),
-              to_planes = static_cast<int>(destination->bytes.size());
-    const bool alpha = from_planes == 4;
-    rows.push_back(
-        q.counting({f.name + std::string(" ") + q.name, reinterpret_cast<function>(f.exported), q.shapes(),
-                    [=, &q](shape s) {
-                        const shape from = q.source(s);
-                        std::vector<operand> all;
-                        for (int i = 0; i < from_planes; ++i) all.push_back({.width = from.w, .rows = from.h});
-                        for (const int bytes : destination->bytes)
-                            all.push_back({.width = s.w * bytes, .rows = s.h, .written = true});
-                        return all;
-                    },
-                    [=, &q](function fn, shape s, const view* v) -> u64 {
-                        const shape from = q.source(s);
-                        void* p[6];
-                        int stride[6];
-                        for (int i = 0; i < from_planes + to_planes; ++i)
-                            p[i] = v[i].p, stride[i] = static_cast<int>(v[i].stride);
-                        reinterpret_cast<zelt_csc_fn>(fn)(p, from.w, from.h, stride, -1, p + from_planes, s.w, s.h,
-                                                          stride + from_planes, -1);
-                        return 0;
-                    },
-                    [=, &q](shape s, const view* v) -> u64 {
-                        const shape from = q.source(s);
-                        const grid x(from.w, s.w), y(from.h, s.h);
-                        for (int j = 0; j < s.h; ++j)
-                            for (int i = 0; i < s.w; ++i) {
-                                const place across = x[i], down = y[j];
-                                components c = {{0, 0, 0, 255}};
-                                for (int k = 0; k < 3 + alpha; ++k) {
-                                    const u8 *top = v[k].p + down.first * v[k].stride,
-                                             *bottom = v[k].p + down.second * v[k].stride;
-                                    c.v[k] = interpolated(top[across.first], top[across.second], bottom[across.first],
-                                                          bottom[across.second], across.phase, down.phase);
-                                }
-                                if (source->yuv) c = rgb_of(c);
-                                u8* dst[2];
-                                for (int k = 0; k < to_planes; ++k) {
-                                    const view& to = v[from_planes + k];
-                                    dst[k] = to.p + j * to.stride + i * destination->bytes[static_cast<std::size_t>(k)];
-                                }
-                                destination->write(dst, c);
-                            }
-                        return 0;
-                    }}));
+kernel fused(const char* name, zelt_csc_fn fn, const layout& source, const layout& destination, const ratio& q) {
+    const std::size_t n = source.planes.size();
+    const auto operands = [&](shape s) { return operands_of(source, q.source(s), destination, s); };
+    const auto call = [&, n](function f, shape s, const view* v) {
+        convert(f, v, n, n + destination.planes.size(), q.source(s), s, -1);
+    };
+    const auto model = [&, n](shape s, const view* v) {
+        const shape from = q.source(s);
+        const grid columns(from.w, s.w), rows(from.h, s.h);
+        for (int y = 0; y < s.h; ++y)
+            for (int x = 0; x < s.w; ++x) {
+                const place across = columns[x], down = rows[y];
+                components c = {{0, 0, 0, 255}};
+                for (std::size_t i = 0; i < n; ++i) {
+                    const u8 *top = v[i].p + down.first * v[i].stride, *bottom = v[i].p + down.second * v[i].stride;
+                    c.v[i] = interpolated(top[across.first], top[across.second], bottom[across.first],
+                                          bottom[across.second], across.phase, down.phase);
+                }
+                u8* dst[2];
+                for (std::size_t i = 0; i < destination.planes.size(); ++i)
+                    dst[i] = v[n + i].p + y * v[n + i].stride + x * destination.bytes[i];
+                destination.write(dst, source.yuv ? rgb_of(c) : c);
+            }
+    };
+    return {std::string(name) + ' ' + q.name, reinterpret_cast<function>(fn), q.shapes(), operands, call, model};
 }
 }  // namespace
 
 std::vector<kernel> resize_kernels_at(const ratio& q) {
     std::vector<kernel> rows;
-    for (const resizer& r : resizers) add_resizer(rows, r, q);
-    for (const fused& f : all_fused) add_fused(rows, f, q);
+    const auto count = [&](kernel k) {
+        if (q.counted) k.counted = {"rsz", {{320, 240}}, true};
+        rows.push_back(std::move(k));
+    };
+    for (const resizer& r : resizers) count(full(r, q)), rows.push_back(line(r, q));
+#define FUSED(from, to) \
+    count(fused("zelt_csc_rsz_" #from "_to_" #to, zelt_csc_rsz_##from##_to_##to, layout_of(#from), layout_of(#to), q))
+    FUSED(r8g8b8, rgb888), FUSED(r8g8b8, rgba8888), FUSED(r8g8b8a8, rgba8888), FUSED(yuv444, rgb888);
+    FUSED(yuv444, rgba8888), FUSED(yuv444a8, rgba8888), FUSED(yuv444, rgb565), FUSED(yuv444a8, rgb565a8);
+#undef FUSED
     return rows;
 }
 

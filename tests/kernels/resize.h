@@ -27,7 +27,6 @@ struct ratio {
 
     shape source(shape s) const;
     std::vector<shape> shapes() const;
-    kernel counting(kernel k) const;
 };
 
 /// The rows at a ratio, which each call looks up.
