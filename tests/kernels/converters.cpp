@@ -7,23 +7,15 @@
 #include <cmath>
 
 namespace zelt::test {
-namespace {
-const layout layouts[] = {
-    {"yuv444", {"0", "1", "2"}},
-    {"yuv444a8", {"0", "1", "2", "3"}},
-    {"r8g8b8", {"0", "1", "2"}},
-    {"rgb888", {"012"}},
-    {"r8g8b8a8", {"0", "1", "2", "3"}},
-    {"rgba8888", {"0123"}},
-    {"argb8888", {"3012"}},
-    {"bgra8888", {"2103"}},
-    {"rgb565", {"lh"}},
-    {"rgb565a8", {"lh", "3"}},
-    {"rgba5658", {"lh3"}},
-};
-}  // namespace
-
-const layout& layout_of(const std::string& name) { return *std::ranges::find(layouts, name, &layout::name); }
+const layout& layout_of(const std::string& name) {
+    static const layout layouts[] = {
+        {"y8", {"0"}},          {"yuv444", {"0", "1", "2"}}, {"yuv444a8", {"0", "1", "2", "3"}},
+        {"rgb888", {"012"}},    {"r8g8b8", {"0", "1", "2"}}, {"r8g8b8a8", {"0", "1", "2", "3"}},
+        {"rgba8888", {"0123"}}, {"argb8888", {"3012"}},      {"bgra8888", {"2103"}},
+        {"rgb565", {"lh"}},     {"rgb565a8", {"lh", "3"}},   {"rgba5658", {"lh3"}},
+    };
+    return *std::ranges::find(layouts, name, &layout::name);
+}
 
 components layout::read(const u8* const* p) const {
     components c = {{0, 0, 0, 255}};

@@ -74,6 +74,13 @@ u64 satd8x8_model(kinds k, shape, const view* v) {
     return static_cast<u64>((hadamard_sum(k, 8, false, v, 0, 0) + 2) / 4);
 }
 
+/// The stored residual is a block whose rows lie together, against one of zeros.
+u64 hadamard_model(kinds, shape, const view* v) {
+    u8 zeros[16] = {};
+    const view block[] = {{v[0].p, 8}, {zeros, 4}};
+    return satd_model(mixed, {4, 4}, block);
+}
+
 u64 diff_model(kinds k, shape s, const view* v) {
     for (int y = 0; y < s.h; ++y)
         for (int x = 0; x < s.w; ++x) {
@@ -126,19 +133,21 @@ class table {
 public:
     std::vector<kernel> rows;
 
-    /// Kernels of a fixed size, or that are given one. Metrics give a result, differences write one. Those of any size
-    /// are also timed, at some.
+    /// Kernels of a fixed size, or that are given one; of two blocks, or of a residual. Metrics give a result,
+    /// differences write one. Those of any size are also timed, at some.
     template <class R, class... A>
     void add(const std::string& name, R (*fn)(A...), kinds k, u64 (*expected)(kinds, shape, const view*),
              const std::vector<shape>& shapes, const std::vector<shape>& timed = {}, area read = same) {
-        constexpr bool writes = std::is_void_v<R>, early = sizeof...(A) == 7;
+        constexpr bool writes = std::is_void_v<R>, early = sizeof...(A) == 7, residual = sizeof...(A) == 1;
         constexpr bool sized = std::is_same_v<std::tuple_element_t<0, std::tuple<A...>>, int>;
         const auto call = [=](function f, shape s, const view* v) {
             const auto stride = [=](int i, sample of) { return static_cast<int>(v[i].stride) / size_of(of); };
-            const any_pointer a{v[0].p}, b{v[1].p};
-            const int sa = stride(0, k.a), sb = stride(1, k.b);
+            const any_pointer a{v[0].p}, b{v[!residual].p};
+            const int sa = stride(0, k.a), sb = stride(!residual, k.b);
             const auto run = reinterpret_cast<R (*)(A...)>(f);
-            if constexpr (early)
+            if constexpr (residual)
+                return run(a);
+            else if constexpr (early)
                 return over_thresholds(s, [=](int threshold) { return run(s.w, s.h, a, b, sa, sb, threshold); });
             else if constexpr (sized && writes)
                 run(s.w, s.h, a, b, sa, sb, stride(2, sample::s16), any_pointer{v[2].p});
@@ -150,7 +159,8 @@ public:
                 return run(a, b, sa, sb);
         };
         const auto model = [=](shape s, const view* v) { return expected(k, read(s), v); };
-        constexpr timing how = early    ? timing::early_exit
+        constexpr timing how = residual ? timing::residual
+                               : early  ? timing::early_exit
                                : writes ? (sized ? timing::sized_difference : timing::difference)
                                         : (sized ? timing::sized_pair : timing::pair);
         const auto add_range = [&](const range& r, const std::string& title, const std::vector<shape>& sizes,
@@ -159,6 +169,7 @@ public:
                 const auto [w, h] = read(s);
                 std::vector<operand> all = {{w, h, size_of(k.a), r.low, r.high}, {w, h, size_of(k.b), r.low, r.high}};
                 if (k.b == sample::u8) all[1].low = 0, all[1].high = 255;
+                if (residual) all.pop_back();
                 if (writes) all.push_back({w, h, 2, -32768, 32767, true});
                 return all;
             };
@@ -236,21 +247,7 @@ std::vector<kernel> metric_kernels() {
     t.add("zelt_ssd_16", zelt_ssd_16, words, ssd_model, ssd_16_shapes, timed_shapes, ssd_16_area);
     t.add("zelt_sad_eskip", zelt_sad_eskip, bytes, eskip_model, eskip_shapes);
 
-    // The stored residual is a block whose rows lie together, against one of zeros.
-    const auto hadamard = [](function f, shape, const view* v) {
-        return reinterpret_cast<decltype(&zelt_hadamard4x4)>(f)(reinterpret_cast<const s16*>(v[0].p));
-    };
-    const auto hadamard_model = [](shape, const view* v) {
-        u8 zeros[16] = {};
-        const view block[] = {{v[0].p, 8}, {zeros, 4}};
-        return satd_model(mixed, {4, 4}, block);
-    };
-    for (const range& r : {range{"", -255, 255}, range{" full", -32768, 32767}}) {
-        const auto residual = [=](shape s) { return std::vector<operand>{{s.w, s.h, 2, r.low, r.high}}; };
-        t.rows.push_back({std::string("zelt_hadamard4x4") + r.name, reinterpret_cast<function>(zelt_hadamard4x4),
-                          std::vector<shape>(8, {16, 1}), residual, hadamard, hadamard_model,
-                          *r.name ? timing::none : timing::residual, true});
-    }
+    t.add("zelt_hadamard4x4", zelt_hadamard4x4, mixed, hadamard_model, std::vector<shape>(8, {16, 1}));
     return t.rows;
 }
 }  // namespace zelt::test

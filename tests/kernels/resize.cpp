@@ -5,76 +5,77 @@
 #include "zelt/csc.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace zelt::test {
-grid::grid(int src, int dst) {
-    static constexpr int shifts[32] = {0, 0, 0, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 3,
-                                       3, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4};
-    shift = shifts[std::min(src / dst, 31)];
-    step = static_cast<long long>((src - 1) >> shift) * 262144 / dst;
-}
-
-place grid::operator[](int i) const {
-    const long long position = i * step, first = (position / 262144) << shift;
-    return {static_cast<int>(first), static_cast<int>(step ? first + (1 << shift) : first),
-            static_cast<int>(position % 262144 / 32768)};
-}
-
-int interpolated(int tl, int tr, int bl, int br, int fx, int fy) {
-    return ((8 - fx) * (8 - fy) * tl + fx * (8 - fy) * tr + (8 - fx) * fy * bl + fx * fy * br) / 64;
-}
-
-namespace {
-template <int N> fields get_bytes(const u8* p) {
-    fields v = {};
-    std::copy_n(p, N, v.begin());
-    return v;
-}
-template <int N> void put_bytes(u8* p, const fields& v) {
-    for (int i = 0; i < N; ++i) p[i] = static_cast<u8>(v[static_cast<std::size_t>(i)]);
-}
-fields get_565(const u8* p) {
-    const int word = p[0] + 256 * p[1];
-    return {word / 2048, word / 32 % 64, word % 32};
-}
-void put_565(u8* p, const fields& v) {
-    const int word = v[0] * 2048 + v[1] * 32 + v[2];
-    p[0] = static_cast<u8>(word % 256), p[1] = static_cast<u8>(word / 256);
-}
-}  // namespace
-
 // clang-format off
 #define NAMES(format) "zelt_irsz" #format, zelt_irsz##format, zelt_irsz##format##_line, zelt_irsz##format##_full
 const std::vector<resizer> resizers = {
-    {NAMES(8b), 20, 1, 1, get_bytes<1>, put_bytes<1>},
-    {NAMES(8b8b8b), 21, 3, 3, get_bytes<3>, put_bytes<3>},
-    {NAMES(8b8b8b_5b6b5b), 23, 3, 2, get_bytes<3>,
-     [](u8* p, const fields& v) { put_565(p, {v[0] / 8, v[1] / 4, v[2] / 8}); }},
-    {NAMES(5b6b5b), 25, 2, 2, get_565, put_565},
-    {NAMES(8b8b8b8b), 29, 4, 4, get_bytes<4>, put_bytes<4>},
+    {NAMES(8b), 20, 1, 1, "y8", "y8"},
+    {NAMES(8b8b8b), 21, 3, 3, "rgb888", "rgb888"},
+    {NAMES(8b8b8b_5b6b5b), 23, 3, 2, "rgb888", "rgb565"},
+    {NAMES(5b6b5b), 25, 2, 2, "rgb565", "rgb565"},
+    {NAMES(8b8b8b8b), 29, 4, 4, "rgba8888", "rgba8888"},
 };
 #undef NAMES
 // clang-format on
 
-void model_row(const resizer& r, const u8* top, const u8* bottom, int phase, const grid& x, int w, u8* dst) {
+namespace {
+/// Where a destination sample lies on an axis: its two source samples and the phase between them
+struct place {
+    int first, second, phase;
+};
+
+/// The sampling grid of an axis, from the documented table and formula
+struct grid {
+    int shift;
+    long long step;
+
+    grid(int src, int dst) {
+        static constexpr int shifts[32] = {0, 0, 0, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 3,
+                                           3, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4};
+        shift = shifts[std::min(src / dst, 31)];
+        step = static_cast<long long>((src - 1) >> shift) * 262144 / dst;
+    }
+    place operator[](int i) const {
+        const long long position = i * step, first = (position / 262144) << shift;
+        return {static_cast<int>(first), static_cast<int>(step ? first + (1 << shift) : first),
+                static_cast<int>(position % 262144 / 32768)};
+    }
+};
+
+/// A row of w pixels, converted to RGB if the destination is. Fields of less than 8 bits are as good as interpolated
+/// themselves: what comes in below them is cut off again.
+void model_row(const layout& from, const view* src, place y, const grid& columns, const layout& to, const view* dst,
+               int dst_y, int w) {
     for (int i = 0; i < w; ++i) {
-        const place at = x[i];
-        const fields tl = r.get(top + at.first * r.src_bytes), tr = r.get(top + at.second * r.src_bytes);
-        const fields bl = r.get(bottom + at.first * r.src_bytes), br = r.get(bottom + at.second * r.src_bytes);
-        fields v;
-        for (std::size_t c = 0; c < v.size(); ++c) v[c] = interpolated(tl[c], tr[c], bl[c], br[c], at.phase, phase);
-        r.put(dst + i * r.dst_bytes, v);
+        const place x = columns[i];
+        const auto at = [&](int column, int row) {
+            u8* p[4];
+            for (std::size_t k = 0; k < from.planes.size(); ++k)
+                p[k] = src[k].p + row * src[k].stride + column * from.bytes[k];
+            return from.read(p);
+        };
+        const components tl = at(x.first, y.first), tr = at(x.second, y.first);
+        const components bl = at(x.first, y.second), br = at(x.second, y.second);
+        components c;
+        for (int k = 0; k < 4; ++k)
+            c.v[k] = ((8 - y.phase) * ((8 - x.phase) * tl.v[k] + x.phase * tr.v[k]) +
+                      y.phase * ((8 - x.phase) * bl.v[k] + x.phase * br.v[k])) /
+                     64;
+        u8* p[4];
+        for (std::size_t k = 0; k < to.planes.size(); ++k) p[k] = dst[k].p + dst_y * dst[k].stride + i * to.bytes[k];
+        to.write(p, from.yuv && !to.yuv ? rgb_of(c) : c);
     }
 }
+void model_picture(const layout& source, const view* src, shape from, const layout& destination, const view* dst,
+                   shape to) {
+    const grid columns(from.w, to.w), rows(from.h, to.h);
+    for (int y = 0; y < to.h; ++y) model_row(source, src, rows[y], columns, destination, dst, y, to.w);
+}
+}  // namespace
 
 void model_picture(const resizer& r, view src, shape from, view dst, shape to) {
-    const grid x(from.w, to.w), y(from.h, to.h);
-    for (int i = 0; i < to.h; ++i) {
-        const place at = y[i];
-        model_row(r, src.p + at.first * src.stride, src.p + at.second * src.stride, at.phase, x, to.w,
-                  dst.p + i * dst.stride);
-    }
+    model_picture(layout_of(r.source), &src, from, layout_of(r.destination), &dst, to);
 }
 
 bool bands_give_whole(shape from, shape to, int band_rows) {
@@ -139,7 +140,9 @@ kernel line(const resizer& r, const ratio& q) {
                                                      static_cast<int>(x.step), v[2].p);
     };
     const auto model = [&](shape s, const view* v) {
-        model_row(r, v[0].p, v[1].p, s.h, grid(q.source(s).w, s.w), s.w, v[2].p);
+        const view both = {v[0].p, v[1].p - v[0].p};  // the rows as those of a picture
+        model_row(layout_of(r.source), &both, {0, 1, s.h}, grid(q.source(s).w, s.w), layout_of(r.destination), &v[2], 0,
+                  s.w);
     };
     return {r.name + "_line " + q.name, reinterpret_cast<function>(r.line), widths, operands, call, model};
 }
@@ -150,24 +153,7 @@ kernel fused(const char* name, zelt_csc_fn fn, const layout& source, const layou
     const auto call = [&, n](function f, shape s, const view* v) {
         convert(f, v, n, n + destination.planes.size(), q.source(s), s, -1);
     };
-    const auto model = [&, n](shape s, const view* v) {
-        const shape from = q.source(s);
-        const grid columns(from.w, s.w), rows(from.h, s.h);
-        for (int y = 0; y < s.h; ++y)
-            for (int x = 0; x < s.w; ++x) {
-                const place across = columns[x], down = rows[y];
-                components c = {{0, 0, 0, 255}};
-                for (std::size_t i = 0; i < n; ++i) {
-                    const u8 *top = v[i].p + down.first * v[i].stride, *bottom = v[i].p + down.second * v[i].stride;
-                    c.v[i] = interpolated(top[across.first], top[across.second], bottom[across.first],
-                                          bottom[across.second], across.phase, down.phase);
-                }
-                u8* dst[2];
-                for (std::size_t i = 0; i < destination.planes.size(); ++i)
-                    dst[i] = v[n + i].p + y * v[n + i].stride + x * destination.bytes[i];
-                destination.write(dst, source.yuv ? rgb_of(c) : c);
-            }
-    };
+    const auto model = [&, n](shape s, const view* v) { model_picture(source, v, q.source(s), destination, v + n, s); };
     return {std::string(name) + ' ' + q.name, reinterpret_cast<function>(fn), q.shapes(), operands, call, model};
 }
 }  // namespace
