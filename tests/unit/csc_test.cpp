@@ -54,20 +54,15 @@ TEST(csc, dispatch_tables_cell_by_cell) {
     const int rgb_sources[] = {600, 700, 13, 43, 62, 603}, yuv_sources[] = {600, 0, 13, 43, 200, 603, 400, 500};
     const int rgb_destinations[] = {400, 500, 200, 430, 650, 502, 501, 401, 600, 0, 603};
     const int yuv_destinations[] = {13, 43, 62};
-    for (int half = 0; half < 2; ++half) {
-        const auto& table = half ? resizing : same_size;
-        for (int row = 0; row < 6; ++row)
-            for (int column = 0; column < 11; ++column)
-                EXPECT_EQ(zelt_tbl_fn_csc_to_rgb[half * 66 + row * 11 + column],
-                          expected(table, {rgb_sources[row], rgb_destinations[column]}));
-        for (int row = 0; row < 8; ++row)
-            for (int column = 0; column < 3; ++column) {
-                const bool unreachable = !half && row == 1 && column == 1;
-                EXPECT_EQ(zelt_tbl_fn_csc_to_yuvplanar[half * 24 + row * 3 + column],
-                          unreachable ? zelt_csc_r8g8b8a8_to_yuv444a8
-                                      : expected(table, {yuv_sources[row], yuv_destinations[column]}));
-            }
-    }
+    for (int i = 0; i < 2 * 6 * 11; ++i)
+        EXPECT_EQ(zelt_tbl_fn_csc_to_rgb[i],
+                  expected(i < 66 ? same_size : resizing, {rgb_sources[i / 11 % 6], rgb_destinations[i % 11]}));
+    const int unreachable = 4;
+    for (int i = 0; i < 2 * 8 * 3; ++i)
+        EXPECT_EQ(zelt_tbl_fn_csc_to_yuvplanar[i],
+                  i == unreachable
+                      ? zelt_csc_r8g8b8a8_to_yuv444a8
+                      : expected(i < 24 ? same_size : resizing, {yuv_sources[i / 3 % 8], yuv_destinations[i % 3]}));
 }
 
 TEST(csc, converters_ignore_sizes_below_one) {

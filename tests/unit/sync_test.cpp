@@ -15,25 +15,19 @@ struct time_limit {
     ~time_limit() { alarm(0); }
 };
 
-TEST(sync, final_words_end_a_wait_at_once) {
-    uint32_t word = 7;
-    EXPECT_EQ(zelt_sync_wait(&word, 7), 7u);
-    EXPECT_EQ(zelt_sync_wait_asm(&word, 7), 0u);
-    word = stop;
-    for (const uint32_t v : {0u, 7u, stop}) {
-        EXPECT_EQ(zelt_sync_wait(&word, v), stop);
-        EXPECT_EQ(zelt_sync_wait_asm(&word, v), stop);
-    }
-}
-
-TEST(sync, wakes_store_the_value) {
+TEST(sync, wakes_store_the_final_words_that_end_a_wait_at_once) {
     uint32_t word = 0;
-    zelt_sync_wake(&word, 5);
-    EXPECT_EQ(word, 5u);
-    EXPECT_EQ(zelt_sync_wake_asm(&word, 6), 0);
-    EXPECT_EQ(word, 6u);
-    EXPECT_EQ(zelt_sync_wake_asm(&word, 6), 0);
-    EXPECT_EQ(word, 6u);
+    for (const uint32_t v : {5u, 7u, stop}) {
+        zelt_sync_wake(&word, v);
+        EXPECT_EQ(word, v);
+        EXPECT_EQ(zelt_sync_wait(&word, v), v);
+        EXPECT_EQ(zelt_sync_wait_asm(&word, v), v == stop ? stop : 0);
+        EXPECT_EQ(zelt_sync_wake_asm(&word, v + 1), 0);
+        EXPECT_EQ(word, v + 1);
+    }
+    word = stop;
+    EXPECT_EQ(zelt_sync_wait(&word, 7), stop);
+    EXPECT_EQ(zelt_sync_wait_asm(&word, 7), stop);
 }
 
 TEST(sync, a_waiter_is_woken) {
