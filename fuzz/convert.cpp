@@ -1,6 +1,5 @@
 // Conversion, fused conversion and resizing of any geometry against the models of the kernel tests: padded and negative
-// strides, source strides of 0, source and destination in one buffer; whole pictures, rows and bands. All bytes around
-// what is written are compared too.
+// strides, source strides of 0; whole pictures, rows and bands. All bytes around what is written are compared too.
 #include "input.h"
 #include "kernels/resize.h"
 
@@ -22,40 +21,26 @@ std::vector<kernel> conversions() {
 
 // -------------------------------------------------------------------------------------------------------------- memory
 
-/// The first row of an operand in its block
-struct place {
-    std::size_t at;
-    std::ptrdiff_t stride;
+/// An operand in a block of just its size and margins
+struct placed {
+    block memory;
+    std::ptrdiff_t first, stride;
+
+    placed(fuzz::input& in, const operand& o) {
+        const uint8_t kind = in.byte(), margins = in.byte();
+        const std::ptrdiff_t row = o.width * o.element;
+        stride = kind % 4 == 2 && !o.written ? 0 : row + kind / 4 % 16 * o.element;
+        const std::ptrdiff_t last = stride * (o.rows - 1);
+        memory.resize(static_cast<std::size_t>(margins % 16 + last + row + margins / 16));
+        first = margins % 16;
+        if (kind % 4 == 1) first += last, stride = -stride;
+    }
 };
 
-/// Finds room for an operand from `end` on, and moves that behind it.
-place put(fuzz::input& in, const operand& o, std::size_t& end) {
-    const uint8_t kind = in.byte(), margins = in.byte();
-    const bool negative = kind % 4 == 1, zero = kind % 4 == 2 && !o.written;
-    const std::ptrdiff_t row = o.width * o.element, stride = zero ? 0 : row + kind / 4 % 16 * o.element;
-    const std::ptrdiff_t last = stride * (o.rows - 1);
-    const std::size_t start = end + margins % 16;
-    end = start + static_cast<std::size_t>(last + row) + margins / 16;
-    if (negative) return {start + static_cast<std::size_t>(last), -stride};
-    return {start, stride};
-}
-
-/// Whether no pixel is written where a later one is still to be read, which is what sharing memory asks for
-bool may_share(shape s, const std::vector<operand>& operands, const std::vector<place>& places, std::size_t size) {
-    std::vector<int> last_reader(size, -1);
-    for (std::size_t i = 0; i < operands.size(); ++i) {  // sources come first
-        const operand& o = operands[i];
-        const int pixel_bytes = o.width * o.element / s.w;
-        for (int y = 0; y < o.rows; ++y)
-            for (int x = 0; x < o.width * o.element; ++x) {
-                const std::ptrdiff_t at = static_cast<std::ptrdiff_t>(places[i].at) + y * places[i].stride + x;
-                int& reader = last_reader[static_cast<std::size_t>(at)];
-                const int pixel = y * s.w + x / pixel_bytes;
-                if (o.written && reader > pixel) return false;
-                if (!o.written) reader = std::max(reader, pixel);
-            }
-    }
-    return true;
+std::vector<view> views(std::vector<placed>& operands) {
+    std::vector<view> all;
+    for (placed& p : operands) all.push_back({p.memory.data() + p.first, p.stride});
+    return all;
 }
 
 /// Takes what is there into the range of 16-bit samples.
@@ -69,41 +54,20 @@ void limit(const operand& o, view v) {
 
 // --------------------------------------------------------------------------------------------------------------- calls
 
-/// Calls a kernel and its model on the same bytes, each operand in a block of its own or all in one.
+/// Calls a kernel and its model on the same bytes.
 void check(fuzz::input& in, const kernel& k, shape s) {
-    const bool shared = k.in_order && in.byte() % 2;
-    if (shared) s.h = 1 + s.h % 3;
     const std::vector<operand> operands = k.operands(s);
-    std::vector<block> blocks(shared ? 1 : operands.size());
-    const auto block_of = [&](std::size_t i) { return shared ? 0 : i; };
-    std::vector<place> places;
-    std::size_t source_end = 64, destination_end = shared ? in.byte() : 0;  // where all are in one block
-    for (const operand& o : operands) {
-        block& own = blocks[block_of(places.size())];
-        std::size_t own_end = 0, &shared_end = o.written ? destination_end : source_end;
-        std::size_t& end = shared ? shared_end : own_end;
-        places.push_back(put(in, o, end));
-        own.resize(std::max(own.size(), end));
-    }
-    if (shared && !may_share(s, operands, places, blocks[0].size())) return;
-    const auto views = [&](std::vector<block>& of) {
-        std::vector<view> all;
-        for (std::size_t i = 0; i < places.size(); ++i)
-            all.push_back({of[block_of(i)].data() + places[i].at, places[i].stride});
-        return all;
-    };
-    const std::vector<view> given = views(blocks);
-
+    std::vector<placed> given;
+    for (const operand& o : operands) given.emplace_back(in, o);
     std::minstd_rand random(in.word());
-    const bool shared_words = shared && operands[0].element == 2;  // in range however they lie on each other
-    for (block& b : blocks)
-        for (u8& v : b) v = static_cast<u8>(random() >> 8 & (shared_words ? 3 : 255));
-    for (std::size_t i = 0; i < operands.size(); ++i)
-        if (operands[i].element == 2 && !operands[i].written && !shared) limit(operands[i], given[i]);
-    std::vector<block> expected = blocks;
-    k.call(k.exported, s, given.data());
+    for (std::size_t i = 0; i < operands.size(); ++i) {
+        for (u8& v : given[i].memory) v = static_cast<u8>(random() >> 8);
+        if (operands[i].element == 2 && !operands[i].written) limit(operands[i], views(given)[i]);
+    }
+    std::vector<placed> expected = given;
+    k.call(k.exported, s, views(given).data());
     k.model(s, views(expected).data());
-    fuzz::require(blocks == expected);
+    for (std::size_t i = 0; i < operands.size(); ++i) fuzz::require(given[i].memory == expected[i].memory);
 }
 
 /// A resizer's handle at work: on a whole picture, or on bands of one, each in memory of its own
