@@ -1,8 +1,6 @@
 // Sequences of calls are those of fuzz/bsw.cpp.
-#include "zelt/bsr.h"
 #include "zelt/bsw.h"
 
-#include <bit>
 #include <gtest/gtest.h>
 #include <vector>
 
@@ -13,31 +11,6 @@ using bytes = std::vector<uint8_t>;
 constexpr uint8_t untouched = 0xEE;
 
 }  // namespace
-
-TEST(bsw, exp_golomb_codes_of_every_value) {
-    bytes ue(1 << 19), se(ue.size());
-    const auto size = static_cast<int32_t>(ue.size());
-    ZELT_BSW u, s;
-    zelt_bsw_init(&u, ue.data(), size, nullptr);
-    zelt_bsw_init(&s, se.data(), size, nullptr);
-    const auto signed_value = [](uint32_t v) { return static_cast<int>(v + 1) / 2 * (v & 1 ? 1 : -1); };
-    for (uint32_t v = 0; v < 65535; ++v) {
-        zelt_bsw_write_ue(&u, v);
-        zelt_bsw_write_se(&s, signed_value(v));
-        ASSERT_EQ(zelt_bsw_size_ue(v), 2 * std::bit_width(v + 1) - 1);
-        ASSERT_EQ(zelt_bsw_size_se(signed_value(v)), zelt_bsw_size_ue(v));
-    }
-    zelt_bsw_sink(&u);
-    zelt_bsw_sink(&s);
-    EXPECT_EQ(ue, se);
-    ZELT_BSR r, rs;
-    zelt_bsr_init(&r, ue.data(), size, nullptr);
-    zelt_bsr_init(&rs, ue.data(), size, nullptr);
-    for (uint32_t v = 0; v < 65535; ++v) {
-        ASSERT_EQ(zelt_bsr_read_ue(&r), v);
-        ASSERT_EQ(zelt_bsr_read_se(&rs), signed_value(v));
-    }
-}
 
 TEST(bsw, the_last_byte_of_the_buffer_stays_free) {
     bytes buffer(8, untouched);
