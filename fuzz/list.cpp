@@ -24,7 +24,8 @@ public:
 
     void call(fuzz::input& in) {
         const uint8_t kind = in.byte(), value = in.byte();
-        const int n = static_cast<int>(model_.size()), idx = static_cast<int8_t>(in.byte()) % (n + 3);
+        const int n = static_cast<int>(model_.size());
+        const int idx = kind >= 0xF0 ? in.wild() : static_cast<int8_t>(in.byte()) % (n + 3);
         ZELT_LIST* l = list_.get();
         switch (kind % 24) {
         case 0: return is(zelt_list_get_first(l), 0);
@@ -60,6 +61,7 @@ public:
         fuzz::require(l->cnt == static_cast<int>(model_.size()) && zelt_list_get_cnt(l) == l->cnt && freed.empty());
         fuzz::require(l->head->prev == l->head && l->tail->next == l->tail);
         is(zelt_list_get_cur(l), cur_);
+        for (ZELT_NODE* end : {l->head, l->tail}) fuzz::require(!zelt_list_get_atid(l, end));
         const ZELT_NODE* node = l->head;
         fuzz::require((l->cur == nullptr) == (cur_ == none));
         for (int i = 0; i < l->cnt; ++i) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
@@ -131,39 +132,34 @@ TEST(rbuf, lines) {
 /// A bare line feed at the end of the storage leaves the read index one past it, where the piece before the wrap has
 /// -1 bytes: what is copied from behind the wrap then starts one before the destination, and that byte is dropped.
 TEST(rbuf, reads_on_from_past_the_end_of_the_storage) {
-    const auto past_end = [](const std::string& rest) {
+    uint8_t byte = 7;
+    const struct {
+        const char* behind;  // the wrap
+        std::function<int(ring&)> call;
+        int result;
+        indices after;
+    } rows[] = {
+        {"", [](ring& r) { return zelt_rbuf_is_full(r.get()); }, 1, {0, 17}},
+        {"xyz123", [](ring& r) { return zelt_rbuf_get_fillc_len(r.get()); }, -1, {6, 17}},
+        {"xyz123", [](ring& r) { return zelt_rbuf_get_fill_len(r.get()); }, 16 + 6 - 1 - 17, {6, 17}},
+        {"xyz123", [](ring& r) { return zelt_rbuf_get_free_len(r.get()); }, 10, {6, 17}},
+        {"xyz123", [](ring& r) { return r.take(2) == "yz"; }, 1, {6, 3}},
+        {"xyz", [](ring& r) { return zelt_rbuf_skip_tail(r.get(), INT_MAX); }, 2, {3, 3}},
+        // nothing before the wrap but the byte too many, and nothing behind it
+        {"", [](ring& r) { return zelt_rbuf_skip_tail(r.get(), 3); }, -1, {0, 0}},
+        {"", [&](ring& r) { return zelt_rbuf_get(r.get(), &byte, 3); }, -1, {0, 0}},
+        {"xy\r\nz", [](ring& r) { return r.line(16) == "y\r\n"; }, 1, {5, 4}},
+        {"\nz", [](ring& r) { return r.line(16) == "\n"; }, 1, {2, 2}},
+    };
+    for (const auto& row : rows) {
         ring r(16, 12, "abc\n");
         EXPECT_EQ(r->head, 0);
-        EXPECT_EQ(r.put(rest), static_cast<int>(rest.size()));
+        r.put(row.behind);
         EXPECT_EQ(r.line(16), "abc\r\n");
         EXPECT_EQ(r->tail, 17);
-        return r;
-    };
-    EXPECT_EQ(zelt_rbuf_is_full(past_end("").get()), 1);
-    ring r = past_end("xyz123");
-    EXPECT_EQ(zelt_rbuf_get_fillc_len(r.get()), -1);
-    EXPECT_EQ(zelt_rbuf_get_fill_len(r.get()), 16 + 6 - 1 - 17);
-    EXPECT_EQ(zelt_rbuf_get_free_len(r.get()), 10);
-    EXPECT_EQ(r.take(2), "yz");
-    EXPECT_EQ(of(r), (indices{6, 3}));
-
-    r = past_end("xyz");
-    EXPECT_EQ(zelt_rbuf_skip_tail(r.get(), INT_MAX), 2);
-    EXPECT_EQ(of(r), (indices{3, 3}));
-
-    r = past_end("");  // nothing before the wrap but the byte too many, and nothing behind it
-    EXPECT_EQ(zelt_rbuf_skip_tail(r.get(), 3), -1);
-    EXPECT_EQ(of(r), (indices{0, 0}));
-    uint8_t byte = 7;
-    EXPECT_EQ(zelt_rbuf_get(past_end("").get(), &byte, 3), -1);
+        EXPECT_EQ(row.call(r), row.result) << &row - rows;
+        EXPECT_EQ(of(r), row.after) << &row - rows;
+    }
     EXPECT_EQ(byte, 7);
-
-    r = past_end("xy\r\nz");
-    EXPECT_EQ(r.line(16), "y\r\n");
-    EXPECT_EQ(of(r), (indices{5, 4}));
-
-    r = past_end("\nz");
-    EXPECT_EQ(r.line(16), "\n");
-    EXPECT_EQ(of(r), (indices{2, 2}));
 }
 }  // namespace
