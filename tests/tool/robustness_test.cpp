@@ -4,7 +4,6 @@
 
 #include <png.h>
 #include <random>
-#include <zlib.h>
 
 namespace {
 
@@ -95,15 +94,4 @@ TEST_F(robustness, absurd_sizes) {
                 SCOPED_TRACE(bytes);
                 EXPECT_EQ(run("-o out.png", bytes, piped), 2);
             }
-    // Sound PNG headers (the checksum is right) of pictures that are not there.
-    for (const auto& [width, height] : {std::pair(1000000u, 1000000u), {30000, 30000}, {1, 1000000}, {20000, 20000}}) {
-        std::string bytes = png(w, h, PNG_COLOR_TYPE_RGB, 8, false, colour);
-        const auto put = [&](std::size_t at, unsigned long value) {
-            for (const int shift : {24, 16, 8, 0}) bytes[at++] = static_cast<char>(value >> shift);
-        };
-        put(16, width), put(20, height);
-        put(29, crc32(0, reinterpret_cast<const Bytef*>(&bytes[12]), 17));
-        SCOPED_TRACE(testing::Message() << width << " x " << height);
-        EXPECT_EQ(run("-o out.png", bytes, false), 2);
-    }
 }

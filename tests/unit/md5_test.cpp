@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
+#include <functional>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <numeric>
@@ -22,19 +23,26 @@ std::string hex(const uint8_t (&digest)[16]) {
     return text;
 }
 
-/// Digest of a text, handed over in pieces.
-std::string md5(const std::string& text, std::size_t piece = SIZE_MAX) {
+/// Digest of what `update` hands over
+std::string digest_of(const std::function<void(ZELT_MD5*)>& update) {
     ZELT_MD5 ctx;
     std::memset(&ctx, 0xa5, sizeof ctx);
     zelt_md5_init(&ctx);
-    for (std::size_t at = 0; at < text.size(); at += std::min(piece, text.size() - at))
-        zelt_md5_update(&ctx, reinterpret_cast<const uint8_t*>(text.data()) + at,
-                        static_cast<uint32_t>(std::min(piece, text.size() - at)));
+    update(&ctx);
     uint8_t digest[16];
     zelt_md5_finish(&ctx, digest);
     const ZELT_MD5 zeros{};
     EXPECT_EQ(std::memcmp(&ctx, &zeros, sizeof ctx), 0);
     return hex(digest);
+}
+
+/// Digest of a text, handed over in pieces
+std::string md5(const std::string& text, std::size_t piece = SIZE_MAX) {
+    return digest_of([&](ZELT_MD5* ctx) {
+        for (std::size_t at = 0; at < text.size(); at += std::min(piece, text.size() - at))
+            zelt_md5_update(ctx, reinterpret_cast<const uint8_t*>(text.data()) + at,
+                            static_cast<uint32_t>(std::min(piece, text.size() - at)));
+    });
 }
 
 TEST(md5, gives_the_digests_of_the_standard) {
@@ -67,7 +75,7 @@ TEST(md5, takes_messages_of_any_length_in_any_pieces) {
 TEST(md5, counts_bits_beyond_32) {
     ZELT_MD5 ctx;
     zelt_md5_init(&ctx);
-    uint8_t zeros[64] = {}, digest[16];
+    const uint8_t zeros[64] = {};
     ctx.bits_lo = 0xfffffe00;
     zelt_md5_update(&ctx, zeros, 63);
     EXPECT_EQ(ctx.bits_hi, 0u);
@@ -78,10 +86,8 @@ TEST(md5, counts_bits_beyond_32) {
     constexpr size_t large = 1 << 29;  // pages of zeros, which take no memory
     void* const pages = mmap(nullptr, large, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     ASSERT_NE(pages, MAP_FAILED);
-    zelt_md5_init(&ctx);
-    zelt_md5_update(&ctx, static_cast<const uint8_t*>(pages), large);
-    zelt_md5_finish(&ctx, digest);
-    EXPECT_EQ(hex(digest), "aa559b4e3523a6c931f08f4df52d58f2");
+    const auto all = [&](ZELT_MD5* whole) { zelt_md5_update(whole, static_cast<const uint8_t*>(pages), large); };
+    EXPECT_EQ(digest_of(all), "aa559b4e3523a6c931f08f4df52d58f2");
     munmap(pages, large);
 }
 
@@ -105,12 +111,8 @@ TEST(md5, takes_samples_low_byte_first) {
             samples.push_back(static_cast<uint16_t>(0x0102 + i * 771));
             text += {static_cast<char>(samples.back() & 255), static_cast<char>(samples.back() >> 8)};
         }
-        ZELT_MD5 ctx;
-        zelt_md5_init(&ctx);
-        zelt_md5_update_16(&ctx, samples.data(), count);
-        uint8_t digest[16];
-        zelt_md5_finish(&ctx, digest);
-        EXPECT_EQ(hex(digest), md5(text)) << count;
+        EXPECT_EQ(digest_of([&](ZELT_MD5* ctx) { zelt_md5_update_16(ctx, samples.data(), count); }), md5(text))
+            << count;
     }
 }
 

@@ -146,36 +146,20 @@ TEST(allocation_failures, give_null_and_leave_nothing_behind) {
 }
 
 TEST(audb, buffers) {
-    constexpr int32_t max = INT_MAX, min = INT_MIN, refused = ZELT_ERR_BUFFER_ALLOC;
+    constexpr int32_t max = INT_MAX, min = INT_MIN, refused = ZELT_ERR_BUFFER_ALLOC, invalid = ZELT_ERR_INVALID_ARG;
+    // Without channels there is nothing to allocate, or an interleaved buffer of 0 bytes. The last ones are sizes that
+    // no buffer can have.
     const struct {
-        int32_t nsamples, nch, bits, fmt, buffers, bytes, err = ZELT_OK;
+        int32_t nsamples, nch, bits, fmt, buffers, bytes, err;
     } rows[] = {
-        {1000, 2, 16, 1, 1, 4000},
-        {1000, 2, 16, 99, 1, 4000},
-        {1000, 8, 12, 0, 8, 2000},
-        {1000, 8, 12, 100, 8, 2000},
-        {1000, 8, 12, -1, 8, 2000},
-        {1000, 1, 1, 0, 1, 1000},
-        {1000, 1, 8, 0, 1, 1000},
-        {1000, 1, 9, 0, 1, 2000},
-        {1000, 1, 24, 0, 1, 3000},
-        {1000, 1, 32, 0, 1, 4000},
-        {1000, 1, 0, 0, 1, 0},
-        {1000, 2, 16, min, 2, 2000},
-        // Without channels there is nothing to allocate, or an interleaved buffer of 0 bytes.
-        {max, 0, max, 0, 0, 0},
-        {max, -1, max, 0, 0, 0},
-        {max, min, max, 0, 0, 0},
-        {max, 0, max, 1, 1, 0},
-        // sizes that no buffer can have
-        {100, 9, 16, 0, 0, 0, ZELT_ERR_INVALID_ARG},
-        {100, max, 16, 100, 0, 0, ZELT_ERR_INVALID_ARG},
-        {-1, 1, 8, 0, 0, 0, refused},
-        {1, -1, 8, 1, 0, 0, refused},
-        {1 << 30, 1, 16, 0, 0, 0, refused},
-        {1 << 30, 2, 8, 1, 0, 0, refused},
-        {max, max, max, 1, 0, 0, refused},
-        {min, min, max, 1, 0, 0, refused},
+        {1000, 2, 16, 1, 1, 4000, 0},      {1000, 2, 16, 99, 1, 4000, 0},     {1000, 8, 12, 0, 8, 2000, 0},
+        {1000, 8, 12, 100, 8, 2000, 0},    {1000, 8, 12, -1, 8, 2000, 0},     {1000, 1, 1, 0, 1, 1000, 0},
+        {1000, 1, 8, 0, 1, 1000, 0},       {1000, 1, 9, 0, 1, 2000, 0},       {1000, 1, 24, 0, 1, 3000, 0},
+        {1000, 1, 32, 0, 1, 4000, 0},      {1000, 1, 0, 0, 1, 0, 0},          {1000, 2, 16, min, 2, 2000, 0},
+        {max, 0, max, 0, 0, 0, 0},         {max, -1, max, 0, 0, 0, 0},        {max, min, max, 0, 0, 0, 0},
+        {max, 0, max, 1, 1, 0, 0},         {100, 9, 16, 0, 0, 0, invalid},    {100, max, 16, 100, 0, 0, invalid},
+        {-1, 1, 8, 0, 0, 0, refused},      {1, -1, 8, 1, 0, 0, refused},      {1 << 30, 1, 16, 0, 0, 0, refused},
+        {1 << 30, 2, 8, 1, 0, 0, refused}, {max, max, max, 1, 0, 0, refused}, {min, min, max, 1, 0, 0, refused},
     };
     for (const auto& row : rows)
         for (int failing = row.buffers; failing >= 0; --failing) {  // 0: none

@@ -24,8 +24,6 @@ public:
     std::uint32_t next_aux = 0x1000;
     std::uint32_t last_size = 0;
 
-    std::size_t live() const { return blocks.size(); }
-
     /// Whether the guards of all blocks are as they were.
     bool intact() const {
         for (const auto& [start, b] : blocks)
