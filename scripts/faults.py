@@ -1094,7 +1094,7 @@ class Test(NamedTuple):
 def limit() -> None:
     """A fault may take memory or write without an end."""
     resource.setrlimit(resource.RLIMIT_AS, (12 << 30, 12 << 30))
-    resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 30, resource.RLIM_INFINITY))
+    resource.setrlimit(resource.RLIMIT_FSIZE, (5 << 30, resource.RLIM_INFINITY))  # a test makes a hole of 4 GiB
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
 
