@@ -24,12 +24,12 @@ int at(const std::string& plane, int w, int h, int x, int y) {
     return sample(plane, std::clamp(y, 0, h - 1) * w + std::clamp(x, 0, w - 1));
 }
 
-/// What a metric's model gives of two blocks
-int cost(const std::string& metric, std::string a, std::string b, int block) {
+/// The sum of the 4x4 tiles' transformed differences
+double satd(std::string a, std::string b, int block) {
     static const std::vector<zelt::test::kernel> rows = zelt::test::metric_kernels();
-    const auto row = std::find_if(rows.begin(), rows.end(), [&](const auto& r) { return r.name == "zelt_" + metric; });
+    static const auto row = std::find_if(rows.begin(), rows.end(), [](const auto& r) { return r.name == "zelt_satd"; });
     const view views[] = {{reinterpret_cast<uint8_t*>(a.data()), block}, {reinterpret_cast<uint8_t*>(b.data()), block}};
-    return static_cast<int>(row->model({block, block}, views));
+    return static_cast<double>(row->model({block, block}, views));
 }
 
 /// A block of a plane, which beyond its edges goes on as it ends, or with zeros
@@ -52,7 +52,7 @@ std::string comparison(const std::string& name, const pictures& a, const picture
         }
         for (int y = 0; y < h; y += 4)
             for (int x = 0; x < w; x += 4)
-                transformed += cost("satd", part(a[n], w, h, x, y, 4, true), part(b[n], w, h, x, y, 4, true), 4);
+                transformed += satd(part(a[n], w, h, x, y, 4, true), part(b[n], w, h, x, y, 4, true), 4);
     }
     const double samples = w * h * static_cast<double>(a.size());
     const auto psnr = [&](int plane) { return 10 * std::log10(255.0 * 255 * samples / squares[plane]); };
@@ -71,7 +71,12 @@ std::string matches(const pictures& clip, int w, int h, int block, int range, co
         for (int y = -range; y <= range; ++y)
             for (int x = -range; x <= range; ++x) {
                 const std::string from = part(clip[n - 1], w, h, bx + x, by + y, block, false);
-                best = std::min(best, {cost(metric, now, from, block), x * x + y * y, y, x});
+                int cost = metric == "satd" ? static_cast<int>(satd(now, from, block)) : 0;
+                for (int i = 0; metric != "satd" && i < block * block; ++i) {
+                    const int d = std::abs(sample(now, i) - sample(from, i));
+                    cost += metric == "sad" ? d : d * d;
+                }
+                best = std::min(best, {cost, x * x + y * y, y, x});
             }
         for (const int v : {static_cast<int>(n), bx, by, best[3], best[2]}) text += std::to_string(v) + ",";
         text += std::to_string(best[0]) + "\n";
