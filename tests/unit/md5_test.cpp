@@ -145,8 +145,8 @@ TEST(md5, of_pictures_keeps_to_the_rules_and_the_block) {
     for (int i = 0; i < 1000; ++i) {
         test_allocator allocator;
         const uint32_t border = any(0, 2) ? 0 : 4 << 16 | 2, pad[] = {border, border, border, border};
-        ZELT_IMGB* img =
-            create(any(1, 20), any(1, 12), std::next(chroma_of.begin(), any(0, 16))->first, 0, nullptr, pad);
+        const int w = any(1, 20), h = any(1, 12), cs = std::next(chroma_of.begin(), any(0, 16))->first;
+        ZELT_IMGB* img = create(w, h, cs, 0, nullptr, pad);
         for (int k = 0; k < img->size; ++k) static_cast<uint8_t*>(img->base[0])[k] = static_cast<uint8_t>(k * 7);
         for (int p = 0; p < 3 && i % 4 == 0; ++p) {  // upside down
             img->plane[p] = static_cast<uint8_t*>(img->plane[p]) + (img->rows[p] / 2) * img->stride[p];
@@ -154,8 +154,8 @@ TEST(md5, of_pictures_keeps_to_the_rules_and_the_block) {
         }
         if (any(0, 2)) img->x = edge(INT_MAX), img->w = edge(INT_MIN);
         if (any(0, 2)) img->y = edge(any(0, 2) ? INT_MIN : INT_MAX), img->h = edge(INT_MAX);
-        EXPECT_EQ(md5(img), md5(digested(img))) << "cs " << img->cs << ", " << img->x << ", " << img->y << " to "
-                                                << img->w << ", " << img->h << " by " << img->stride[0];
+        EXPECT_EQ(md5(img), md5(digested(img))) << "cs " << cs << ", " << img->x << ", " << img->y << " to " << img->w
+                                                << ", " << img->h << " by " << img->stride[0];
         img->release(img);
     }
 }

@@ -89,9 +89,9 @@ template <auto create, auto del> bool make_and_delete(int32_t* err) {
 }
 
 bool set_data(int32_t* err) {
-    uint8_t kept = 1;
-    ZELT_VDATA v{5, 6, &kept};
-    *err = zelt_vdata_set(&v, &kept, 3, 7);
+    uint8_t kept[3] = {1, 2, 3};
+    ZELT_VDATA v{5, 6, kept};
+    *err = zelt_vdata_set(&v, kept, 3, 7);
     const bool made = v.data, set = v.type == 7 && v.size == 3, as_it_was = v.type == 5 && v.size == 6;
     zelt_vdata_free(&v);
     return made ? set : !as_it_was;
