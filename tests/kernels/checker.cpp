@@ -35,15 +35,12 @@ private:
     u32 state_;
 };
 
-class digest {  // FNV-1a, 64 bits
-public:
-    void add(const u8* p, std::size_t n) {
-        for (std::size_t i = 0; i < n; ++i) value_ = (value_ ^ p[i]) * 0x100000001B3;
-    }
-    u64 value() const { return value_; }
+struct digest {  // FNV-1a, 64 bits
+    u64 value = 0xCBF29CE484222325;
 
-private:
-    u64 value_ = 0xCBF29CE484222325;
+    void add(const void* p, std::size_t n) {
+        for (std::size_t i = 0; i < n; ++i) value = (value ^ static_cast<const u8*>(p)[i]) * 0x100000001B3;
+    }
 };
 
 enum class fill { low, high, opposed, extremes, small, random, single };
@@ -127,11 +124,11 @@ public:
         for (const kernel& k : kernels_) {
             generator random(seed_in_use());
             const u8 flags[] = {k.block, k.in_order};
-            results.add(reinterpret_cast<const u8*>(k.name.data()), k.name.size());
+            results.add(k.name.data(), k.name.size());
             results.add(flags, sizeof flags);
             check(k, random, results);
         }
-        if (seed_in_use() == default_seed && !HasFailure()) compare_digest(results.value());
+        if (seed_in_use() == default_seed && !HasFailure()) compare_digest(results.value);
     }
 
 private:
@@ -182,7 +179,7 @@ private:
         if (!survives([&] { result = k.call(k.exported, s, views.data()); })) return "memory fault";
         const u64 expected = k.model(s, model_views.data());
         if (result != expected) return "result " + std::to_string(result) + ", not " + std::to_string(expected);
-        results.add(reinterpret_cast<const u8*>(&result), sizeof result);
+        results.add(&result, sizeof result);
         for (std::size_t i = 0; i < memory_.size(); ++i) {
             const placed& m = memory_[i];
             if (const std::string problem = difference(m); !problem.empty())
