@@ -1,4 +1,4 @@
-# Flags of the library, shared by all of its variants. Variables of this folder: a parent project keeps its own.
+# Flags of the library, whatever the level. Variables of this folder: a parent project keeps its own.
 set(CMAKE_C_STANDARD 99)
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -11,6 +11,32 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$" AND CMAKE_SIZEOF_VOID
   set(ZELT_X86_64 ON)
 endif()
 
+# The levels that the library holds, the lowest first. On x86-64 each processor gets the best one that it can run;
+# Android's have all that v2 asks for. A level's options are the features that src/simd/export.h asks for.
+if(ZELT_X86_64 AND NOT ZELT_SCALAR)
+  set(levels baseline v2 v3)
+  set(default ${levels})
+  if(ANDROID)
+    set(default v2)
+  endif()
+  set(ZELT_LEVELS "${default}" CACHE STRING "Levels of x86-64 that the library holds: ${levels}")
+  foreach(level IN LISTS ZELT_LEVELS)
+    if(NOT level IN_LIST levels)
+      message(FATAL_ERROR "ZELT_LEVELS has ${level}, which is none of ${levels}")
+    endif()
+  endforeach()
+  list(SORT ZELT_LEVELS)
+  foreach(level v2 v3)
+    string(TOUPPER ${level} upper)
+    file(STRINGS src/simd/export.h needs REGEX "^#define ZELT_NEEDS_${upper}")
+    string(REGEX MATCHALL "\"[^\"]+\"" ZELT_FLAGS_${level} "${needs}")
+    list(TRANSFORM ZELT_FLAGS_${level} REPLACE "\"(.+)\"" "-m\\1")
+  endforeach()
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS src/simd/export.h)
+else()
+  set(ZELT_LEVELS native)
+endif()
+
 set(ZELT_WARNINGS -Wall -Wextra)
 if(ZELT_WERROR)
   list(APPEND ZELT_WARNINGS -Werror)
@@ -20,7 +46,8 @@ endif()
 set(CMAKE_CXX_IMPLICIT_LINK_LIBRARIES "")
 set(ZELT_LIBRARY_FLAGS -fno-exceptions -fno-rtti -fno-threadsafe-statics -Wmissing-declarations
   # clang would take a function's own address where a program that is not position independent has another for it.
-  $<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>)
+  $<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>
+  $<$<BOOL:${ZELT_SCALAR}>:-DZELT_SCALAR>)
 set(ZELT_LINK_FLAGS -Wl,--as-needed -Wl,-z,text -Wl,-z,max-page-size=16384)
 if(ZELT_SANITIZE)
   # -O1 compiles in half the time of -O3.

@@ -5,12 +5,6 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zelt)
 if(shared)
   install(TARGETS zelt EXPORT zelt-targets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev)
-  foreach(level v2 v3)
-    if(TARGET zelt_${level})  # never linked by name: the loader takes the best one in place of the other
-      install(TARGETS zelt_${level}
-        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/glibc-hwcaps/x86-64-${level} COMPONENT runtime NAMELINK_SKIP)
-    endif()
-  endforeach()
 endif()
 if(archive)
   install(TARGETS zelt_static EXPORT zelt-targets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)

@@ -12,7 +12,7 @@ cd "$(dirname "$0")/.."
 need "${bench_packages[@]}"
 build=build/bench level=()
 if [[ ${1-} == --level ]]; then
-    build+=-$2 level=(-DZELT_FASTEST="zelt_$2")
+    build+=-$2 level=(-DZELT_BENCH_LEVEL="$2")
     shift 2
 fi
 filter=${1-}

@@ -223,7 +223,7 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("(len >> 29) + (ctx->bits_lo + (len << 3) < ctx->bits_lo);", "(len >> 29);", "a carry of the length is lost"),
         ("if (pending + n < block_size) return;",
          "if (pending + n <= block_size) return;", "a block that is just full is lost"),
-        ("if (count > 0) zelt_md5_update(", "if (count > 1) zelt_md5_update(", "a single sample is not digested"),
+        ("if (count > 0) update(", "if (count > 1) update(", "a single sample is not digested"),
         ("pending < block_size - 8 ?", "pending <= block_size - 8 ?", "the padding of 56 pending bytes"),
         ("store_unaligned(tail + size - 4, ctx->bits_hi);",
          "store_unaligned(tail + size - 4, u32{0});", "the high word of the length is not digested"),
@@ -609,7 +609,7 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("(z.row < z.dst_h || z.pending)", "z.row < z.dst_h", "the last row does not wait for its band"),
         ("std::min<s64>(rows, s64{z.src_h} - y0)}", "rows}", "the last band has all of its rows"),
         ("if (z.enlarging && !within(", "if (!within(", "rows are carried over where nothing is enlarged"),
-        ("if (z.format != id || z.src_w", "if (z.src_w", "a handle of another format is taken"),
+        ("of(irsz).format == id ? resize", "true ? resize", "a handle of another format is taken"),
         ("if (count_ == size) flush();", "if (count_ > size) flush();", "a batch of rows has one too many"),
         ("~row_batch() { flush(); }", "~row_batch() {}", "the last rows of a band are not made"),
         ("if (!f) return -4;", "if (!f) return -3;", "an unknown format is out of memory"),
@@ -617,7 +617,7 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
          "s64{p.src_pitch} * f->src_bytes;", "quirk: pitches of RGB565 pictures are in pixels"),
         ("std::max(p.band_rows, 1);", "p.band_rows;", "bands of no rows"),
         ("    std::free(irsz->row_buffer);", "    ;", "the row buffer leaks"),
-        ("    zelt_irsz_delete(irsz);", "    ;", "the handle leaks where its row buffer cannot be had"),
+        ("    destroy(irsz);", "    ;", "the handle leaks where its row buffer cannot be had"),
         ("std::calloc(1, static_cast<std::size_t>(row_size))",
          "std::malloc(static_cast<std::size_t>(row_size))", "the row buffer does not start as zeros"),
         ("* static_cast<u64>(f->src_bytes);", "* 1;", "the row buffer has a byte a pixel"),
@@ -625,6 +625,8 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
     "src/resize/resize.cpp": [
         ("if (x_step < 0) return;", ";", "row kernels write with a negative step"),
         ("weights[2] >> 3 & 7,", "weights[2] >> 3 & 3,", "row kernels know four vertical phases"),
+    ],
+    "src/resize/tables.cpp": [
         ("fx * (8 - fy), (8 - fx) * fy,", "(8 - fx) * fy, fx * (8 - fy),", "two weights of the tables change places"),
         ("return *y_packed = axis(src_h, dst_h).packed();",
          "return *y_packed = axis(src_h, dst_w).packed();", "the step down is computed from the width"),
@@ -1123,13 +1125,13 @@ class Build:
         cmake("--build", str(self.folder), "-j", self.jobs, "--target", *targets)
 
     def find_tests(self, env: dict[str, str]) -> list[Test]:
-        """All but those of the installation and of the checks themselves, the slow ones last."""
+        """All but those of the installation, of the levels and of the checks themselves, the slow ones last."""
         shown = subprocess.run(["ctest", "--show-only=json-v1"], cwd=self.folder, check=True, capture_output=True)
         tests = []
         for entry in json.loads(shown.stdout)["tests"]:
             of = {p["name"]: p["value"] for p in entry.get("properties", [])}
             own = dict(e.split("=", 1) for e in of.get("ENVIRONMENT", []))
-            if not re.match(r"consumer|abi\.complains", entry["name"]):
+            if not re.match(r"consumer|levels|abi\.complains", entry["name"]):
                 tests.append(Test(entry["name"], [word for word in entry["command"] if word], own | env,
                                   of["WORKING_DIRECTORY"], "|".join(of.get("PASS_REGULAR_EXPRESSION", []))))
         return sorted(tests, key=lambda t: {"kernels": 1, "tool": 2}.get(t.kind(), 0))
@@ -1140,8 +1142,8 @@ class Build:
                  for v in self.variants}
         files |= {"tool": ["tools/zelt/zelt"], "module": ["tools/zelt/zelt_containers.so"]}
         paths = {name: [self.folder / path for path in of] for name, of in files.items()}
-        return {name: hashlib.sha256(b"".join(path.read_bytes() for path in of)).hexdigest()
-                for name, of in paths.items() if all(path.exists() for path in of)}
+        return {name: hashlib.sha256(b"".join(path.read_bytes() for path in of if path.exists())).hexdigest()
+                for name, of in paths.items() if of[0].exists()}
 
     def baseline(self, digest: str) -> dict[str, float]:
         """How long each test takes; without a fault all must pass."""
@@ -1162,8 +1164,10 @@ class Build:
         of_tool, header = file.startswith("tools/"), file.removeprefix("src/")
         if file.startswith("src/simd/"):  # vocabulary.h includes the other headers
             header = "simd/vocabulary.h"
-        held = {f"{v}_{kind}" for kind in ("unit", "kernels") for v in self.variants
-                if any(f'#include "{header}"' in path.read_text() for path in (TREE / "tests" / kind).glob("*.cpp"))}
+        kinds = [kind for kind in ("unit", "kernels") if any(f'#include "{header}"' in path.read_text()
+                                                             for path in (TREE / "tests" / kind).glob("*.cpp"))]
+        held = {program for kind in kinds for v in self.variants
+                if (self.folder / "tests" / (program := f"{v}_{kind}")).exists()}
         self.stale |= held
         self.make(*(["zelt_tool"] if of_tool else self.variants), *sorted(self.stale))
         self.stale = held
@@ -1177,8 +1181,6 @@ class Build:
             return False
         if file.startswith("tools/"):
             return test.kind() == "tool" and variant in (None, self.variants[0])
-        if test.kind() == "fuzz":  # replays run with the fastest
-            return self.variants[-1] in changed
         return (variant or self.variants[0]) in changed
 
     def run_tests(self, file: str, changed: set[str]) -> str:

@@ -3,8 +3,9 @@
 build_packages=(g++ cmake ninja-build pkg-config libpng-dev libcli11-dev)
 # shellcheck disable=SC2034 # used by the scripts that source this
 {
-test_packages=("${build_packages[@]}" googletest libgtest-dev binutils python3 libavformat-dev libavcodec-dev)
-arm_packages=(qemu-user g++-arm-linux-gnueabi g++-arm-linux-gnueabihf g++-aarch64-linux-gnu)
+test_packages=("${build_packages[@]}" googletest libgtest-dev binutils python3 libavformat-dev libavcodec-dev
+    musl-tools qemu-user)
+arm_packages=(g++-arm-linux-gnueabi g++-arm-linux-gnueabihf g++-aarch64-linux-gnu)
 i686_packages=(g++-i686-linux-gnu)
 check_packages=(clang clang-format doxygen libc++-14-dev libc++abi-14-dev shellcheck)
 # the benchmark, and the libraries that it compares with

@@ -5,7 +5,8 @@
  *    - none: unsigned 8-bit samples; strides in bytes
  *    - _16: signed 16-bit samples; strides in samples
  *    - _bi: signed 16-bit samples in src1 with a stride in samples, unsigned 8-bit samples in src2 with one in bytes
- *    - _bi_16: both blocks as in _16; for some sizes another name of the same function
+ *    - _bi_16: both blocks as in _16; for some sizes another name of the same function, though the addresses of the two
+ *      may differ on x86-64: in programs that are not position independent, and where the C library is not glibc
  *
  *  Every function reads exactly its block, at any alignment of 8-bit and any 2-byte alignment of 16-bit samples; the
  *  strides may be any number, zero and negative ones included. Nothing is kept between calls: any thread. */

@@ -2,6 +2,7 @@
 
 #include "core/types.h"
 #include "core/unaligned.h"
+#include "simd/export.h"
 #include "zelt/imgb.h"
 
 #include <algorithm>
@@ -84,7 +85,7 @@ private:
 };
 }  // namespace
 
-void zelt_imgb_expand(ZELT_IMGB* img, const uint32_t* pad) {
+ZELT_EXPORT(void, zelt_imgb_expand)(ZELT_IMGB* img, const uint32_t* pad) {
     s32 w[4] = {img->aw}, h[4] = {img->ah}, nplanes;
     u32 bps[4];
     if (!pad || img->cs > 99 || zelt_imgb_get_dimension(img->cs, w, h, &nplanes, bps) != ZELT_OK) return;
@@ -108,15 +109,16 @@ void zelt_imgb_expand(ZELT_IMGB* img, const uint32_t* pad) {
     }
 }
 
-void zelt_imgb_expand_ver(const uint8_t* src, uint8_t* dst, int32_t rows, int32_t stride, int32_t count) {
+ZELT_EXPORT(void, zelt_imgb_expand_ver)(const uint8_t* src, uint8_t* dst, int32_t rows, int32_t stride, int32_t count) {
     extend_side(src, dst, rows, stride, count);
 }
 
-void zelt_imgb_expand_ver_16(const uint16_t* src, uint16_t* dst, int32_t rows, int32_t stride, int32_t count) {
+ZELT_EXPORT(void, zelt_imgb_expand_ver_16)
+(const uint16_t* src, uint16_t* dst, int32_t rows, int32_t stride, int32_t count) {
     extend_side_16(reinterpret_cast<const u8*>(src), reinterpret_cast<u8*>(dst), rows, round_to_even(stride), count);
 }
 
-void zelt_imgb_expand_hor(const uint8_t* src, uint8_t* dst, int32_t width, int32_t count) {
+ZELT_EXPORT(void, zelt_imgb_expand_hor)(const uint8_t* src, uint8_t* dst, int32_t width, int32_t count) {
     if (width % 4) stop();
     // Kept: rows whose width is an odd multiple of 4 are written in groups of eight.
     const s64 rows = width % 8 ? (s64{count} + 7) / 8 * 8 : count;

@@ -6,6 +6,7 @@
 #include "core/types.h"
 #include "core/unaligned.h"
 #include "simd/barrier.h"
+#include "simd/export.h"
 
 #include <algorithm>
 #include <bit>
@@ -69,15 +70,8 @@ void transform(u32 (&state)[4], const u8* data, std::size_t blocks) {
     state[2] = c;
     state[3] = d;
 }
-}  // namespace
 
-void zelt_md5_init(ZELT_MD5* ctx) {
-    constexpr u32 start[] = {0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476};
-    std::memcpy(ctx->state, start, sizeof start);
-    ctx->bits_lo = ctx->bits_hi = 0;
-}
-
-void zelt_md5_update(ZELT_MD5* ctx, const uint8_t* data, uint32_t len) {
+void update(ZELT_MD5* ctx, const u8* data, u32 len) {
     const std::size_t pending = ctx->bits_lo / 8 % block_size;
     ctx->bits_hi += (len >> 29) + (ctx->bits_lo + (len << 3) < ctx->bits_lo);
     ctx->bits_lo += len << 3;
@@ -92,16 +86,25 @@ void zelt_md5_update(ZELT_MD5* ctx, const uint8_t* data, uint32_t len) {
     transform(ctx->state, data, len / block_size);
     if (const std::size_t rest = len % block_size) std::memcpy(ctx->buffer, data + (len - rest), rest);
 }
+}  // namespace
 
-void zelt_md5_update_16(ZELT_MD5* ctx, const uint16_t* samples, int32_t count) {
-    if (count > 0) zelt_md5_update(ctx, reinterpret_cast<const u8*>(samples), 2 * static_cast<u32>(count));
+ZELT_EXPORT(void, zelt_md5_init)(ZELT_MD5* ctx) {
+    constexpr u32 start[] = {0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476};
+    std::memcpy(ctx->state, start, sizeof start);
+    ctx->bits_lo = ctx->bits_hi = 0;
 }
 
-void zelt_md5_trans(ZELT_MD5* ctx, const uint32_t* block) {
+ZELT_EXPORT(void, zelt_md5_update)(ZELT_MD5* ctx, const uint8_t* data, uint32_t len) { update(ctx, data, len); }
+
+ZELT_EXPORT(void, zelt_md5_update_16)(ZELT_MD5* ctx, const uint16_t* samples, int32_t count) {
+    if (count > 0) update(ctx, reinterpret_cast<const u8*>(samples), 2 * static_cast<u32>(count));
+}
+
+ZELT_EXPORT(void, zelt_md5_trans)(ZELT_MD5* ctx, const uint32_t* block) {
     transform(ctx->state, reinterpret_cast<const u8*>(block), 1);
 }
 
-void zelt_md5_finish(ZELT_MD5* ctx, uint8_t digest[16]) {
+ZELT_EXPORT(void, zelt_md5_finish)(ZELT_MD5* ctx, uint8_t digest[16]) {
     const std::size_t pending = ctx->bits_lo / 8 % block_size;
     // Appends 0x80, zeros and the 64-bit length, filling one block or two. Copies of constant size: this dominates
     // short messages.

@@ -4,6 +4,7 @@
 #include "core/fill.h"
 #include "core/types.h"
 #include "simd/barrier.h"
+#include "simd/export.h"
 
 #include <algorithm>
 #include <array>
@@ -88,49 +89,51 @@ area bytes_of(s16* dst, const s16* src, int s_dst, int s_src, int w, int h) {
 }
 }  // namespace
 
-void zelt_mset_x128(void* dst, uint32_t val, int size) {
+ZELT_EXPORT(void, zelt_mset_x128)(void* dst, uint32_t val, int size) {
     // Kept: rounds up, and writes one step at least.
     fast::fill(bytes_at(dst), val, whole_steps(from_zero(std::max(size, 1)) + 127, 128));
 }
 
-void zelt_mset_x64(void* dst, int val, int size) {
+ZELT_EXPORT(void, zelt_mset_x64)(void* dst, int val, int size) {
     // Kept: steps of 128, despite the name.
     fast::fill_bytes(bytes_at(dst), static_cast<u8>(val), whole_steps(from_zero(size), 128));
 }
 
-void zelt_mset_x64a(void* dst, int val, int size) {
+ZELT_EXPORT(void, zelt_mset_x64a)(void* dst, int val, int size) {
     fast::fill_bytes(bytes_at(dst), static_cast<u8>(val), from_zero(size));
 }
 
-void zelt_mset_x32(void* dst, uint32_t val, int size) {
+ZELT_EXPORT(void, zelt_mset_x32)(void* dst, uint32_t val, int size) {
     fast::fill(bytes_at(dst), val, whole_steps(from_zero(size), 32));
 }
 
-void zelt_mset_x32ax4(void* dst, uint32_t val, int size) {
+ZELT_EXPORT(void, zelt_mset_x32ax4)(void* dst, uint32_t val, int size) {
     // Kept: one step at least, and a tail of the low byte alone.
     const std::size_t all = from_zero(std::max(size, 32)), steps = whole_steps(all, 32);
     fast::fill(bytes_at(dst), val, steps);
     fast::fill_bytes(bytes_at(dst) + steps, static_cast<u8>(val), all - steps);
 }
 
-void zelt_mclr_x64(void* dst, int n) { fast::fill_bytes(bytes_at(dst), 0, 4 * whole_steps(from_zero(n), 64)); }
+ZELT_EXPORT(void, zelt_mclr_x64)(void* dst, int n) {
+    fast::fill_bytes(bytes_at(dst), 0, 4 * whole_steps(from_zero(n), 64));
+}
 
-void zelt_mset16(int16_t* dst, int val, int n) {
+ZELT_EXPORT(void, zelt_mset16)(int16_t* dst, int val, int n) {
     fast::fill(bytes_at(dst), static_cast<u16>(val) * 0x10001u, 2 * from_zero(n));
 }
 
-void zelt_mcpy_pic(uint8_t* dst, const uint8_t* src, int s_dst, int s_src, int w, int h) {
+ZELT_EXPORT(void, zelt_mcpy_pic)(uint8_t* dst, const uint8_t* src, int s_dst, int s_src, int w, int h) {
     copy_area(bytes_of(dst, src, s_dst, s_src, w, h), 1);
 }
 
-void zelt_mcpy_pic_16(int16_t* dst, const int16_t* src, int s_dst, int s_src, int w, int h) {
+ZELT_EXPORT(void, zelt_mcpy_pic_16)(int16_t* dst, const int16_t* src, int s_dst, int s_src, int w, int h) {
     copy_area(bytes_of(dst, src, s_dst, s_src, w, h), 2);
 }
 
-void zelt_mcpy_blk(uint8_t* dst, const uint8_t* src, int s_dst, int s_src, int w, int h) {
+ZELT_EXPORT(void, zelt_mcpy_blk)(uint8_t* dst, const uint8_t* src, int s_dst, int s_src, int w, int h) {
     block_copy_for<1>(w)(dst, src, s_dst, s_src, w, h);
 }
 
-void zelt_mcpy_blk_16(int16_t* dst, const int16_t* src, int s_dst, int s_src, int w, int h) {
+ZELT_EXPORT(void, zelt_mcpy_blk_16)(int16_t* dst, const int16_t* src, int s_dst, int s_src, int w, int h) {
     block_copy_for<2>(w)(bytes_at(dst), bytes_at(src), s_dst, s_src, w, h);
 }

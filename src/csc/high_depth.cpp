@@ -1,6 +1,7 @@
 // Converters of 10-bit samples, and the plane copy.
 #include "csc/convert.h"
 #include "csc/pixel10.h"
+#include "simd/export.h"
 #include "zelt/csc.h"
 
 #include <cstring>
@@ -54,18 +55,21 @@ struct unchanged {
 };
 }  // namespace
 
-void zelt_csc_p410_to_r10g10b10(void* const* src_a, int32_t src_w, int32_t src_h, const int32_t* src_s, int32_t,
-                                void* const* dst_a, int32_t, int32_t, const int32_t* dst_s, int32_t) {
+ZELT_EXPORT(void, zelt_csc_p410_to_r10g10b10)
+(void* const* src_a, int32_t src_w, int32_t src_h, const int32_t* src_s, int32_t, void* const* dst_a, int32_t, int32_t,
+ const int32_t* dst_s, int32_t) {
     convert<planar_words, to_rgb10, planar_words>(src_a, src_w, src_h, src_s, dst_a, dst_s);
 }
 
-void zelt_csc_r10g10b10_to_p410(void* const* src_a, int32_t src_w, int32_t src_h, const int32_t* src_s, int32_t,
-                                void* const* dst_a, int32_t, int32_t, const int32_t* dst_s, int32_t) {
+ZELT_EXPORT(void, zelt_csc_r10g10b10_to_p410)
+(void* const* src_a, int32_t src_w, int32_t src_h, const int32_t* src_s, int32_t, void* const* dst_a, int32_t, int32_t,
+ const int32_t* dst_s, int32_t) {
     convert<planar_words, to_yuv10, planar_words>(src_a, src_w, src_h, src_s, dst_a, dst_s);
 }
 
-void zelt_csc_p010_to_yuv420(void* const* src_a, int32_t src_w, int32_t src_h, const int32_t* src_s, int32_t,
-                             void* const* dst_a, int32_t, int32_t, const int32_t* dst_s, int32_t) {
+ZELT_EXPORT(void, zelt_csc_p010_to_yuv420)
+(void* const* src_a, int32_t src_w, int32_t src_h, const int32_t* src_s, int32_t, void* const* dst_a, int32_t, int32_t,
+ const int32_t* dst_s, int32_t) {
     if (src_w < 1 || src_h < 1) return;
     const int half_w = src_w / 2 + src_w % 2, half_h = src_h / 2 + src_h % 2;
     for (int i = 0; i < 3; ++i)
@@ -73,8 +77,9 @@ void zelt_csc_p010_to_yuv420(void* const* src_a, int32_t src_w, int32_t src_h, c
                                                        dst_a + i, dst_s + i);
 }
 
-void zelt_csc_yuv444x_to_yuv444x(void* const* src_a, int32_t src_w, int32_t src_h, const int32_t* src_s, int32_t,
-                                 void* const* dst_a, int32_t, int32_t, const int32_t* dst_s, int32_t dst_cs) {
+ZELT_EXPORT(void, zelt_csc_yuv444x_to_yuv444x)
+(void* const* src_a, int32_t src_w, int32_t src_h, const int32_t* src_s, int32_t, void* const* dst_a, int32_t, int32_t,
+ const int32_t* dst_s, int32_t dst_cs) {
     if (src_w < 1) return;
     const int count = dst_cs == ZELT_CS_YUV444A8 ? 4 : 3;
     for (int i = 0; i < count; ++i) {

@@ -1,5 +1,6 @@
 // Key frames: the picture and unit headers of each codec.
 #include "media/start_code.h"
+#include "simd/export.h"
 #include "zelt/fcc2mt.h"
 
 using namespace zelt;
@@ -64,7 +65,7 @@ bool h263(const u8* data, s32 size) {
 
 }  // namespace
 
-int32_t zelt_is_vkeyfrm(int32_t mt, const uint8_t* data, int32_t size) {
+ZELT_EXPORT(int32_t, zelt_is_vkeyfrm)(int32_t mt, const uint8_t* data, int32_t size) {
     if (mt == ZELT_MT_VID_HFYU) return 1;
     if (!data) return 0;
     switch (mt) {

@@ -1,13 +1,15 @@
 // The exports: Hadamard-transformed differences.
 #include "metric/satd.h"
 
+#include "simd/export.h"
 #include "zelt/sad.h"
 using namespace zelt;
 
-#define KERNEL(N, suffix, A, B)                                                                             \
-    [[gnu::flatten]] int zelt_satd##N##suffix(const void* src1, const void* src2, int s_src1, int s_src2) { \
-        return static_cast<int>(                                                                            \
-            fast::satd##N(static_cast<const A*>(src1), static_cast<const B*>(src2), s_src1, s_src2));       \
+#define KERNEL(N, suffix, A, B)                                                                       \
+    ZELT_EXPORT([[gnu::flatten]] int, zelt_satd##N##suffix)                                           \
+    (const void* src1, const void* src2, int s_src1, int s_src2) {                                    \
+        return static_cast<int>(                                                                      \
+            fast::satd##N(static_cast<const A*>(src1), static_cast<const B*>(src2), s_src1, s_src2)); \
     }
 extern "C" {
 KERNEL(4x4, , u8, u8)
@@ -20,12 +22,14 @@ KERNEL(8x8, _bi, s16, u8)
 KERNEL(8x8, _bi_16, s16, s16)
 }
 
-int zelt_hadamard4x4(const int16_t* res) { return static_cast<int>(fast::hadamard4x4(res)); }
+ZELT_EXPORT(int, zelt_hadamard4x4)(const int16_t* res) { return static_cast<int>(fast::hadamard4x4(res)); }
 
-[[gnu::flatten]] int zelt_satd(int w, int h, const uint8_t* src1, const uint8_t* src2, int s_src1, int s_src2) {
+ZELT_EXPORT([[gnu::flatten]] int, zelt_satd)
+(int w, int h, const uint8_t* src1, const uint8_t* src2, int s_src1, int s_src2) {
     return static_cast<int>(fast::satd_tiles(w, h, src1, src2, s_src1, s_src2));
 }
 
-[[gnu::flatten]] int zelt_satd_16(int w, int h, const int16_t* src1, const int16_t* src2, int s_src1, int s_src2) {
+ZELT_EXPORT([[gnu::flatten]] int, zelt_satd_16)
+(int w, int h, const int16_t* src1, const int16_t* src2, int s_src1, int s_src2) {
     return static_cast<int>(fast::satd_tiles(w, h, src1, src2, s_src1, s_src2));
 }

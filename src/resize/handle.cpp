@@ -1,5 +1,6 @@
 // The resizer's handle: whole pictures, and bands of rows as they arrive.
 #include "resize/resize.h"
+#include "simd/export.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -8,13 +9,15 @@
 using namespace zelt;
 using namespace zelt::rsz;
 
-struct ZELT_IRSZ {
+namespace {
+/// A ZELT_IRSZ: of this level alone, whose functions create it and use it
+struct handle {
     s32 format, mode;
     s32 src_w, src_h, dst_w, dst_h;
     s64 src_stride, dst_stride;  // bytes
     axis x, y;
     u8* dst;
-    s32 (*resize)(ZELT_IRSZ*, const u8*, s32, s32);
+    s32 (*resize)(handle&, const u8*, s32, s32);
 
     // Band mode. Source rows are counted from the start of the band.
     s32 band_rows;
@@ -26,8 +29,8 @@ struct ZELT_IRSZ {
     std::size_t row_size;
     u8* row_buffer;
 };
+handle& of(ZELT_IRSZ* irsz) { return *reinterpret_cast<handle*>(irsz); }
 
-namespace {
 /// Destination rows of a band on their way to the row kernels, which want many at a time
 template <class Format> class row_batch {
 public:
@@ -63,11 +66,11 @@ struct band {
 };
 
 /// Bits of a position in whole source rows that count within a band
-s64 within(const ZELT_IRSZ& z, s64 position, s64 mask) { return position >> (18 - z.y.shift) & mask; }
+s64 within(const handle& z, s64 position, s64 mask) { return position >> (18 - z.y.shift) & mask; }
 
 /// Finds the source rows of the next destination row. Returns false if the lower one is in a band to come: the row is
 /// then pending, and its upper source row goes into the row buffer.
-bool next_rows(ZELT_IRSZ& z, const band& b, s64 mask, const u8*& top, const u8*& bottom) {
+bool next_rows(handle& z, const band& b, s64 mask, const u8*& top, const u8*& bottom) {
     if (z.pending) {
         z.position -= z.y.step;
         --z.row;
@@ -89,7 +92,7 @@ bool next_rows(ZELT_IRSZ& z, const band& b, s64 mask, const u8*& top, const u8*&
 }
 
 /// Writes the rows that the band completes.
-template <class Format> void resize_band(ZELT_IRSZ& z, const band& b, s64 end, s64 mask) {
+template <class Format> void resize_band(handle& z, const band& b, s64 end, s64 mask) {
     row_batch<Format> batch(z.x, z.dst_w);
     const u8 *top, *bottom;
     while (end > z.y.sample(z.position) && (z.row < z.dst_h || z.pending)) {
@@ -106,9 +109,8 @@ template <class Format> void resize_band(ZELT_IRSZ& z, const band& b, s64 end, s
     }
 }
 
-template <class Format> s32 resize(ZELT_IRSZ* irsz, s32 id, const u8* src, s32 y0, s32 rows) {
-    ZELT_IRSZ& z = *irsz;
-    if (z.format != id || z.src_w < 1 || z.src_h < 1 || z.dst_w < 1 || z.dst_h < 1) return 0;
+template <class Format> s32 resize(handle& z, const u8* src, s32 y0, s32 rows) {
+    if (z.src_w < 1 || z.src_h < 1 || z.dst_w < 1 || z.dst_h < 1) return 0;
     if (z.mode == ZELT_IRSZ_WHOLE) {
         resize_picture<Format>(src, z.src_stride, z.dst_w, z.dst_h, z.dst_stride, z.dst, z.x, z.y);
         return 0;
@@ -122,23 +124,23 @@ template <class Format> s32 resize(ZELT_IRSZ* irsz, s32 id, const u8* src, s32 y
 }
 }  // namespace
 
-#define KERNEL(name, id, pixels)                                                             \
-    int32_t zelt_irsz##name(ZELT_IRSZ* irsz, const uint8_t* src, int32_t y0, int32_t rows) { \
-        return resize<pixels>(irsz, id, src, y0, rows);                                      \
+#define KERNEL(name, id, pixels)                                                                            \
+    ZELT_EXPORT(int32_t, zelt_irsz##name)(ZELT_IRSZ * irsz, const uint8_t* src, int32_t y0, int32_t rows) { \
+        return of(irsz).format == id ? resize<pixels>(of(irsz), src, y0, rows) : 0;                         \
     }
 ZELT_RESIZERS(KERNEL)
 
-int32_t zelt_irsz(ZELT_IRSZ* irsz, const uint8_t* src, int32_t y0, int32_t rows) {
-    return irsz->resize(irsz, src, y0, rows);
+ZELT_EXPORT(int32_t, zelt_irsz)(ZELT_IRSZ* irsz, const uint8_t* src, int32_t y0, int32_t rows) {
+    return of(irsz).resize(of(irsz), src, y0, rows);
 }
 
 namespace {
 struct format {
     s32 id;
     int src_bytes, dst_bytes;
-    decltype(ZELT_IRSZ::resize) resize;
+    decltype(handle::resize) resize;
 };
-#define FORMAT(name, id, pixels) {id, pixels::src_bytes, pixels::dst_bytes, zelt_irsz##name},
+#define FORMAT(name, id, pixels) {id, pixels::src_bytes, pixels::dst_bytes, resize<pixels>},
 constexpr format formats[] = {ZELT_RESIZERS(FORMAT)};
 
 const format* find(s32 id) {
@@ -147,11 +149,11 @@ const format* find(s32 id) {
     return nullptr;
 }
 
-s32 create(const ZELT_IRSZ_PARAM& p, ZELT_IRSZ*& irsz) {
+s32 create(const ZELT_IRSZ_PARAM& p, handle*& irsz) {
     if (p.mode != ZELT_IRSZ_WHOLE && p.mode != ZELT_IRSZ_BANDS) return -2;
     const format* f = find(p.format);
     if (!f) return -4;
-    irsz = static_cast<ZELT_IRSZ*>(std::calloc(1, sizeof *irsz));
+    irsz = static_cast<handle*>(std::calloc(1, sizeof *irsz));
     if (!irsz) return -3;
     const bool in_bytes = p.format == ZELT_IRSZ_5B6B5B;  // Kept: pitches of RGB565 pictures are in bytes
     irsz->format = p.format;
@@ -174,19 +176,21 @@ s32 create(const ZELT_IRSZ_PARAM& p, ZELT_IRSZ*& irsz) {
     irsz->row_size = static_cast<std::size_t>(row_size);
     return irsz->row_buffer ? 0 : -3;
 }
-}  // namespace
 
-ZELT_IRSZ* zelt_irsz_create(const ZELT_IRSZ_PARAM* param, int32_t* err) {
-    ZELT_IRSZ* irsz = nullptr;
-    const s32 status = create(*param, irsz);
-    if (err) *err = status;
-    if (!status) return irsz;
-    zelt_irsz_delete(irsz);
-    return nullptr;
-}
-
-void zelt_irsz_delete(ZELT_IRSZ* irsz) {
+void destroy(handle* irsz) {
     if (!irsz) return;
     std::free(irsz->row_buffer);
     std::free(irsz);
 }
+}  // namespace
+
+ZELT_EXPORT(ZELT_IRSZ*, zelt_irsz_create)(const ZELT_IRSZ_PARAM* param, int32_t* err) {
+    handle* irsz = nullptr;
+    const s32 status = create(*param, irsz);
+    if (err) *err = status;
+    if (!status) return reinterpret_cast<ZELT_IRSZ*>(irsz);
+    destroy(irsz);
+    return nullptr;
+}
+
+ZELT_EXPORT(void, zelt_irsz_delete)(ZELT_IRSZ* irsz) { destroy(reinterpret_cast<handle*>(irsz)); }

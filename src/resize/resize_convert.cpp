@@ -1,5 +1,6 @@
 // Resizing and colour conversion in one pass.
 #include "resize/resize.h"
+#include "simd/export.h"
 #include "zelt/csc.h"
 
 using namespace zelt;
@@ -29,10 +30,11 @@ void resize_convert(void* const* src_a, int src_w, int src_h, const int* src_s, 
 }  // namespace
 
 // name, source planes, matrix, destination layout
-#define CONVERTER(name, planes, matrix, dest)                                                                   \
-    void zelt_csc_rsz_##name(void* const* src_a, int32_t src_w, int32_t src_h, const int32_t* src_s, int32_t,   \
-                             void* const* dst_a, int32_t dst_w, int32_t dst_h, const int32_t* dst_s, int32_t) { \
-        resize_convert<planes, matrix, dest>(src_a, src_w, src_h, src_s, dst_a, dst_w, dst_h, dst_s);           \
+#define CONVERTER(name, planes, matrix, dest)                                                             \
+    ZELT_EXPORT(void, zelt_csc_rsz_##name)                                                                \
+    (void* const* src_a, int32_t src_w, int32_t src_h, const int32_t* src_s, int32_t, void* const* dst_a, \
+     int32_t dst_w, int32_t dst_h, const int32_t* dst_s, int32_t) {                                       \
+        resize_convert<planes, matrix, dest>(src_a, src_w, src_h, src_s, dst_a, dst_w, dst_h, dst_s);     \
     }
 CONVERTER(r8g8b8_to_rgb888, 3, repack, rgb888)
 CONVERTER(r8g8b8_to_rgba8888, 3, repack, rgba8888)

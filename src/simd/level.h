@@ -5,7 +5,7 @@
 // processors.
 
 #if defined(ZELT_SCALAR)
-#define ZELT_LEVEL plain
+#define ZELT_LEVEL baseline
 #elif defined(ZELT_GENERIC)  // for tests of the vocabulary's definition, and where a target begins
 #define ZELT_LEVEL generic_level
 #define ZELT_BACK_END "simd/generic.h"
@@ -26,7 +26,7 @@
 #define ZELT_LANES 16
 #define ZELT_REGISTER "x"
 #else
-#define ZELT_LEVEL plain
+#define ZELT_LEVEL baseline
 #endif
 
 #ifdef ZELT_BACK_END

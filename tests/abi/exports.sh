@@ -1,9 +1,10 @@
 #!/bin/sh
-# exports.sh NM LIST LIBRARY: the names that a library exports are those of the list, with the same kind of symbol.
+# exports.sh NM LIST LIBRARY: the names that a library exports are those of the list, with the same kind of symbol. A
+# function that the loader chooses (i) is one (T).
 nm=$1 list=$2 library=$3
 [ -s "$list" ] || { echo "no list: $list"; exit 1; }
 "$nm" -D --defined-only --format=posix "$library" | sed 's/@[^ ]*//' | awk '
     FNR == NR { listed[$0] = 1; next }
     $2 == "A" { next }  # the version itself
-    { name = $2 " " $1; if (name in listed) delete listed[name]; else bad = bad "not listed: " name "\n" }
+    { name = ($2 == "i" ? "T" : $2) " " $1; if (name in listed) delete listed[name]; else bad = bad "not listed: " name "\n" }
     END { for (name in listed) bad = bad "missing: " name "\n"; printf "%s", bad; exit bad != "" }' "$list" -
