@@ -2,11 +2,62 @@
 // Same-size conversion: a row loop over a source layout, a colour matrix and a destination layout. Each is written once
 // over the value V: u8, a pixel at a time, or simd::u8xn, a register of pixels.
 #include "csc/pixel.h"
+#include "csc/pixel10.h"
+#include "simd/barrier.h"
 
 namespace zelt::inline ZELT_LEVEL::csc {
 using namespace fast;
 
 template <class V> constexpr V opaque = V{} | 255;
+
+// -------------------------------------------------------------------------------------------------------------- places
+
+template <class V, class... More> auto load_channels(const u8* p, V& a, More&... more) {
+    if constexpr (sizeof...(more) == 0)
+        return load(p, a);
+    else if constexpr (sizeof...(more) == 1)
+        return load2(p, a, more...);
+    else if constexpr (sizeof...(more) == 2)
+        return load3(p, a, more...);
+    else
+        return load4(p, a, more...);
+}
+template <class V, class... More> auto store_channels(u8* p, V a, More... more) {
+    if constexpr (sizeof...(more) == 0)
+        return store(p, a);
+    else if constexpr (sizeof...(more) == 1)
+        return store2(p, a, more...);
+    else if constexpr (sizeof...(more) == 2)
+        return store3(p, a, more...);
+    else
+        return store4(p, a, more...);
+}
+
+/// The pixels from x on, of planes that stay where they are
+struct at {
+    std::ptrdiff_t x;
+
+    template <class... V> void load(const u8* plane, V&... v) const { load_channels(plane + sizeof...(V) * x, v...); }
+    template <class... V> void store(u8* plane, V... v) const { store_channels(plane + sizeof...(V) * x, v...); }
+    template <class W> void load_word(const u8* plane, W& w) const { load_16(plane + 2 * x, w); }
+    template <class W> void store_word(u8* plane, W w) const { store_16(plane + 2 * x, w); }
+};
+
+/// The next pixels of planes that step on
+struct next {
+    explicit next(std::ptrdiff_t) {}
+
+    template <class... V> void load(u8*& plane, V&... v) const { step(plane, load_channels(plane, v...)); }
+    template <class... V> void store(u8*& plane, V... v) const { step(plane, store_channels(plane, v...)); }
+    template <class W> void load_word(u8*& plane, W& w) const { step(plane, load_16(plane, w)); }
+    template <class W> void store_word(u8*& plane, W w) const { step(plane, store_16(plane, w)); }
+
+private:
+    static void step(u8*& plane, const u8* to) {
+        plane = const_cast<u8*>(to);
+        hide_step_from_optimizer(plane);
+    }
+};
 
 // ------------------------------------------------------------------------------------------------------------- layouts
 
@@ -34,22 +85,22 @@ template <int N> struct planar : planes<N> {
     using planes<N>::planes, planes<N>::p;
     static constexpr int step[] = {1, 1, 1, 1};  // bytes per pixel, in each plane
 
-    template <class V> pixel<V> get(std::ptrdiff_t x) const {
+    template <class V, class Place> pixel<V> get(Place place) {
         pixel<V> v;
-        load(p[0] + x, v.c0);
-        load(p[1] + x, v.c1);
-        load(p[2] + x, v.c2);
+        place.load(p[0], v.c0);
+        place.load(p[1], v.c1);
+        place.load(p[2], v.c2);
         if constexpr (N == 4)
-            load(p[3] + x, v.a);
+            place.load(p[3], v.a);
         else
             v.a = opaque<V>;
         return v;
     }
-    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const {
-        store(p[0] + x, v.c0);
-        store(p[1] + x, v.c1);
-        store(p[2] + x, v.c2);
-        if constexpr (N == 4) store(p[3] + x, v.a);
+    template <class V, class Place> void put(Place place, pixel<V> v) {
+        place.store(p[0], v.c0);
+        place.store(p[1], v.c1);
+        place.store(p[2], v.c2);
+        if constexpr (N == 4) place.store(p[3], v.a);
     }
 };
 
@@ -57,25 +108,25 @@ struct rgb888 : planes<1> {
     using planes::planes;
     static constexpr int step[] = {3};
 
-    template <class V> pixel<V> get(std::ptrdiff_t x) const {
+    template <class V, class Place> pixel<V> get(Place place) {
         pixel<V> v;
-        load3(p[0] + 3 * x, v.c0, v.c1, v.c2);
+        place.load(p[0], v.c0, v.c1, v.c2);
         v.a = opaque<V>;
         return v;
     }
-    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const { store3(p[0] + 3 * x, v.c0, v.c1, v.c2); }
+    template <class V, class Place> void put(Place place, pixel<V> v) { place.store(p[0], v.c0, v.c1, v.c2); }
 };
 
 struct rgba8888 : planes<1> {
     using planes::planes;
     static constexpr int step[] = {4};
 
-    template <class V> pixel<V> get(std::ptrdiff_t x) const {
+    template <class V, class Place> pixel<V> get(Place place) {
         pixel<V> v;
-        load4(p[0] + 4 * x, v.c0, v.c1, v.c2, v.a);
+        place.load(p[0], v.c0, v.c1, v.c2, v.a);
         return v;
     }
-    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const { store4(p[0] + 4 * x, v.c0, v.c1, v.c2, v.a); }
+    template <class V, class Place> void put(Place place, pixel<V> v) { place.store(p[0], v.c0, v.c1, v.c2, v.a); }
 };
 
 /// Kept: a packed picture given as four component pointers and strides, byte i of a pixel through p[i]. If the second
@@ -95,33 +146,33 @@ struct components : planes<4> {
             if (p[i] != p[0] + i || stride[i] != stride[0]) return false;
         return true;
     }
-    template <class V> void put4(std::ptrdiff_t x, V a, V b, V c, V d) const {
+    template <class V, class Place> void put4(Place place, V a, V b, V c, V d) {
         if constexpr (sizeof(V) > 1) {
-            store4(p[0] + 4 * x, a, b, c, d);
+            place.store(p[0], a, b, c, d);
         } else {
-            p[0][4 * x] = a;
-            p[1][4 * x] = b;
-            p[2][4 * x] = c;
-            p[3][4 * x] = d;
+            p[0][4 * place.x] = a;
+            p[1][4 * place.x] = b;
+            p[2][4 * place.x] = c;
+            p[3][4 * place.x] = d;
         }
     }
 };
 
 struct argb8888 : components {
     using components::components;
-    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const { put4(x, v.a, v.c0, v.c1, v.c2); }
+    template <class V, class Place> void put(Place place, pixel<V> v) { put4(place, v.a, v.c0, v.c1, v.c2); }
 };
 
 struct bgra8888 : components {
     using components::components;
-    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const { put4(x, v.c2, v.c1, v.c0, v.a); }
+    template <class V, class Place> void put(Place place, pixel<V> v) { put4(place, v.c2, v.c1, v.c0, v.a); }
 };
 
 /// A, R, G, B through one pointer: what zelt_csc_yuv444_to_rgba8888 writes for the colour spaces from ARGB8888 up
 struct argb8888_packed : planes<1> {
     using planes::planes;
     static constexpr int step[] = {4};
-    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const { store4(p[0] + 4 * x, v.a, v.c0, v.c1, v.c2); }
+    template <class V, class Place> void put(Place place, pixel<V> v) { place.store(p[0], v.a, v.c0, v.c1, v.c2); }
 };
 
 /// Low and high byte of the RGB565 word: the high bits of each component, without rounding
@@ -132,31 +183,29 @@ struct rgb565 : planes<1> {
     using planes::planes;
     static constexpr int step[] = {2};
 
-    template <class V> pixel<V> get(std::ptrdiff_t x) const {
+    template <class V, class Place> pixel<V> get(Place place) {
         V low, high;
-        load2(p[0] + 2 * x, low, high);
+        place.load(p[0], low, high);
         // the fields become the high bits of bytes whose low bits are 0
         return {static_cast<V>(high & 0xF8), static_cast<V>(high << 5 | (low >> 3 & 0x1C)), static_cast<V>(low << 3),
                 opaque<V>};
     }
-    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const { store2(p[0] + 2 * x, low565(v), high565(v)); }
+    template <class V, class Place> void put(Place place, pixel<V> v) { place.store(p[0], low565(v), high565(v)); }
 };
 
 struct rgb565a8 : planes<2> {
     using planes::planes;
     static constexpr int step[] = {2, 1};
-    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const {
-        store2(p[0] + 2 * x, low565(v), high565(v));
-        store(p[1] + x, v.a);
+    template <class V, class Place> void put(Place place, pixel<V> v) {
+        place.store(p[0], low565(v), high565(v));
+        place.store(p[1], v.a);
     }
 };
 
 struct rgba5658 : planes<1> {
     using planes::planes;
     static constexpr int step[] = {3};
-    template <class V> void put(std::ptrdiff_t x, pixel<V> v) const {
-        store3(p[0] + 3 * x, low565(v), high565(v), v.a);
-    }
+    template <class V, class Place> void put(Place place, pixel<V> v) { place.store(p[0], low565(v), high565(v), v.a); }
 };
 
 // ------------------------------------------------------------------------------------------------------------ matrices
@@ -177,9 +226,16 @@ struct repack {
 template <class V, class Source, class Matrix, class Dest>
 void convert_row(Source src, Matrix matrix, Dest dst, std::ptrdiff_t w) {
     constexpr std::ptrdiff_t step = sizeof(V);
-    std::ptrdiff_t x = 0;
-    for (; x <= w - step; x += step) dst.put(x, matrix(src.template get<V>(x)));
-    if (x < w) dst.put(w - step, matrix(src.template get<V>(w - step)));
+    constexpr bool steps = step > 1 && loads_step;
+    constexpr int turn = steps && std::is_same_v<Matrix, repack> ? 2 : 1;  // where the loop's own work counts
+    using place = std::conditional_t<steps, next, at>;
+    Source s = src;
+    Dest d = dst;
+    std::ptrdiff_t x = 0, n = w / step;
+    if (n % turn) d.put(place{x}, matrix(s.template get<V>(place{x}))), --n, x += step;
+    for (n /= turn; n != 0; --n)
+        for (int i = 0; i < turn; ++i, x += step) d.put(place{x}, matrix(s.template get<V>(place{x})));
+    if (x < w) dst.put(at{w - step}, matrix(src.template get<V>(at{w - step})));
 }
 
 /// Whether a row of any source plane shares memory with one of any destination plane

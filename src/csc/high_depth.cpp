@@ -1,6 +1,5 @@
 // Converters of 10-bit samples, and the plane copy.
 #include "csc/convert.h"
-#include "csc/pixel10.h"
 #include "simd/export.h"
 #include "zelt/csc.h"
 
@@ -15,17 +14,17 @@ struct planar_words : planes<3> {
     using planes::planes;
     static constexpr int step[] = {2, 2, 2};
 
-    template <class V> auto get(std::ptrdiff_t x) const {
+    template <class V, class Place> auto get(Place place) {
         pixel<wide_of<V>> v{};
-        load_16(p[0] + 2 * x, v.c0);
-        load_16(p[1] + 2 * x, v.c1);
-        load_16(p[2] + 2 * x, v.c2);
+        place.load_word(p[0], v.c0);
+        place.load_word(p[1], v.c1);
+        place.load_word(p[2], v.c2);
         return v;
     }
-    template <class W> void put(std::ptrdiff_t x, pixel<W> v) const {
-        store_16(p[0] + 2 * x, v.c0);
-        store_16(p[1] + 2 * x, v.c1);
-        store_16(p[2] + 2 * x, v.c2);
+    template <class W, class Place> void put(Place place, pixel<W> v) {
+        place.store_word(p[0], v.c0);
+        place.store_word(p[1], v.c1);
+        place.store_word(p[2], v.c2);
     }
 };
 
@@ -39,16 +38,16 @@ struct to_yuv10 {
 struct words_to_bytes : planes<1> {
     using planes::planes;
     static constexpr int step[] = {2};
-    template <class V> V get(std::ptrdiff_t x) const {
-        V v;
-        load_reduced(p[0] + 2 * x, v);
-        return v;
+    template <class V, class Place> V get(Place place) {
+        wide_of<V> v;
+        place.load_word(p[0], v);
+        return low_q2_ordered(v);
     }
 };
 struct byte_plane : planes<1> {
     using planes::planes;
     static constexpr int step[] = {1};
-    template <class V> void put(std::ptrdiff_t x, V v) const { store(p[0] + x, v); }
+    template <class V, class Place> void put(Place place, V v) { place.store(p[0], v); }
 };
 struct unchanged {
     template <class V> V operator()(V v) const { return v; }

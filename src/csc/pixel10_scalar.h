@@ -19,12 +19,7 @@ inline void store_16(u8* p, int a) {
     std::memcpy(p, &word, sizeof word);
 }
 
-/// The low 8 bits of a 16-bit sample >> 2
-inline void load_reduced(const u8* p, u8& a) {
-    int word;
-    load_16(p, word);
-    a = static_cast<u8>(word >> 2);
-}
+inline u8 low_q2_ordered(int word) { return static_cast<u8>(word >> 2); }
 
 /// Full-range BT.601 in 10 fractional bits
 inline pixel<int> yuv_to_rgb10(pixel<int> p) {

@@ -7,16 +7,9 @@ template <> struct wide<simd::u8xn> { using type = simd::s16x2n; };
 }  // namespace zelt::inline ZELT_LEVEL::scalar
 
 namespace zelt::inline ZELT_LEVEL::simd {
-using scalar::load_reduced, scalar::load_16, scalar::store_16, scalar::wide_of;
+using scalar::load_16, scalar::low_q2_ordered, scalar::store_16, scalar::wide_of;
 using scalar::yuv_to_rgb10, scalar::rgb_to_yuv10;
-using vec::load_16, vec::store_16;
-
-inline void load_reduced(const u8* p, u8xn& a) {
-    s16x2n v;
-    load_16(p, v);
-    v = v >> 2;
-    a = narrow_ordered({v.lo & 255, v.hi & 255});
-}
+using vec::load_16, vec::low_q2_ordered, vec::store_16;
 
 /// (1436 e + 512) >> 10 is a rounding high-half product of e << 5, which fits 16 bits up to e = 512.
 inline pixel<s16x2n> yuv_to_rgb10(pixel<s16x2n> p) {

@@ -9,7 +9,7 @@ namespace zelt::inline ZELT_LEVEL {
 template <class V> struct pixel { V c0, c1, c2, a; };
 
 namespace scalar {
-constexpr bool store3_beats_a_loop = false;
+constexpr bool store3_beats_a_loop = false, loads_step = false;
 using widest = u8;  // what rows are converted in
 
 inline void load(const u8* p, u8& a) { a = p[0]; }

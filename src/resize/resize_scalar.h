@@ -51,8 +51,8 @@ template <class Row> struct interpolated {
     const u8* weights;
     axis x;
 
-    template <class V> pixel<V> get(std::ptrdiff_t i) const {
-        const s64 position = i * x.step;
+    template <class V> pixel<V> get(csc::at place) const {
+        const s64 position = place.x * x.step;
         const std::ptrdiff_t left = static_cast<std::ptrdiff_t>(x.sample(position));
         const std::ptrdiff_t right = left + static_cast<std::ptrdiff_t>(x.next);
         const u8* w = weights + 32 * axis::phase(position);

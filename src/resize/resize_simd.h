@@ -11,9 +11,9 @@ using rsz::row_pair;
 /// The fields of RGB565 words, as a converter reads them
 struct fields565 : csc::planes<1> {
     using planes::planes;
-    template <class V> pixel<V> get(std::ptrdiff_t x) const {
+    template <class V, class Place> pixel<V> get(Place place) {
         V low, high;
-        load2(p[0] + 2 * x, low, high);
+        place.load(p[0], low, high);
         return {static_cast<V>(high >> 3), static_cast<V>((high & 7) << 3 | low >> 5), static_cast<V>(low & 31), low};
     }
 };
@@ -70,8 +70,8 @@ struct rgb888_to_565 {
 /// N planes, converted before they are stored to a layout
 template <int N, class Matrix> struct converted {
     using source = direct<N>;
-    template <class Layout> static void put(const Layout& dst, std::ptrdiff_t x, const u8xn (&v)[N]) {
-        dst.put(x, Matrix{}(pixel<u8xn>{v[0], v[1], v[2], N == 4 ? v[N - 1] : csc::opaque<u8xn>}));
+    template <class Layout> static void put(Layout dst, std::ptrdiff_t x, const u8xn (&v)[N]) {
+        dst.put(csc::at{x}, Matrix{}(pixel<u8xn>{v[0], v[1], v[2], N == 4 ? v[N - 1] : csc::opaque<u8xn>}));
     }
 };
 

@@ -15,7 +15,7 @@ using s16x2n = widened<s16xn>;
 template <int N> using u16_of = u16x8;
 template <class V> using u32_of = u32x4;
 
-constexpr bool loads_take_an_index = false, store3_beats_a_loop = false;
+constexpr bool loads_take_an_index = false, loads_step = false, store3_beats_a_loop = false;
 constexpr std::size_t memset_from = SIZE_MAX, string_fill_from = SIZE_MAX;
 inline void string_fill(u8* p, u32 word, std::size_t n) {
     for (; n > 0; --n, p += 4) std::memcpy(p, &word, 4);
@@ -105,6 +105,9 @@ inline u8xn narrow_q6(s16x2n v) {
 }
 inline u8xn narrow_ordered(s16x2n v) { return narrow(v); }
 inline u8xn narrow_q6_ordered(s16x2n v) { return narrow_q6(v); }
+inline u8xn low_q2_ordered(s16x2n v) {
+    return make<u8xn>([=](int i) { return sample(v, i) >> 2; });
+}
 
 inline s16x2n mul_q15(s16x2n v, int b) {
     return make_words([=](int i) { return (sample(v, i) * b + (1 << 14)) >> 15; });

@@ -2,70 +2,207 @@
 #include <arm_neon.h>
 
 namespace zelt::inline ZELT_LEVEL::vec {
+#ifdef __aarch64__
+constexpr bool loads_step = false;
+#else
+constexpr bool loads_step = true;
+#endif
 constexpr bool loads_take_an_index = false, store3_beats_a_loop = true;
 constexpr std::size_t memset_from = SIZE_MAX, string_fill_from = SIZE_MAX;
 inline void string_fill(u8*, u32, std::size_t) {}  // there is none, and no call of it
 
-inline void load(const u8* p, u8xn& a) { a = (u8xn)vld1q_u8(p); }
-inline void load2(const u8* p, u8xn& a, u8xn& b) {
+inline const u8* load(const u8* p, u8xn& a) {
+    a = (u8xn)vld1q_u8(p);
+    return p + 16;
+}
+inline u8* store(u8* p, u8xn a) {
+    vst1q_u8(p, (uint8x16_t)a);
+    return p + 16;
+}
+#if defined(__arm__) && !defined(__clang__)
+// gcc would add up an address for each of the two instructions, and copy registers to make up a tuple.
+inline const u8* load2(const u8* p, u8xn& a, u8xn& b) {
+    register u8xn v0 asm("q8"), v1 asm("q9");
+    asm volatile("vld2.8 {d16-d19}, [%0]!" : "+r"(p), "=w"(v0), "=w"(v1) : : "memory");
+    a = v0, b = v1;
+    return p;
+}
+inline const u8* load3(const u8* p, u8xn& a, u8xn& b, u8xn& c) {
+    register u8xn v0 asm("q8"), v1 asm("q9"), v2 asm("q10");
+    asm volatile("vld3.8 {d16, d18, d20}, [%0]!\n\tvld3.8 {d17, d19, d21}, [%0]!"
+                 : "+r"(p), "=w"(v0), "=w"(v1), "=w"(v2)
+                 :
+                 : "memory");
+    a = v0, b = v1, c = v2;
+    return p;
+}
+inline const u8* load4(const u8* p, u8xn& a, u8xn& b, u8xn& c, u8xn& d) {
+    register u8xn v0 asm("q8"), v1 asm("q9"), v2 asm("q10"), v3 asm("q11");
+    asm volatile("vld4.8 {d16, d18, d20, d22}, [%0]!\n\tvld4.8 {d17, d19, d21, d23}, [%0]!"
+                 : "+r"(p), "=w"(v0), "=w"(v1), "=w"(v2), "=w"(v3)
+                 :
+                 : "memory");
+    a = v0, b = v1, c = v2, d = v3;
+    return p;
+}
+inline u8* store2(u8* p, u8xn a, u8xn b) {
+    register u8xn v0 asm("q8") = a, v1 asm("q9") = b;
+    asm volatile("vst2.8 {d16-d19}, [%0]!" : "+r"(p) : "w"(v0), "w"(v1) : "memory");
+    return p;
+}
+inline u8* store3(u8* p, u8xn a, u8xn b, u8xn c) {
+    register u8xn v0 asm("q8") = a, v1 asm("q9") = b, v2 asm("q10") = c;
+    asm volatile("vst3.8 {d16, d18, d20}, [%0]!\n\tvst3.8 {d17, d19, d21}, [%0]!"
+                 : "+r"(p)
+                 : "w"(v0), "w"(v1), "w"(v2)
+                 : "memory");
+    return p;
+}
+inline u8* store4(u8* p, u8xn a, u8xn b, u8xn c, u8xn d) {
+    register u8xn v0 asm("q8") = a, v1 asm("q9") = b, v2 asm("q10") = c, v3 asm("q11") = d;
+    asm volatile("vst4.8 {d16, d18, d20, d22}, [%0]!\n\tvst4.8 {d17, d19, d21, d23}, [%0]!"
+                 : "+r"(p)
+                 : "w"(v0), "w"(v1), "w"(v2), "w"(v3)
+                 : "memory");
+    return p;
+}
+#else
+inline const u8* load2(const u8* p, u8xn& a, u8xn& b) {
     const uint8x16x2_t v = vld2q_u8(p);
     a = (u8xn)v.val[0], b = (u8xn)v.val[1];
+    return p + 32;
 }
-inline void load3(const u8* p, u8xn& a, u8xn& b, u8xn& c) {
+inline const u8* load3(const u8* p, u8xn& a, u8xn& b, u8xn& c) {
     const uint8x16x3_t v = vld3q_u8(p);
     a = (u8xn)v.val[0], b = (u8xn)v.val[1], c = (u8xn)v.val[2];
+    return p + 48;
 }
-inline void load4(const u8* p, u8xn& a, u8xn& b, u8xn& c, u8xn& d) {
+inline const u8* load4(const u8* p, u8xn& a, u8xn& b, u8xn& c, u8xn& d) {
     const uint8x16x4_t v = vld4q_u8(p);
     a = (u8xn)v.val[0], b = (u8xn)v.val[1], c = (u8xn)v.val[2], d = (u8xn)v.val[3];
+    return p + 64;
 }
-
-inline void store(u8* p, u8xn a) { vst1q_u8(p, (uint8x16_t)a); }
-inline void store2(u8* p, u8xn a, u8xn b) {
+#if defined(__aarch64__) && !defined(__clang__)
+// gcc would copy registers to make up a tuple.
+inline u8* store2(u8* p, u8xn a, u8xn b) {
+    register u8xn v0 asm("v16") = a, v1 asm("v17") = b;
+    asm("st2 {v16.16b-v17.16b}, %0" : "=Q"(*reinterpret_cast<u8(*)[32]>(p)) : "w"(v0), "w"(v1));
+    return p + 32;
+}
+inline u8* store3(u8* p, u8xn a, u8xn b, u8xn c) {
+    register u8xn v0 asm("v16") = a, v1 asm("v17") = b, v2 asm("v18") = c;
+    asm("st3 {v16.16b-v18.16b}, %0" : "=Q"(*reinterpret_cast<u8(*)[48]>(p)) : "w"(v0), "w"(v1), "w"(v2));
+    return p + 48;
+}
+inline u8* store4(u8* p, u8xn a, u8xn b, u8xn c, u8xn d) {
+    register u8xn v0 asm("v16") = a, v1 asm("v17") = b, v2 asm("v18") = c, v3 asm("v19") = d;
+    asm("st4 {v16.16b-v19.16b}, %0" : "=Q"(*reinterpret_cast<u8(*)[64]>(p)) : "w"(v0), "w"(v1), "w"(v2), "w"(v3));
+    return p + 64;
+}
+#else
+inline u8* store2(u8* p, u8xn a, u8xn b) {
     const uint8x16x2_t v = {{(uint8x16_t)a, (uint8x16_t)b}};
     vst2q_u8(p, v);
+    return p + 32;
 }
-inline void store3(u8* p, u8xn a, u8xn b, u8xn c) {
+inline u8* store3(u8* p, u8xn a, u8xn b, u8xn c) {
     const uint8x16x3_t v = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c}};
     vst3q_u8(p, v);
+    return p + 48;
 }
-inline void store4(u8* p, u8xn a, u8xn b, u8xn c, u8xn d) {
+inline u8* store4(u8* p, u8xn a, u8xn b, u8xn c, u8xn d) {
     const uint8x16x4_t v = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d}};
     vst4q_u8(p, v);
+    return p + 64;
 }
+#endif
+#endif
 
 inline uint8x8_t low8(u8xn a) { return vget_low_u8((uint8x16_t)a); }
 inline uint8x8_t high8(u8xn a) { return vget_high_u8((uint8x16_t)a); }
 
+// Forms of upper halves, of which gcc finds some by itself. Their factors are whole registers on AArch64.
+#ifdef __aarch64__
+typedef uint8x16_t byte_factor;
+inline uint8x8_t lower(byte_factor f) { return vget_low_u8(f); }
+inline uint16x8_t add_upper(uint16x8_t s, u8xn a) { return vaddw_high_u8(s, (uint8x16_t)a); }
+inline uint16x8_t subtract_upper(u8xn a, u8xn b) { return vsubl_high_u8((uint8x16_t)a, (uint8x16_t)b); }
+inline uint16x8_t mul_upper(u8xn a, byte_factor f) { return vmull_high_u8((uint8x16_t)a, f); }
+inline uint16x8_t mul_add_upper(uint16x8_t s, u8xn a, byte_factor f) { return vmlal_high_u8(s, (uint8x16_t)a, f); }
+inline uint16x8_t mul_sub_upper(uint16x8_t s, u8xn a, byte_factor f) { return vmlsl_high_u8(s, (uint8x16_t)a, f); }
+#else
+typedef uint8x8_t byte_factor;
+inline uint8x8_t lower(byte_factor f) { return f; }
+inline uint16x8_t add_upper(uint16x8_t s, u8xn a) { return vaddw_u8(s, high8(a)); }
+inline uint16x8_t subtract_upper(u8xn a, u8xn b) { return vsubl_u8(high8(a), high8(b)); }
+inline uint16x8_t mul_upper(u8xn a, byte_factor f) { return vmull_u8(high8(a), f); }
+inline uint16x8_t mul_add_upper(uint16x8_t s, u8xn a, byte_factor f) { return vmlal_u8(s, high8(a), f); }
+inline uint16x8_t mul_sub_upper(uint16x8_t s, u8xn a, byte_factor f) { return vmlsl_u8(s, high8(a), f); }
+#endif
+
+struct sums {
+    int32x4_t lo, hi;
+};
+// Both halves narrowed. gcc for ARMv7 would narrow to two registers, and move.
+#ifdef __aarch64__
+#define ZELT_NARROWING(R, name, A, form, type, V, instruction, ...)                     \
+    inline R name(A a) {                                                                \
+        return (R)form##_high_##type(form##_##type((V)a.lo __VA_OPT__(, ) __VA_ARGS__), \
+                                     (V)a.hi __VA_OPT__(, ) __VA_ARGS__);               \
+    }
+#elif defined(__clang__)
+#define ZELT_NARROWING(R, name, A, form, type, V, instruction, ...)                          \
+    inline R name(A a) {                                                                     \
+        return (R)vcombine_u8((uint8x8_t)form##_##type((V)a.lo __VA_OPT__(, ) __VA_ARGS__),  \
+                              (uint8x8_t)form##_##type((V)a.hi __VA_OPT__(, ) __VA_ARGS__)); \
+    }
+#else
+#define ZELT_NARROWING(R, name, A, form, type, V, instruction, ...)                        \
+    inline R name(A a) {                                                                   \
+        R v;                                                                               \
+        asm(instruction " %e0, %q1" __VA_OPT__(", #" #__VA_ARGS__) : "=w"(v) : "w"(a.lo)); \
+        asm(instruction " %f0, %q1" __VA_OPT__(", #" #__VA_ARGS__) : "+w"(v) : "w"(a.hi)); \
+        return v;                                                                          \
+    }
+#endif
+ZELT_NARROWING(u8xn, narrow, s16x2n, vqmovun, s16, int16x8_t, "vqmovun.s16")
+ZELT_NARROWING(u8xn, narrow_signed, s16x2n, vqmovn, s16, int16x8_t, "vqmovn.s16")
+ZELT_NARROWING(u8xn, high, s16x2n, vshrn, n_u16, uint16x8_t, "vshrn.i16", 8)
+ZELT_NARROWING(u8xn, round_high, s16x2n, vrshrn, n_u16, uint16x8_t, "vrshrn.i16", 8)
+ZELT_NARROWING(u8xn, narrow_q6, s16x2n, vshrn, n_u16, uint16x8_t, "vshrn.i16", 6)
+ZELT_NARROWING(u8xn, low_q2_ordered, s16x2n, vshrn, n_u16, uint16x8_t, "vshrn.i16", 2)
+ZELT_NARROWING(s16xn, round_q10, sums, vrshrn, n_s32, int32x4_t, "vrshrn.i32", 10)
+#undef ZELT_NARROWING
+inline u8xn narrow_ordered(s16x2n a) { return narrow(a); }
+inline u8xn narrow_q6_ordered(s16x2n a) { return narrow_q6(a); }
+
 inline s16x2n widen(u8xn a) { return {(s16xn)vmovl_u8(low8(a)), (s16xn)vmovl_u8(high8(a))}; }
-inline u8xn narrow(s16x2n a) { return (u8xn)vcombine_u8(vqmovun_s16((int16x8_t)a.lo), vqmovun_s16((int16x8_t)a.hi)); }
-inline u8xn narrow_signed(s16x2n a) {
-    return (u8xn)vcombine_s8(vqmovn_s16((int16x8_t)a.lo), vqmovn_s16((int16x8_t)a.hi));
-}
-inline u8xn high(s16x2n a) {
-    return (u8xn)vcombine_u8(vshrn_n_u16((uint16x8_t)a.lo, 8), vshrn_n_u16((uint16x8_t)a.hi, 8));
-}
-inline u8xn round_high(s16x2n a) {
-    return (u8xn)vcombine_u8(vrshrn_n_u16((uint16x8_t)a.lo, 8), vrshrn_n_u16((uint16x8_t)a.hi, 8));
-}
 inline s16x2n add_wide(s16x2n a, u8xn b) {
-    return {(s16xn)vaddw_u8((uint16x8_t)a.lo, low8(b)), (s16xn)vaddw_u8((uint16x8_t)a.hi, high8(b))};
+    return {(s16xn)vaddw_u8((uint16x8_t)a.lo, low8(b)), (s16xn)add_upper((uint16x8_t)a.hi, b)};
 }
-inline s16x2n difference(u8xn a, u8xn b) {
-    return {(s16xn)vsubl_u8(low8(a), low8(b)), (s16xn)vsubl_u8(high8(a), high8(b))};
-}
+inline s16x2n difference(u8xn a, u8xn b) { return {(s16xn)vsubl_u8(low8(a), low8(b)), (s16xn)subtract_upper(a, b)}; }
 inline s16x2n sub_sat(s16x2n a, s16x2n b) {
     return {(s16xn)vqsubq_s16((int16x8_t)a.lo, (int16x8_t)b.lo), (s16xn)vqsubq_s16((int16x8_t)a.hi, (int16x8_t)b.hi)};
+}
+/// A factor for products by a lane
+inline int16x4_t lane_factor(int b) {
+    int16x4_t factor = vdup_n_s16(static_cast<s16>(b));
+#ifdef __arm__
+    asm("" : "+x"(factor));  // a register with such lanes; or gcc moves it from a core register in every turn
+#endif
+    return factor;
 }
 template <int F> s16x2n centred_product(u8xn a) {
     static_assert(centred_product_fits(F));
     const int8x16_t centred = (int8x16_t)(a ^ 128);
-    return {(s16xn)vqrdmulhq_n_s16(vshll_n_s8(vget_low_s8(centred), 7), F),
-            (s16xn)vqrdmulhq_n_s16(vshll_n_s8(vget_high_s8(centred), 7), F)};
+    const int16x4_t factor = lane_factor(F);
+    return {(s16xn)vqrdmulhq_lane_s16(vshll_n_s8(vget_low_s8(centred), 7), factor, 0),
+            (s16xn)vqrdmulhq_lane_s16(vshll_n_s8(vget_high_s8(centred), 7), factor, 0)};
 }
 inline s16x2n mul_q15(s16x2n a, int b) {
-    const s16 factor = static_cast<s16>(b);
-    return {(s16xn)vqrdmulhq_n_s16((int16x8_t)a.lo, factor), (s16xn)vqrdmulhq_n_s16((int16x8_t)a.hi, factor)};
+    const int16x4_t factor = lane_factor(b);
+    return {(s16xn)vqrdmulhq_lane_s16((int16x8_t)a.lo, factor, 0),
+            (s16xn)vqrdmulhq_lane_s16((int16x8_t)a.hi, factor, 0)};
 }
 template <int N> s16x2n shift_add(s16x2n a, s16x2n b) {
     return {(s16xn)vsraq_n_s16((int16x8_t)a.lo, (int16x8_t)b.lo, N),
@@ -74,32 +211,40 @@ template <int N> s16x2n shift_add(s16x2n a, s16x2n b) {
 template <int N> u8xn shift_insert(u8xn a, u8xn b) { return (u8xn)vsriq_n_u8((uint8x16_t)a, (uint8x16_t)b, N); }
 inline bool any(u8xn mask) { return vget_lane_u64((uint64x1_t)(low8(mask) | high8(mask)), 0) != 0; }
 
-/// sum + F a; factors up to 255 in magnitude, the sum modulo 2^16
-template <int F> uint16x8_t multiply_add(uint16x8_t sum, uint8x8_t a) {
+template <int F> byte_factor magnitude() {
+    auto f = byte_factor{} + static_cast<u8>(F < 0 ? -F : F);
+#ifdef __aarch64__
+    f = hide_from_optimizer(f);  // or there would be one for lower and one for upper halves
+#endif
+    return f;
+}
+/// Of one half of a sum + F a; factors up to 255 in magnitude, the sum modulo 2^16
+template <bool Upper, int F> uint16x8_t multiply_add(uint16x8_t sum, u8xn a) {
+    const byte_factor f = magnitude<F>();
     if constexpr (F == 0)
         return sum;
     else if constexpr (F > 0)
-        return vmlal_u8(sum, a, vdup_n_u8(F));
+        return Upper ? mul_add_upper(sum, a, f) : vmlal_u8(sum, low8(a), lower(f));
     else
-        return vmlsl_u8(sum, a, vdup_n_u8(-F));
+        return Upper ? mul_sub_upper(sum, a, f) : vmlsl_u8(sum, low8(a), lower(f));
 }
 /// F a
-template <int F> uint16x8_t multiply(uint8x8_t a) {
+template <bool Upper, int F> uint16x8_t multiply(u8xn a) {
+    const byte_factor f = magnitude<F>();
     if constexpr (F > 0)
-        return vmull_u8(a, vdup_n_u8(F));
+        return Upper ? mul_upper(a, f) : vmull_u8(low8(a), lower(f));
     else
-        return multiply_add<F>(vdupq_n_u16(0), a);
+        return multiply_add<Upper, F>(vdupq_n_u16(0), a);
 }
 
-template <int A, int B> s16x2n add_products(u8xn a, u8xn b) {
-    if constexpr (A < 0 && B > 0) return add_products<B, A>(b, a);  // start with a product, not with zero
-    return {(s16xn)multiply_add<B>(multiply<A>(low8(a)), low8(b)),
-            (s16xn)multiply_add<B>(multiply<A>(high8(a)), high8(b))};
+template <bool Upper, int A, int B> uint16x8_t add_products(u8xn a, u8xn b) {
+    if constexpr (A < 0 && B > 0) return add_products<Upper, B, A>(b, a);  // start with a product, not with zero
+    return multiply_add<Upper, B>(multiply<Upper, A>(a), b);
 }
 template <int A, int B> s16x2n dot(u8xn a, u8xn b) {
     static_assert(dot_fits(A, B));
     if constexpr (A == 1 && B == -1) return difference(a, b);
-    return add_products<A, B>(a, b);
+    return {(s16xn)add_products<false, A, B>(a, b), (s16xn)add_products<true, A, B>(a, b)};
 }
 
 struct triples {
@@ -108,25 +253,33 @@ struct triples {
 inline triples interleave(u8xn a, u8xn b, u8xn c) { return {a, b, c}; }
 template <int A, int B, int C> s16x2n dot(triples v) {
     static_assert(dot_fits(A, B, C));
-    const s16x2n ab = add_products<A, B>(v.a, v.b);
-    return {(s16xn)multiply_add<C>((uint16x8_t)ab.lo, low8(v.c)),
-            (s16xn)multiply_add<C>((uint16x8_t)ab.hi, high8(v.c))};
+    return {(s16xn)multiply_add<false, C>(add_products<false, A, B>(v.a, v.b), v.c),
+            (s16xn)multiply_add<true, C>(add_products<true, A, B>(v.a, v.b), v.c)};
 }
 
-inline void load_16(const u8* p, s16x2n& a) { a = {(s16xn)vld1q_u8(p), (s16xn)vld1q_u8(p + 16)}; }
-inline void store_16(u8* p, s16x2n a) { vst1q_u8(p, (uint8x16_t)a.lo), vst1q_u8(p + 16, (uint8x16_t)a.hi); }
+inline const u8* load_16(const u8* p, s16x2n& a) {
+    a.lo = (s16xn)vld1q_u8(p), p += 16;
+    hide_step_from_optimizer(p);
+    a.hi = (s16xn)vld1q_u8(p);
+    return p + 16;
+}
+inline u8* store_16(u8* p, s16x2n a) {
+    vst1q_u8(p, (uint8x16_t)a.lo), p += 16;
+    hide_step_from_optimizer(p);
+    vst1q_u8(p, (uint8x16_t)a.hi);
+    return p + 16;
+}
 inline void store_widened(s16* p, s16x2n a) { vst1q_s16(p, (int16x8_t)a.lo), vst1q_s16(p + 8, (int16x8_t)a.hi); }
 
-template <int A, int B, int C> int16x4_t dot_q10(int16x4_t a, int16x4_t b, int16x4_t c) {
+template <int A, int B, int C> int32x4_t add_products(int16x4_t a, int16x4_t b, int16x4_t c) {
     const int16x4_t factors = {A, B, C, 0};  // lanes of one register: compilers keep factors by themselves in many
-    int32x4_t sum = vmlal_lane_s16(vmull_lane_s16(a, factors, 0), b, factors, 1);
-    if constexpr (C != 0) sum = vmlal_lane_s16(sum, c, factors, 2);
-    return vrshrn_n_s32(sum, 10);
+    const int32x4_t sum = vmlal_lane_s16(vmull_lane_s16(a, factors, 0), b, factors, 1);
+    return C == 0 ? sum : vmlal_lane_s16(sum, c, factors, 2);
 }
 template <int A, int B, int C> s16xn dot_q10(s16xn a, s16xn b, s16xn c) {
     const auto low = [](s16xn v) { return vget_low_s16((int16x8_t)v); };
     const auto high = [](s16xn v) { return vget_high_s16((int16x8_t)v); };
-    return (s16xn)vcombine_s16(dot_q10<A, B, C>(low(a), low(b), low(c)), dot_q10<A, B, C>(high(a), high(b), high(c)));
+    return round_q10({add_products<A, B, C>(low(a), low(b), low(c)), add_products<A, B, C>(high(a), high(b), high(c))});
 }
 template <int A, int B, int C> s16x2n dot_q10(s16x2n a, s16x2n b, s16x2n c) {
     static_assert(dot_q10_fits(A, B, C));
@@ -182,11 +335,6 @@ inline s16xn weighted_sum(pairs p, u8xn w) { return (s16xn)vmlal_u8(vmull_u8(p.l
 inline s16xn weighted_sum(s16xn sum, pairs p, u8xn w) {
     return (s16xn)vmlal_u8(vmlal_u8((uint16x8_t)sum, p.left, low8(w)), p.right, high8(w));
 }
-inline u8xn narrow_q6(s16x2n a) {
-    return (u8xn)vcombine_u8(vshrn_n_u16((uint16x8_t)a.lo, 6), vshrn_n_u16((uint16x8_t)a.hi, 6));
-}
-inline u8xn narrow_ordered(s16x2n a) { return narrow(a); }
-inline u8xn narrow_q6_ordered(s16x2n a) { return narrow_q6(a); }
 }  // namespace zelt::inline ZELT_LEVEL::vec
 
 #include "simd/neon_block.h"

@@ -28,6 +28,7 @@
 //   narrow_q6                    widened to memory: v >> 6, for v from 0 to 2^14 - 1
 //   narrow_ordered, narrow_q6_ordered
 //                                narrow and narrow_q6, memory to memory
+//   low_q2_ordered               memory to memory: the low byte of v >> 2
 //   mul_q15(v, int b)            (v b + 2^14) >> 15; b above -2^15
 //   sub_sat(v, w)                v - w with saturation
 //   shift_add<N>(v, w)           v + (w >> N)
@@ -80,6 +81,8 @@
 //
 // PROPERTIES that a kernel may choose a shape by
 //   loads_take_an_index          an address of base and index costs nothing
+//   loads_step                   a load or store steps its address on at no cost. There load, load2, load3, load4,
+//                                load_16 and their stores give the address after what they dealt with
 //   store3_beats_a_loop          store3 is faster than what compilers make of a loop that interleaves three planes
 //   memset_from                  bytes from which the C library's memset is as fast as registers or faster
 //   string_fill_from             bytes from which string_fill(p, word, n) is, which fills n words: beyond the nearer

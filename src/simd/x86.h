@@ -8,7 +8,7 @@
 #include <immintrin.h>
 
 namespace zelt::inline ZELT_LEVEL::vec {
-constexpr bool loads_take_an_index = true, store3_beats_a_loop = lanes == 32;
+constexpr bool loads_take_an_index = true, loads_step = false, store3_beats_a_loop = lanes == 32;
 
 #define ZELT_CHOOSE(op, V, ...)          \
     if constexpr (sizeof(V) == 16) {     \
@@ -155,6 +155,7 @@ inline u8xn high(s16x2n v) { return narrow_shifted<8>(v); }
 inline u8xn round_high(s16x2n v) { return high(v + 128); }
 inline u8xn narrow_q6(s16x2n v) { return narrow_shifted<6>(v); }
 inline u8xn narrow_q6_ordered(s16x2n v) { return in_order(narrow_q6(v)); }
+inline u8xn low_q2_ordered(s16x2n v) { return narrow_ordered({v.lo >> 2 & 255, v.hi >> 2 & 255}); }
 
 inline s16x2n sub_sat(s16x2n v, s16x2n w) { return {(s16xn)subs_epi16(v.lo, w.lo), (s16xn)subs_epi16(v.hi, w.hi)}; }
 inline s16x2n mul_q15(s16x2n v, int b) {

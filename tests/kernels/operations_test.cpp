@@ -125,6 +125,7 @@ TEST(operations, of_words) {
 #define ORDERED(...) SAME(whole, 32, 16, all_words, all_words, s16x2n v; load_16(a, v), store(out, __VA_ARGS__))
     ORDERED(narrow_ordered(v));
     ORDERED(narrow_q6_ordered(v - ((v >> 14) << 14)));
+    ORDERED(low_q2_ordered(v));
 }
 
 TEST(operations, of_channels) {
