@@ -15,16 +15,22 @@ template <class T> void copy_ends(u8* dst, const u8* src, std::size_t n) {
 }
 
 inline void copy(u8* dst, const u8* src, std::size_t n) {
-    constexpr std::size_t long_run = 512;  // from here on the C library's way is as fast or faster
-    if (n >= long_run) {
+    if (n >= memcpy_from) {
         std::memcpy(dst, src, n);
     } else if (n >= lanes) {
         u8* const last = dst + (n - lanes);
         const u8xn end = load_unaligned<u8xn>(src + (n - lanes));
-        for (std::size_t i = (n - 1) / lanes; i; --i, dst += lanes, src += lanes) {
+        const auto one = [&] {
             hide_step_from_optimizer(dst), hide_step_from_optimizer(src);
             store_unaligned(dst, load_unaligned<u8xn>(src));
-        }
+            dst += lanes, src += lanes;
+        };
+        constexpr std::size_t turn = loads_step ? 2 : 1;
+        const std::size_t count = (n - 1) / lanes;
+        if (count % turn) one();
+#pragma GCC unroll 1
+        for (std::size_t i = count / turn; i; --i)
+            for (std::size_t k = 0; k < turn; ++k) one();
         store_unaligned(last, end);
     } else if (n >= 16) {
         copy_ends<u8x16>(dst, src, n);

@@ -16,7 +16,7 @@ template <int N> using u16_of = u16x8;
 template <class V> using u32_of = u32x4;
 
 constexpr bool loads_take_an_index = false, loads_step = false, store3_beats_a_loop = false;
-constexpr std::size_t memset_from = SIZE_MAX, string_fill_from = SIZE_MAX;
+constexpr std::size_t memset_from = SIZE_MAX, memcpy_from = 512, string_fill_from = SIZE_MAX;
 inline void string_fill(u8* p, u32 word, std::size_t n) {
     for (; n > 0; --n, p += 4) std::memcpy(p, &word, 4);
 }

@@ -4,11 +4,13 @@
 namespace zelt::inline ZELT_LEVEL::vec {
 #ifdef __aarch64__
 constexpr bool loads_step = false;
+constexpr std::size_t memset_from = 192, memcpy_from = 96;
 #else
 constexpr bool loads_step = true;
+constexpr std::size_t memset_from = SIZE_MAX, memcpy_from = 512;
 #endif
 constexpr bool loads_take_an_index = false, store3_beats_a_loop = true;
-constexpr std::size_t memset_from = SIZE_MAX, string_fill_from = SIZE_MAX;
+constexpr std::size_t string_fill_from = SIZE_MAX;
 inline void string_fill(u8*, u32, std::size_t) {}  // there is none, and no call of it
 
 inline const u8* load(const u8* p, u8xn& a) {

@@ -84,7 +84,7 @@
 //   loads_step                   a load or store steps its address on at no cost. There load, load2, load3, load4,
 //                                load_16 and their stores give the address after what they dealt with
 //   store3_beats_a_loop          store3 is faster than what compilers make of a loop that interleaves three planes
-//   memset_from                  bytes from which the C library's memset is as fast as registers or faster
+//   memset_from, memcpy_from     bytes from which the C library's memset, memcpy is as fast as registers or faster
 //   string_fill_from             bytes from which string_fill(p, word, n) is, which fills n words: beyond the nearer
 //                                caches it need not read what it overwrites
 #include "core/types.h"

@@ -245,7 +245,7 @@ inline void store_pairs(u8* p, u16x8 left, u16x8 right) { store_unaligned(p, lef
 
 // --------------------------------------------------------------------------------------------------------------- fills
 
-constexpr std::size_t memset_from = lanes == 32 ? 1024 : 128, string_fill_from = 1 << 19;
+constexpr std::size_t memset_from = lanes == 32 ? 1024 : 128, memcpy_from = 512, string_fill_from = 1 << 19;
 inline void string_fill(u8* p, u32 word, std::size_t n) {
     asm volatile("rep stosl" : "+D"(p), "+c"(n) : "a"(word) : "memory");
 }
