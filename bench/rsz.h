@@ -21,6 +21,6 @@ using resize_work = std::function<void(resize_job&)>;
 extern const std::vector<sizes> resizings;
 
 /// Adds a peer to the rows of a format ("8b", "yuv444_to_rgba8888") at all sizes. Peers have half-pixel centres and
-/// more phases, so that their results are not compared.
+/// more phases, so that their results are compared on a picture that rises slowly.
 bool add_resizer(const std::string& format, const std::string& peer, const resize_work& work);
 }  // namespace zelt::bench
