@@ -1,6 +1,7 @@
 #pragma once
-// The frame of the benchmark. A row of a table has candidates that do the same work: `zelt` (the library as linked),
-// `scalar` (the same exports of the build without vector forms) and peers (other libraries).
+// The frame of the benchmark (main.cpp) and of the instruction counter for ARM (count.cpp). A row of a table has
+// candidates that do the same work: `zelt` (the library as linked), `scalar` (the same exports of the build without
+// vector forms, for the benchmark) and peers (other libraries).
 //
 // How a family joins:
 // - Its kernels get rows with `zelt` and `scalar` by themselves: set kernel::timed in the test registry.
@@ -9,14 +10,23 @@
 // - Other work (a whole resize, a parser) is a row of its own: add_row() in <family>.cpp, with a candidate for each of
 //   libraries(); add_candidate() in a peer's file adds to it.
 // - All of these are called before main: `const bool added = add_row(...);` at namespace scope.
-// - Bars and the reasons for lost rows stand in bars/<family>.txt, the table between the markers
-//   <!-- bench:<family> --> and <!-- /bench --> of docs/performance.md. A kernel's family is the word after zelt_.
+// - Bars and the reasons for lost rows stand in bars/<family>.txt (<family>_instructions.txt for the counter), the
+// table
+//   between the markers <!-- bench:<family> --> (<!-- instructions:<family> -->) and <!-- /bench --> of
+//   docs/performance.md. A kernel's family is the word after zelt_.
 #include "kernels/kernel.h"
 
 #include <utility>
 
 namespace zelt::bench {
 using namespace zelt::test;
+
+/// Whether this is the instruction counter: what is counted once in an emulator can be little.
+#ifdef ZELT_COUNT
+constexpr bool counting = true;
+#else
+constexpr bool counting = false;
+#endif
 
 struct candidate {
     std::string name;           // "zelt", "scalar", or the other library and its function
@@ -26,7 +36,7 @@ struct candidate {
 /// A build of ours
 struct library {
     const char* name;
-    void* handle;
+    void* handle = nullptr;
 
     /// An export; the program ends where there is none.
     function find(const std::string& export_name) const;
@@ -44,6 +54,11 @@ struct row {
     /// Called when the row's turn comes; what the candidates hold is freed after it.
     std::function<std::vector<candidate>()> prepare;
 };
+/// Of all files, in no order that matters
+const std::vector<row>& rows();
+/// What its prepare() gives, and what others added to it
+std::vector<candidate> candidates_of(const row& r);
+
 bool add_row(row r);
 bool add_candidate(const std::string& family, const std::string& row_name, std::function<candidate()> prepare);
 
@@ -52,6 +67,8 @@ void add_kernel_rows();
 
 /// Says that a candidate gives wrong results. The caller leaves it out, and the program fails at its end.
 void reject(const std::string& row_name, const std::string& candidate_name);
+/// Whether nothing was rejected
+bool all_right();
 
 // ---------------------------------------------------------------------------------------------------- peers of kernels
 
@@ -60,6 +77,15 @@ using comparison = bool (*)(const u8* ours, const u8* theirs, int bytes);
 template <int tolerance> bool bytes_within(const u8* ours, const u8* theirs, int bytes) {
     for (int i = 0; i < bytes; ++i)
         if (ours[i] - theirs[i] > tolerance || theirs[i] - ours[i] > tolerance) return false;
+    return true;
+}
+/// Fields of RGB565 words of samples that differ by up to 2
+inline bool fields_within_1(const u8* ours, const u8* theirs, int bytes) {
+    for (int i = 0; i < bytes; i += 2) {
+        const int a = ours[i] | ours[i + 1] << 8, b = theirs[i] | theirs[i + 1] << 8;
+        for (const auto& [at, mask] : {std::pair{11, 31}, {5, 63}, {0, 31}})
+            if (const int d = (a >> at & mask) - (b >> at & mask); d > 1 || d < -1) return false;
+    }
     return true;
 }
 /// For a peer that does the same amount of work with other constants
@@ -94,6 +120,7 @@ struct blocks {
 struct block_peer {
     std::string name;
     std::function<u64(const blocks&)> run;
+    bool aligned = false;  // takes no other blocks: both start at multiples of 16 samples
 };
 
 /// Both take the kernel's name in the registry.

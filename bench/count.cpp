@@ -1,34 +1,31 @@
-// Calls every kernel of the registry that is timed or counted, for the emulator's plugin (count_plugin.c) to count its
-// instructions, and once with a function that does nothing in its place, for what the call itself takes. Prints a line
-// a call: family, row, unit, units, then the two counts, which the plugin prints.
+// zelt_count [FILTER]: runs every candidate of the rows whose "family/name" the regular expression FILTER matches, for
+// the emulator's plugin (count_plugin.c) to count its instructions. Prints a line a candidate: family, row, unit,
+// units, candidate, and the counts, which the plugin prints.
+#include "bench.h"
 #include "operands.h"
 
-#include <cstdio>
-#include <unistd.h>
+#include <iostream>
+#include <regex>
 
+namespace zelt::bench {
 namespace {
-using namespace zelt::bench;
+/// Larger rows say the same as smaller ones of their kind.
+constexpr double most_units = 1 << 20;
 
-long nothing() { return 0; }
-
-/// A system call that no kernel has: the plugin sees it and starts or ends a count.
-void mark() { syscall(9999); }
-
-void count(const kernel& k, function f, shape s, const view* v) {
-    mark();
-    k.call(f, s, v);
-    mark();
+struct export_entry {
+    const char* name;
+    function f;
+};
+extern "C" {
+#define EXPORT(name) void name();
+#include "exports.inc"
+#undef EXPORT
 }
-
-void count_row(const kernel& k, shape s, const std::string& family, const std::string& row, const char* unit,
-               int units) {
-    const memory data(k.operands(s));
-    std::printf("%s\t%s\t%s\t%d", family.c_str(), row.c_str(), unit, units);
-    std::fflush(stdout);
-    count(k, k.exported, s, data.views());
-    count(k, reinterpret_cast<function>(nothing), s, data.views());
-    std::puts("");
-}
+const export_entry exports[] = {
+#define EXPORT(name) {#name, name},
+#include "exports.inc"
+#undef EXPORT
+};
 
 int written_bytes(const kernel& k, shape s) {
     int bytes = 0;
@@ -36,23 +33,67 @@ int written_bytes(const kernel& k, shape s) {
         if (o.written) bytes += o.width * o.rows * o.element;
     return bytes;
 }
+
+/// Rows of kernels that the benchmark times in other ways, or not at all
+void add_counted_rows() {
+    for (const kernel& k : all_kernels())
+        for (const shape s : k.counted.shapes) {
+            const std::string size = std::to_string(s.w) + (s.h > 1 ? 'x' + std::to_string(s.h) : "");
+            const std::string name =
+                k.counted.pictures ? family_and_rest(k.name).second : k.name.substr(std::strlen("zelt_")) + ' ' + size;
+            add_row({k.counted.family, name, k.counted.pictures ? "pixel" : "byte",
+                     static_cast<double>(k.counted.pictures ? s.w * s.h : written_bytes(k, s)),
+                     [k, s]() -> std::vector<candidate> {
+                         return {{"zelt", [k, s, data = std::make_shared<memory>(k.operands(s))] {
+                                      k.call(k.exported, s, data->views());
+                                  }}};
+                     }});
+        }
+}
+
+/// A system call that nothing here makes: the plugin sees it and starts or ends a count. Not by libc, which would look
+/// for its errno then.
+inline void mark() {
+#ifdef __aarch64__
+    register long number asm("x8") = 9999, result asm("x0");
+#else
+    register long number asm("r7") = 9999, result asm("r0");
+#endif
+    asm volatile("svc #0" : "=r"(result) : "r"(number) : "memory");
+}
+
+[[gnu::noinline]] void count_row(const row& r) {
+    for (const candidate& c : candidates_of(r)) {
+        c.run();  // what is done but once is not to be counted
+        std::cout << r.family << '\t' << r.name << '\t' << r.unit << '\t' << static_cast<long>(r.units) << '\t'
+                  << c.name << std::flush;
+        mark();
+        c.run();
+        mark();
+        std::cout << std::endl;
+    }
+}
 }  // namespace
 
-int main() {
-    for (const kernel& k : all_kernels()) {
-        const auto [family, rest] = family_and_rest(k.name);
-        if (k.timed == timing::picture)
-            count_row(k, {320, 240}, family, rest, "pixel", 320 * 240);
-        else if (k.timed != timing::none && k.timed != timing::early_exit)
-            count_row(k, k.shapes.front(), family, rest, "block", 1);
-        for (const shape s : k.counted.shapes) {
-            if (k.counted.pictures) {
-                count_row(k, s, k.counted.family, rest, "pixel", s.w * s.h);
-                continue;
-            }
-            const std::string size = std::to_string(s.w) + (s.h > 1 ? 'x' + std::to_string(s.h) : "");
-            count_row(k, s, k.counted.family, k.name.substr(std::strlen("zelt_")) + ' ' + size, "byte",
-                      written_bytes(k, s));
-        }
-    }
+const std::vector<library>& libraries() {
+    static const std::vector<library> all = {{"zelt"}};
+    return all;
+}
+
+function library::find(const std::string& export_name) const {
+    for (const export_entry& e : exports)
+        if (e.name == export_name) return e.f;
+    std::cerr << "There is no " << export_name << '\n';
+    std::exit(2);
+}
+}  // namespace zelt::bench
+
+int main(int argc, char** argv) {
+    using namespace zelt::bench;
+    add_kernel_rows();
+    add_counted_rows();
+    const std::regex filter(argc > 1 ? argv[1] : ".");
+    for (const row& r : rows())
+        if (r.units <= most_units && std::regex_search(r.family + '/' + r.name, filter)) count_row(r);
+    return all_right() ? 0 : 1;
 }

@@ -8,8 +8,9 @@
 
 namespace zelt::bench {
 namespace {
-constexpr shape pictures[] = {{1920, 1080}, {320, 240}};
-constexpr int places = 4096, candidates_of_a_block = 16, search_range = 16;
+constexpr shape large = {1920, 1080}, small = {320, 240};
+const std::vector<shape> pictures = counting ? std::vector{small} : std::vector{large, small};
+constexpr int candidates_of_a_block = 16, search_range = 16, places = counting ? 2 * candidates_of_a_block : 4096;
 
 std::multimap<std::string, picture_peer>& picture_peers() {
     static std::multimap<std::string, picture_peer> all;
@@ -72,12 +73,12 @@ void add_picture_rows(const kernel& k) {
 
 // -------------------------------------------------------------------------------------------------------------- blocks
 
-/// Blocks of a grid in one plane, each with unaligned ones around its place in the other
-std::vector<std::pair<int, int>> search_places(shape picture, shape block, int a_stride, int b_stride) {
+/// Blocks of a grid in one plane, each with ones around its place in the other, at multiples of `step`
+std::vector<std::pair<int, int>> search_places(shape picture, shape block, int a_stride, int b_stride, int step) {
     std::minstd_rand random;
     const auto near = [&](int at, int last) {
         const int moved = at - search_range + static_cast<int>(random() % (2 * search_range + 1));
-        return moved < 0 ? 0 : moved > last ? last : moved;
+        return (moved < 0 ? 0 : moved > last ? last : moved) / step * step;
     };
     std::vector<std::pair<int, int>> all;
     const int across = picture.w / block.w;
@@ -93,8 +94,8 @@ struct block_data {
     std::shared_ptr<memory> planes;
     blocks visited;
 
-    explicit block_data(const kernel& k) {
-        const shape picture = pictures[0], size = k.shapes.front();
+    explicit block_data(const kernel& k, bool aligned = false) {
+        const shape picture = pictures.front(), size = k.shapes.front();
         std::vector<operand> operands = k.operands(size);
         if (operands.size() == 1) operands.push_back(operands[0]);
         for (int i = 0; i < 2; ++i)
@@ -117,7 +118,7 @@ struct block_data {
             visited.d = reinterpret_cast<s16*>(v[2].p);
             visited.d_stride = static_cast<int>(v[2].stride) / 2;
         }
-        visited.places = search_places(picture, size, visited.a_stride, visited.b_stride);
+        visited.places = search_places(picture, size, visited.a_stride, visited.b_stride, aligned ? 16 : 1);
     }
 
     /// The results of the first places, one by one
@@ -179,18 +180,18 @@ std::function<u64(const blocks&)> over_places(timing signature, function f) {
 }
 
 std::vector<candidate> block_candidates(const kernel& k, const std::string& title) {
-    const auto data = std::make_shared<block_data>(k);
-    std::vector<u64> ours;
+    std::shared_ptr<block_data> made[2];  // the second for peers that take aligned blocks only
+    const auto ours = over_places(k.timed, libraries().front().find(exported_name(k)));
     std::vector<candidate> all;
-    const auto add = [&](const std::string& name, const std::function<u64(const blocks&)>& run) {
-        const std::vector<u64> result = data->results(run);
-        if (all.empty()) ours = result;
-        if (result != ours) return reject(title, name);
-        all.push_back({name, [=] { run(data->visited); }});
+    const auto add = [&](const block_peer& p) {
+        auto& data = made[p.aligned];
+        if (!data) data = std::make_shared<block_data>(k, p.aligned);
+        if (data->results(p.run) != data->results(ours)) return reject(title, p.name);
+        all.push_back({p.name, [data, run = p.run] { run(data->visited); }});
     };
-    for (const library& l : libraries()) add(l.name, over_places(k.timed, l.find(exported_name(k))));
+    for (const library& l : libraries()) add({l.name, over_places(k.timed, l.find(exported_name(k)))});
     const auto [first, last] = block_peers().equal_range(k.name);
-    for (auto p = first; p != last; ++p) add(p->second.name, p->second.run);
+    for (auto p = first; p != last; ++p) add(p->second);
     if (const std::string suffix = "_bi"; k.name.ends_with(suffix)) {  // what mixed samples cost, which no other has
         const std::string of_bytes = k.name.substr(0, k.name.size() - suffix.size());
         const std::vector<kernel> kernels = all_kernels();

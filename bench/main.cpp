@@ -7,24 +7,11 @@
 #include <cstdlib>
 #include <dlfcn.h>
 #include <iostream>
-#include <map>
 #include <regex>
 #include <unistd.h>
 
 namespace zelt::bench {
 namespace {
-std::vector<row>& rows() {
-    static std::vector<row> all;
-    return all;
-}
-
-std::multimap<std::string, std::function<candidate()>>& further_candidates() {
-    static std::multimap<std::string, std::function<candidate()>> all;
-    return all;
-}
-
-bool all_right = true;
-
 /// One JSON document over many runs
 class joined_report : public benchmark::JSONReporter {
 public:
@@ -43,9 +30,7 @@ private:
 
 void time_row(const row& r, joined_report& report) {
     const std::string title = r.family + '/' + r.name;
-    std::vector<candidate> candidates = r.prepare();
-    const auto [first, last] = further_candidates().equal_range(title);
-    for (auto i = first; i != last; ++i) candidates.push_back(i->second());
+    const std::vector<candidate> candidates = candidates_of(r);
     for (const candidate& c : candidates)
         benchmark::RegisterBenchmark((title + '/' + c.name).c_str(), [&](benchmark::State& state) {
             c.run();  // what a neighbour left in the caches is not to be timed
@@ -73,21 +58,6 @@ function library::find(const std::string& export_name) const {
     if (!found) std::cerr << name << " does not export " << export_name << '\n', std::exit(2);
     return reinterpret_cast<function>(found);
 }
-
-bool add_row(row r) {
-    rows().push_back(std::move(r));
-    return true;
-}
-
-bool add_candidate(const std::string& family, const std::string& row_name, std::function<candidate()> prepare) {
-    further_candidates().emplace(family + '/' + row_name, std::move(prepare));
-    return true;
-}
-
-void reject(const std::string& row_name, const std::string& candidate_name) {
-    std::cerr << row_name << ": the result of " << candidate_name << " is wrong, it is left out\n";
-    all_right = false;
-}
 }  // namespace zelt::bench
 
 int main(int argc, char** argv) {
@@ -109,5 +79,5 @@ int main(int argc, char** argv) {
     report.end();
     if (isatty(STDERR_FILENO)) std::cerr << "\r\033[K";
     if (!done) std::cerr << "no row matches\n";
-    return all_right && done ? 0 : 1;
+    return all_right() && done ? 0 : 1;
 }

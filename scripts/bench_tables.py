@@ -3,10 +3,11 @@
 
 bench_tables.py RUN.json COMMAND [DOCUMENT]                      from a run of zelt_bench
 bench_tables.py --level LEVEL RUN.json                           shows a line per family, of a run for one level
-bench_tables.py --instructions OURS.tsv PLAIN.tsv COMMAND DOCUMENT  from two runs of zelt_count
+bench_tables.py --instructions FOLDER COMMAND [DOCUMENT]         from the runs of zelt_count that COMMAND left there
 
 Shows a table per family and, given a document, puts it between <!-- bench:FAMILY --> and <!-- /bench --> there;
-<!-- instructions:FAMILY --> for the second kind. Times are medians of one run; 2 % is noise."""
+<!-- instructions:FAMILY --> for the last kind, which also has tables called means, cycles and clang. Times are medians of
+one run; 2 % is noise."""
 import fnmatch
 import json
 import pathlib
@@ -17,19 +18,24 @@ import subprocess
 import sys
 
 NOISE = 0.98
+CLANG_BAR = 1.15
+MODEL = "llvm-mca-19"
 BARS = pathlib.Path(__file__).parent.parent / "bench" / "bars"
 
 
 class Bars:
-    """What bars/NAME.txt says: the bars of rows, and the reasons why some are missed."""
+    """What bars/NAME.txt says: the bars of rows, the reasons why some are missed, and which have none."""
 
     def __init__(self, name, default):
-        self.default, self.bars, self.reasons = default, [], []
+        self.default, self.bars, self.reasons, self.exceptions = default, [], [], []
         path = BARS / f"{name}.txt"
         for line in path.read_text().splitlines() if path.exists() else []:
             if line.startswith("lost "):
                 pattern, reason = line[5:].split(": ", 1)
                 self.reasons.append((pattern.strip(), reason))
+            elif line.startswith("except "):
+                pattern, reason = line[7:].split(": ", 1)
+                self.exceptions.append((pattern.strip(), reason))
             elif line and not line.startswith("#"):
                 bar, pattern = line.split(maxsplit=1)
                 self.bars.append((pattern.strip(), float(bar)))
@@ -40,6 +46,10 @@ class Bars:
 
     def bar(self, row):
         return self.first(self.bars, row, self.default)
+
+    def exception(self, row):
+        reason = self.first(self.exceptions, row, "")
+        return reason and f"not counted: {reason}"
 
     def remark(self, row, lost):
         return f"**lost**: {self.first(self.reasons, row, 'no reason known yet')}" if lost else ""
@@ -115,23 +125,123 @@ def level_table(families):
     return table
 
 
-def read_counts(path):
-    """family -> row -> instructions a unit and unit"""
-    families = {}
-    for line in path.read_text().splitlines():
-        family, row, unit, units, count, call = line.split("\t")
-        families.setdefault(family, {})[row] = (int(count) - int(call)) / int(units), unit
-    return families
+class Target:
+    """What was counted on one of them: NAME.tsv, NAME-clang.tsv and NAME-cycles.tsv of a folder"""
+
+    def __init__(self, title, folder, name):
+        self.title = title
+        self.counts, self.units = self.read_counts(folder / f"{name}.tsv")
+        self.clang, _ = self.read_counts(folder / f"{name}-clang.tsv")
+        self.cycles = {}  # (family, row) -> core -> candidate -> cycles a unit, or None
+        for line in (folder / f"{name}-cycles.tsv").read_text().splitlines():
+            family, row, _, candidate, core, cycles = line.split("\t")
+            cores = self.cycles.setdefault((family, row), {})
+            cores.setdefault(core, {})[candidate] = float(cycles) if cycles else None
+
+    @staticmethod
+    def read_counts(path):
+        """(family, row) -> candidate -> instructions a unit, and (family, row) -> unit"""
+        counts, units = {}, {}
+        for line in path.read_text().splitlines():
+            family, row, unit, number, candidate, called, harness = line.split("\t")
+            inline = family == "bits"  # peers are functions of headers: the loop around counts with all candidates
+            count = int(called) + inline * int(harness)
+            counts.setdefault((family, row), {})[candidate] = count / float(number)
+            units[family, row] = unit
+        return counts, units
+
+    def best_peer(self, key):
+        return best_peer(self.counts.get(key, {}))
+
+    def ratio(self, key):
+        """Instructions of the best peer by ours, or None"""
+        peer = self.best_peer(key)
+        return self.counts[key][peer] / self.counts[key]["zelt"] if peer else None
+
+    def loops(self):
+        """(family, row), core, cycles of ours, best peer, its cycles; only where the model has all forms of both sides"""
+        for key, cores in self.cycles.items():
+            for core, cycles in cores.items():
+                peer = best_peer({name: c for name, c in cycles.items() if c is not None})
+                if peer and cycles["zelt"] is not None and cycles[self.best_peer(key)] is not None:
+                    yield key, core, cycles["zelt"], peer, cycles[peer]
+
+    def fast_enough(self, family):
+        """Whether its modelled loops take at most the best peer's cycles"""
+        ours = [(cycles, theirs) for (f, _), _, cycles, _, theirs in self.loops() if f == family]
+        return bool(ours) and not any(takes_more(*pair) for pair in ours)
 
 
-def instruction_table(family, ours, plain):
-    bars = Bars(f"{family}_instructions", 4.0)
-    table = Table("row", "instructions:", "plain:", "× fewer:", "bar:", "")
-    for row, (count, unit) in ours.items():
-        without = plain[row][0]
-        lost = without / count < bars.bar(row)
-        table.add(lost, row, f"{count:.4g}/{unit}", f"{without:.4g}", f"{without / count:.2f}", f"{bars.bar(row):g}",
-                  bars.remark(row, lost))
+def takes_more(cycles, theirs):
+    return round(theirs / cycles, 2) < 1
+
+
+def best_peer(candidates):
+    peers = [name for name in candidates if not name.startswith("zelt")]
+    return min(peers, key=candidates.get) if peers else None
+
+
+def families_of(targets):
+    return dict.fromkeys(family for t in targets for family, _ in t.counts)
+
+
+def instruction_table(family, targets, bars):
+    head = [h for t in targets for h in (f"{t.title}:", "best peer", "its:", "× peer:")]
+    table = Table("row", *head, "")
+    for key in dict.fromkeys(key for t in targets for key in t.counts if key[0] == family):
+        cells = []
+        for t in targets:
+            peer, ratio = t.best_peer(key), t.ratio(key)
+            ours = f"{t.counts[key]['zelt']:.4g}/{t.units[key]}" if key in t.counts else ""
+            cells += [ours, peer, f"{t.counts[key][peer]:.4g}", f"{ratio:.2f}"] if peer else [ours, "", "", ""]
+        table.add(False, key[1], *cells, bars.exception(f"{family} {key[1]}"))
+    return table
+
+
+def mean_table(targets, bars):
+    """A line per family: the geometric mean of what the best peers execute, by ours"""
+    table = Table("family", *(h for t in targets for h in (f"{t.title}, rows:", "× peer, mean:", "bar:", "")))
+
+    def cells(t, name, ratios, excuse):
+        if not ratios:
+            return ["", "", "", ""]
+        mean, bar = statistics.geometric_mean(ratios), bars.bar(f"{t.title} {name}".strip())
+        remark = "" if mean >= bar else excuse or "**lost**"
+        table.lost += remark == "**lost**"
+        return [str(len(ratios)), f"{mean:.2f}", f"{bar:g}", remark]
+
+    ratios = {t: {key: t.ratio(key) for key in t.counts if t.best_peer(key)} for t in targets}
+    for t in targets:
+        ratios[t] = {key: r for key, r in ratios[t].items() if not bars.exception(" ".join(key))}
+    for family in families_of(targets):
+        line = [cells(t, family, [r for (f, _), r in ratios[t].items() if f == family],
+                      t.fast_enough(family) and "met: its loops take no more cycles") for t in targets]
+        if any(c[0] for c in line):
+            table.add(0, family, *sum(line, []))
+    table.add(0, "all", *sum((cells(t, "", list(ratios[t].values()), "") for t in targets), []))
+    return table
+
+
+def cycle_table(targets):
+    table = Table("loop", "core", "cycles:", "best peer", "its:", "× peer:", "")
+    for t in targets:
+        for (family, row), core, ours, peer, theirs in t.loops():
+            lost = takes_more(ours, theirs)
+            table.add(lost, row if row.startswith(family) else f"{family} {row}", core.title(),
+                      f"{ours:.4g}/{t.units[family, row]}", peer, f"{theirs:.4g}", f"{theirs / ours:.2f}",
+                      "**more**" if lost else "")
+    return table
+
+
+def clang_table(targets):
+    """Rows for which clang's code executes noticeably more than gcc's"""
+    table = Table("row", "target", "gcc:", "clang:", "× more:")
+    for t in targets:
+        for (family, row), candidates in t.clang.items():
+            more = candidates["zelt"] / t.counts[family, row]["zelt"]
+            if more > CLANG_BAR:
+                table.add(True, f"{family} {row}", t.title, f"{t.counts[family, row]['zelt']:.4g}",
+                          f"{candidates['zelt']:.4g}", f"{more:.2f}")
     return table
 
 
@@ -143,6 +253,11 @@ def processor():
 
 def compiler(name):
     return subprocess.run([name, "--version"], capture_output=True, text=True, check=True).stdout.splitlines()[0]
+
+
+def llvm_version():
+    text = subprocess.run([MODEL, "--version"], capture_output=True, text=True, check=True).stdout
+    return re.search(r"LLVM version \S+", text)[0]
 
 
 def insert(document, marker, text):
@@ -162,11 +277,15 @@ def report(kind, family, table, made_by, document):
 
 def main(arguments):
     if arguments[0] == "--instructions":
-        ours, plain = (read_counts(pathlib.Path(a)) for a in arguments[1:3])
-        made_by = f"`{arguments[3]}`, {compiler('arm-linux-gnueabi-g++')}"
-        for family, rows in ours.items():
-            table = instruction_table(family, rows, plain[family])
-            report("instructions", family, table, made_by, pathlib.Path(arguments[4]))
+        folder, document = pathlib.Path(arguments[1]), pathlib.Path(arguments[3]) if len(arguments) > 3 else None
+        targets = [Target("ARMv7", folder, "armhf"), Target("AArch64", folder, "arm64")]
+        bars = Bars("instructions", 1.0)
+        made_by = f"`{arguments[2]}`, {compiler('arm-linux-gnueabihf-g++')}, {compiler('aarch64-linux-gnu-g++')}"
+        for family in families_of(targets):
+            report("instructions", family, instruction_table(family, targets, bars), made_by, document)
+        report("instructions", "cycles", cycle_table(targets), f"`{arguments[2]}`, {llvm_version()}", document)
+        report("instructions", "clang", clang_table(targets), f"`{arguments[2]}`, {compiler('clang++')}", document)
+        report("instructions", "means", mean_table(targets, bars), made_by, document)
     elif arguments[0] == "--level":
         print(f"{arguments[1]} on {processor()}, {compiler('c++')}:\n")
         print(level_table(read_times(pathlib.Path(arguments[2]))[0]))

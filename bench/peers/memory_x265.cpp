@@ -1,4 +1,5 @@
-// x265's copies of blocks and its border of a reference picture, out of the static archive: no header declares them.
+// x265's copies of blocks and, where it chooses kernels by itself, its border of a reference picture, out of the static
+// archive: no header declares them.
 #include "memory.h"
 
 #include <x265.h>
@@ -10,9 +11,13 @@ void extendPicBorder(unsigned char* samples, std::intptr_t stride, int w, int h,
 
 namespace zelt::bench {
 namespace {
+#ifdef __x86_64__
+#define COPY(size, form) x265_blockcopy_pp_##size##_##form
+#else
+#define COPY(size, form) x265_blockcopy_pp_##size##_neon
+#endif
 using block_copy = void(u8* to, std::intptr_t to_stride, const u8* from, std::intptr_t from_stride);
-extern "C" block_copy x265_blockcopy_pp_8x8_sse2, x265_blockcopy_pp_16x16_sse2, x265_blockcopy_pp_32x32_avx,
-    x265_blockcopy_pp_64x64_avx;
+extern "C" block_copy COPY(8x8, sse2), COPY(16x16, sse2), COPY(32x32, avx), COPY(64x64, avx);
 
 void add_copy(area_size s, block_copy* copy) {
     add_candidate("memory", sized("copy", s), [=] {
@@ -21,6 +26,7 @@ void add_copy(area_size s, block_copy* copy) {
     });
 }
 
+#ifdef __x86_64__
 void choose_kernels() {
     x265_param* defaults = x265_param_alloc();
     x265_param_default(defaults);
@@ -29,11 +35,7 @@ void choose_kernels() {
     x265_param_free(defaults);
 }
 
-const bool added = [] {
-    add_copy({8, 8}, x265_blockcopy_pp_8x8_sse2);
-    add_copy({16, 16}, x265_blockcopy_pp_16x16_sse2);
-    add_copy({32, 32}, x265_blockcopy_pp_32x32_avx);
-    add_copy({64, 64}, x265_blockcopy_pp_64x64_avx);
+void add_borders() {
     for (const bordered_size b : bordered_sizes)
         add_candidate("border", sized("expand", b.size), [=] {
             choose_kernels();
@@ -41,6 +43,17 @@ const bool added = [] {
                                         x265::extendPicBorder(p.start, p.stride, p.w, p.h, border, border);
                                     }));
         });
+}
+#endif
+
+const bool added = [] {
+    add_copy({8, 8}, COPY(8x8, sse2));
+    add_copy({16, 16}, COPY(16x16, sse2));
+    add_copy({32, 32}, COPY(32x32, avx));
+    add_copy({64, 64}, COPY(64x64, avx));
+#ifdef __x86_64__
+    add_borders();
+#endif
     return true;
 }();
 }  // namespace

@@ -1,5 +1,6 @@
 // x264's kernels for 8-bit and 10-bit samples. Its 8x8 SATD that is one transform is called sa8d, its satd of larger
-// blocks is that of 4x4 tiles. Left out: 10-bit satd_4x4 from ssse3 on, which is wrong.
+// blocks is that of 4x4 tiles. Left out: 10-bit satd_4x4 from ssse3 on, which is wrong, and on ARM 10-bit kernels but
+// SAD: the archive has those of 8 bits under their names.
 #include "peers/metric.h"
 
 #define SAD(size, form) PEER("zelt_sad" #size, x264_8_pixel_sad_##size##_##form)
@@ -10,7 +11,9 @@
 #define SSD_SWAPPED(size, form) SWAPPED_PEER("zelt_ssd " #size, x264_8_pixel_ssd_##size##_##form)
 #define SSD_16(size, form) PEER("zelt_ssd_16 " #size, x264_10_pixel_ssd_##size##_##form)
 #define SSD_16_SWAPPED(size, form) SWAPPED_PEER("zelt_ssd_16 " #size, x264_10_pixel_ssd_##size##_##form)
+#define SSD_ALIGNED(size, form) ALIGNED_PEER("zelt_ssd " #size, x264_8_pixel_ssd_##size##_##form)
 
+#ifdef __x86_64__
 SAD(4x4, mmx2)
 SAD(4x8, mmx2)
 SAD(8x4, mmx2)
@@ -49,3 +52,34 @@ SSD_SWAPPED(8x8, ssse3)
 SSD_16_SWAPPED(4x4, mmx2)
 SSD_16_SWAPPED(8x8, mmx2)
 SSD_16(16x16, avx2)
+#else
+SAD(4x4, neon)
+SAD(4x8, neon)
+SAD(8x4, neon)
+SAD(8x8, neon)
+SAD(8x16, neon)
+SAD(16x8, neon)
+SAD(16x16, neon)
+PEER("zelt_satd4x4", x264_8_pixel_satd_4x4_neon)
+PEER("zelt_satd8x8", x264_8_pixel_sa8d_8x8_neon)
+TILES(8x8, neon)
+TILES(16x16, neon)
+#ifdef __aarch64__
+SAD_16(4x4, neon)
+SAD_16(4x8, neon)
+SAD_16(8x4, neon)
+SAD_16(8x8, neon)
+SAD_16(8x16, neon)
+SAD_16(16x8, neon)
+SAD_16(16x16, neon)
+SSD(4x4, neon)
+SSD(8x8, neon)
+SSD(16x16, neon)
+#else
+SAD(4x4, armv6)
+SAD(4x8, armv6)
+SSD_ALIGNED(4x4, neon)
+SSD_ALIGNED(8x8, neon)
+SSD_ALIGNED(16x16, neon)
+#endif
+#endif
