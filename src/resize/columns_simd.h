@@ -35,30 +35,20 @@ struct row_shape {
 struct columns {
     static constexpr int eights = lanes / 8, max_run = 128;
 
-    int groups;
+    int groups, whole;              // the latter without a last group that repeats samples of the one before
     std::ptrdiff_t first, last;     // first sample of the first and of the last group, which ends with the row
     const std::ptrdiff_t* offsets;  // of each eight's windows in a source row
-    const u8 *masks, *weights;
-    // Groups whose pairs are contiguous, as at ratios of 2:1 and 4:1. The weights of their eights are in memory order.
+    const u8* tables;               // of each half group: a register of weights, then its masks
+    // Groups whose pairs are contiguous, as at ratios of 2:1 and 4:1
     int run, run_end;
     std::ptrdiff_t run_source;    // where their pairs begin in a source row
     std::ptrdiff_t source_start;  // what offsets and run_source count from: the row's start, or what is read of it
 
+    /// Registers of a half group's table
+    template <int Windows> static constexpr int registers = 1 + row_shape::masks_of(Windows);
+    template <int Windows> const u8* table(int group) const { return tables + 2 * group * registers<Windows> * lanes; }
     std::ptrdiff_t at(int group) const { return std::min(first + group * lanes, last); }
     std::ptrdiff_t source_end(int windows) const { return offsets[groups * eights - 1] + 16 * windows; }
-
-    /// Prefetches this half group's part of the next row: rows are read too sparsely for the hardware prefetcher.
-    void prefetch(int half_group, const u8* row) const { __builtin_prefetch(row + offsets[half_group * (eights / 2)]); }
-
-    u8xn weight(int half_group) const {
-        u8xn w;
-        load(weights + half_group * lanes, w);
-        return w;
-    }
-    template <int Windows> pairs gather_pairs(int half_group, const u8* row) const {
-        return vec::gather_pairs<Windows>(row, offsets + half_group * (eights / 2),
-                                          masks + half_group * row_shape::masks_of(Windows) * lanes);
-    }
 };
 
 /// Pixel offset and channel of 8 consecutive samples, for each channel that the first may have
@@ -88,14 +78,12 @@ public:
         const int group_size = lanes * 2 * (1 + row.masks()) + columns::eights * static_cast<int>(sizeof *offsets_);
         const int groups = static_cast<int>(
             std::min<s64>({Size / group_size, most / lanes, (row.samples - first + lanes - 1) / lanes}));
-        weights_ = memory_;
-        masks_ = weights_ + groups * 2 * lanes;
-        offsets_ = reinterpret_cast<std::ptrdiff_t*>(masks_ + groups * 2 * lanes * row.masks());
-        columns c = {groups, first, row.samples - lanes, offsets_, masks_, weights_, groups, groups, 0, 0};
+        offsets_ = reinterpret_cast<std::ptrdiff_t*>(tables_ + groups * 2 * lanes * (1 + row.masks()));
+        const int whole = static_cast<int>(std::min<std::ptrdiff_t>(groups, (row.samples - first) / lanes));
+        columns c = {groups, whole, first, row.samples - lanes, offsets_, tables_, groups, groups, 0, 0};
         for (int i = 0; i < groups * columns::eights; ++i)
             prepare_eight<Channels>(x, row, i, c.at(i / columns::eights) + 8 * eight_at(i % columns::eights));
         if (may_run && 8 % Channels == 0 && x.shift <= 1) find_run<Channels>(c, x, row);
-        for (int i = c.run * columns::eights; i < c.run_end * columns::eights; i += columns::eights) sort_weights(i);
         return c;
     }
 
@@ -125,13 +113,6 @@ private:
         c.run_source = static_cast<std::ptrdiff_t>(x.sample(from * x.step) * Channels);
     }
 
-    /// Puts the weights of a group's eights in memory order.
-    void sort_weights(int index) {
-        u8 copy[2 * lanes];
-        std::memcpy(copy, weights_ + 16 * index, sizeof copy);
-        for (int i = 0; i < columns::eights; ++i) std::memcpy(weights_ + 16 * (index + eight_at(i)), copy + 16 * i, 16);
-    }
-
     template <int Channels> void prepare_eight(const axis& x, const row_shape& row, int index, std::ptrdiff_t sample) {
         const s64 pixel = sample / Channels, position = pixel * x.step, start = x.sample(position) * Channels;
         const s64 window = std::min(start, row.limit - 16 * row.windows);
@@ -142,19 +123,19 @@ private:
         const u32 fraction = static_cast<u32>(position) & 0x3FFFF, step = static_cast<u32>(x.step);
         const u16x8 place = pack((low * step + fraction) >> 15, (high * step + fraction) >> 15);
         const u16x8 phase = place & 7;
-        store_pairs(weights_ + 16 * index, 8 - phase, phase);
+        constexpr int sharing = columns::eights / 2;  // eights in a half group
+        u8* table = tables_ + index / sharing * (1 + row.masks()) * lanes + index % sharing * 16;
+        store_pairs(table, 8 - phase, phase);
         const u16x8 left = (place >> 3 << static_cast<u16>(x.shift)) * static_cast<u16>(Channels) +
                            load_lanes<u16x8>(of.channel[c]) + static_cast<u16>(start - window);
-        constexpr int sharing = columns::eights / 2;  // eights whose masks are in one register
         for (int k = 0; k < row.masks(); ++k) {
             const u16x8 l = left - static_cast<u16>(reach * k), r = l + static_cast<u16>(x.next * Channels);
-            store_pairs(masks_ + (index / sharing * row.masks() + k) * lanes + index % sharing * 16,
-                        l >= reach ? u16x8{} + 0x80 : l, r >= reach ? u16x8{} + 0x80 : r);
+            table += lanes;
+            store_pairs(table, l >= reach ? u16x8{} + 0x80 : l, r >= reach ? u16x8{} + 0x80 : r);
         }
     }
 
-    u8 *weights_, *masks_;
     std::ptrdiff_t* offsets_;
-    alignas(lanes) u8 memory_[Size];
+    alignas(lanes) u8 tables_[Size];
 };
 }  // namespace zelt::inline ZELT_LEVEL::simd

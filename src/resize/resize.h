@@ -25,8 +25,9 @@
 //
 // How rows are filtered depends on the ratio. If most source rows serve several destination rows, as in enlarging, or
 // if an eight reads more than four windows, the sums of two source rows are cached, and only the last step is done per
-// destination row. Otherwise the pairs of both rows are weighted with the products of both weights at once; pairs that
-// are contiguous, as at 2:1 (ab cd ef ...), are then loaded without masks: a `run` of groups.
+// destination row. Otherwise both rows are filtered at once: one plane as drawn, several with the products of both
+// weights, which the planes share. Pairs that are contiguous, as at 2:1 (ab cd ef ...), are then loaded without masks,
+// a `run` of groups, and weighted with products as well: there they seldom change.
 //
 // Pixels of 1, 3 and 4 bytes are filtered as they are, a pair's bytes being 1, 3 or 4 apart; RGB565 is deinterleaved
 // into planes first. The fused converters filter planes, and convert a register of each before they store it.

@@ -23,74 +23,98 @@ template <int N> struct direct {
 
 // ----------------------------------------------------------------------------------------- both directions in one step
 
+/// Fetches a part of the next row: rows are read too sparsely for the hardware prefetcher.
+inline void prefetch(const u8* p) { __builtin_prefetch(p); }
+
 /// Horizontal weights times a vertical one: at most 64, still bytes
 inline u8xn scaled(u8xn weights, int factor) { return (u8xn)((u16xn)weights * static_cast<u16>(factor)); }
 
 /// The products of weights for a run, computed anew only if the vertical phase changes: at 2:1 it seldom does
-class run_weights {
+class run_products {
 public:
-    void scale(const columns& c, int phase) {
+    template <int Windows> void scale(const columns& c, int phase) {
         if (phase == phase_) return;
         phase_ = phase;
-        for (int i = 0; i < 2 * (c.run_end - c.run); ++i) {
-            const u8xn w = c.weight(2 * c.run + i);
-            top[i] = scaled(w, 8 - phase);
-            bottom[i] = scaled(w, phase);
+        const u8* tables = c.table<Windows>(c.run);
+        for (int i = 0; i < c.run_end - c.run; ++i) {
+            u8xn lo[columns::registers<Windows>], hi[columns::registers<Windows>];
+            load_next(tables, lo), load_next(tables, hi);
+            top_bottom_[i][0] = run_weights(scaled(*lo, 8 - phase), scaled(*hi, 8 - phase));
+            top_bottom_[i][1] = run_weights(scaled(*lo, phase), scaled(*hi, phase));
         }
     }
-    u8xn top[2 * columns::max_run], bottom[2 * columns::max_run];
+    /// Of each group the products for the top row, then those for the bottom row
+    const u8* start() const { return reinterpret_cast<const u8*>(top_bottom_); }
 
 private:
     int phase_ = -1;
+    weights_2n top_bottom_[columns::max_run][2];
 };
 
 /// Groups g..end of a row. Arguments are copied: stores of samples may alias them.
 template <class Format, int Windows, class Row>
 [[gnu::flatten]] void filter_groups(const columns& all, int g, int end, const Row& row, const Row& next) {
     constexpr int planes = Row::planes;
-    const columns c = all;
     const Row job = row, after = next;
-    for (; g < end; ++g) {
-        s16x2n sums[planes];
-        for (int h = 0; h < 2; ++h) {
-            const u8xn w = c.weight(2 * g + h), top = scaled(w, 8 - job.phase), bottom = scaled(w, job.phase);
-            for (int p = 0; p < planes; ++p) {
-                (h ? sums[p].hi : sums[p].lo) =
-                    weighted_sum(weighted_sum(c.gather_pairs<Windows>(2 * g + h, job.top[p]), top),
-                                 c.gather_pairs<Windows>(2 * g + h, job.bottom[p]), bottom);
-                if (h < (Windows + 1) / 2) {  // of one or two windows both halves share a cache line
-                    c.prefetch(2 * g + h, after.top[p]);
-                    c.prefetch(2 * g + h, after.bottom[p]);
-                }
-            }
+    const std::ptrdiff_t last = all.last;
+    std::ptrdiff_t x = all.first + g * lanes;
+    const u8* tables = all.table<Windows>(g);
+    const std::ptrdiff_t* offsets = all.offsets + g * columns::eights;
+    constexpr int n = std::max(planes, 2);  // of one plane the sums of both rows, of several the blended ones
+    const auto filter = [&](s16xn(&sums)[n], bool prefetches) {
+        u8xn table[columns::registers<Windows>];
+        load_next(tables, table);
+        const auto gather = [&](const u8* line) { return gather_pairs<Windows>(line, offsets, table + 1); };
+        if constexpr (planes == 1) {
+            sums[0] = weighted_sum(gather(job.top[0]), *table);
+            sums[1] = weighted_sum(gather(job.bottom[0]), *table);
+        } else {
+            const u8xn top = scaled(*table, 8 - job.phase), bottom = scaled(*table, job.phase);
+            for (int p = 0; p < planes; ++p)
+                sums[p] = weighted_sum(weighted_sum(gather(job.top[p]), top), gather(job.bottom[p]), bottom);
         }
-        u8xn v[planes];
-        for (int p = 0; p < planes; ++p) v[p] = narrow_q6(sums[p]);
-        Format::put(job.dst, c.at(g), v);
-    }
+        for (int p = 0; p < planes && prefetches; ++p) {
+            prefetch(after.top[p] + *offsets);
+            prefetch(after.bottom[p] + *offsets);
+        }
+        offsets += columns::eights / 2;
+    };
+    for (int stop = std::min(end, all.whole); g < end; stop = end, x = last)
+        for (; g < stop; ++g, x += lanes) {
+            u8xn v[planes];
+            s16xn lo[n], hi[n];
+            filter(lo, true);
+            filter(hi, Windows > 2);  // of one or two windows both halves share a cache line
+            if constexpr (planes == 1)
+                v[0] = blend_q6({lo[0], hi[0]}, {lo[1], hi[1]}, job.phase);
+            else
+                for (int p = 0; p < planes; ++p) v[p] = narrow_q6({lo[p], hi[p]});
+            Format::put(job.dst, x, v);
+        }
 }
 
 /// The groups of a run, whose pairs are loaded as they are in memory: Next pixels apart
 template <class Format, int Channels, int Next, class Row>
-[[gnu::flatten]] void filter_run(const columns& c, const run_weights& weights, const Row& row, const Row& next) {
+[[gnu::flatten]] void filter_run(const columns& c, const run_products& products, const Row& row, const Row& next) {
     constexpr int planes = Row::planes;
-    const Row job = row, after = next;
-    const int end = 2 * (c.run_end - c.run);
+    const Row after = next;
+    Row job = row;
+    for (int p = 0; p < planes; ++p) job.top[p] += c.run_source, job.bottom[p] += c.run_source;
+    const u8* weights = products.start();
     std::ptrdiff_t x = c.first + c.run * lanes, source = c.run_source;
-    for (int i = 0; i < end; i += 2, x += lanes, source += 2 * Next * lanes) {
-        u8xn v[planes];
+    for (const std::ptrdiff_t end = c.first + c.run_end * lanes; x < end; x += lanes) {
+        u8xn top[2], bottom[2], v[planes];
+        load_next(weights, top), load_next(weights, bottom);
         for (int p = 0; p < planes; ++p) {
-            const auto sum = [&](int h) {
-                const std::ptrdiff_t at = source + h * Next * lanes;
-                if (Channels == 1 && h < Next) {  // wider pixels: the hardware prefetcher keeps up
-                    __builtin_prefetch(after.top[p] + at);
-                    __builtin_prefetch(after.bottom[p] + at);
+            if (Channels == 1)  // wider pixels: the hardware prefetcher keeps up
+                for (int i = 0; i < Next; ++i) {
+                    prefetch(after.top[p] + source + i * Next * lanes);
+                    prefetch(after.bottom[p] + source + i * Next * lanes);
                 }
-                return weighted_sum(weighted_sum(load_pairs<Channels, Next>(job.top[p] + at), weights.top[i + h]),
-                                    load_pairs<Channels, Next>(job.bottom[p] + at), weights.bottom[i + h]);
-            };
-            v[p] = narrow_q6_ordered({sum(0), sum(1)});
+            v[p] = narrow_q6_ordered(weighted_sum(load_pairs<Channels, Next>(job.top[p]), {top[0], top[1]},
+                                                  load_pairs<Channels, Next>(job.bottom[p]), {bottom[0], bottom[1]}));
         }
+        source += 2 * Next * lanes;
         Format::put(job.dst, x, v);
     }
 }
@@ -99,7 +123,7 @@ template <class Format, int Channels, int Windows, class Rows>
 [[gnu::noinline]] void resize_uncached(const columns& c, const axis& x, const Rows& rows, int count) {
     using source = typename Format::source;
     constexpr int planes = source::planes;
-    run_weights run;
+    run_products run;
     source top(c, Windows), bottom(c, Windows);
     const auto read = [&](const auto& job) {
         row_job<planes, decltype(job.dst)> row;
@@ -109,14 +133,16 @@ template <class Format, int Channels, int Windows, class Rows>
         row.dst = job.dst;
         return row;
     };
+    auto upcoming = rows[0];
     for (int i = 0; i < count; ++i) {
-        const auto row = read(rows[i]);
+        const auto row = read(upcoming);
+        upcoming = rows[i + (i + 1 < count)];
         auto next = row;
-        if constexpr (source::is_direct) next = rows[i + (i + 1 < count)];
+        if constexpr (source::is_direct) next = upcoming;
         if (c.run > 0) filter_groups<Format, Windows>(c, 0, c.run, row, next);
         if (c.run == c.groups) continue;
         if constexpr (8 % Channels == 0) {
-            run.scale(c, row.phase);
+            run.template scale<Windows>(c, row.phase);
             if (x.next == 1)
                 filter_run<Format, Channels, 1>(c, run, row, next);
             else
@@ -131,9 +157,20 @@ template <class Format, int Channels, int Windows, class Rows>
 
 /// The horizontal sums of a row of one plane, two registers per group
 template <int Windows> void filter_horizontal(const columns c, const u8* row, const u8* next, s16xn* to) {
-    for (int h = 0; h < 2 * c.groups; ++h) {
-        if (h % 2 < (Windows + 1) / 2) c.prefetch(h, next);
-        to[h] = weighted_sum(c.gather_pairs<Windows>(h, row), c.weight(h));
+    const u8* tables = c.table<Windows>(0);
+    const std::ptrdiff_t* offsets = c.offsets;
+    u8* sums = reinterpret_cast<u8*>(to);
+    const auto filter = [&](bool prefetches) {
+        u8xn table[columns::registers<Windows>];
+        load_next(tables, table);
+        if (prefetches) prefetch(next + *offsets);
+        store(sums, (u8xn)weighted_sum(gather_pairs<Windows>(row, offsets, table + 1), *table));
+        offsets += columns::eights / 2;
+        sums += lanes;
+    };
+    for (int g = c.groups; g > 0; --g) {
+        filter(true);
+        filter(Windows > 2);
     }
 }
 using filter_horizontal_fn = void (*)(columns, const u8*, const u8*, s16xn*);
@@ -174,16 +211,24 @@ template <class Format, class Dest>
 [[gnu::flatten]] void filter_vertical(const columns& all, const s16xn* top, const s16xn* bottom, int phase,
                                       const Dest& to) {
     constexpr int planes = Format::source::planes;
-    const columns c = all;
     const Dest dst = to;
-    const u16xn bottom_weight = u16xn{} + static_cast<u16>(phase), top_weight = 8 - bottom_weight;
-    const auto blend = [=](s16xn t, s16xn b) { return (s16xn)((u16xn)t * top_weight + (u16xn)b * bottom_weight); };
-    for (int g = 0; g < c.groups; ++g, top += 2, bottom += 2) {
-        u8xn v[planes];
-        for (int p = 0, i = 0; p < planes; ++p, i += 2 * c.groups)
-            v[p] = narrow_q6({blend(top[i], bottom[i]), blend(top[i + 1], bottom[i + 1])});
-        Format::put(dst, c.at(g), v);
+    const u8 *tops[planes], *bottoms[planes];
+    for (int p = 0; p < planes; ++p) {
+        tops[p] = reinterpret_cast<const u8*>(top + 2 * all.groups * p);
+        bottoms[p] = reinterpret_cast<const u8*>(bottom + 2 * all.groups * p);
     }
+    const std::ptrdiff_t last = all.last;
+    std::ptrdiff_t x = all.first;
+    for (int g = 0, stop = all.whole; g < all.groups; stop = all.groups, x = last)
+        for (; g < stop; ++g, x += lanes) {
+            u8xn v[planes];
+            for (int p = 0; p < planes; ++p) {
+                u8xn t[2], b[2];
+                load_next(tops[p], t), load_next(bottoms[p], b);
+                v[p] = blend_q6({(s16xn)t[0], (s16xn)t[1]}, {(s16xn)b[0], (s16xn)b[1]}, phase);
+            }
+            Format::put(dst, x, v);
+        }
 }
 
 template <class Format, class Rows>

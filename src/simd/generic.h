@@ -60,6 +60,9 @@ inline void load4(const u8* p, u8xn& a, u8xn& b, u8xn& c, u8xn& d) {
 template <class... V> void store_channels(u8* p, V... channels) {
     for (int i = 0; i < lanes; ++i) ((*p++ = channels[i]), ...);
 }
+template <int N> void load_next(const u8*& p, u8xn (&v)[N]) {
+    for (u8xn& r : v) load(p, r), p += lanes;
+}
 inline void store(u8* p, u8xn a) { std::memcpy(p, &a, sizeof a); }
 inline void store2(u8* p, u8xn a, u8xn b) { store_channels(p, a, b); }
 inline void store3(u8* p, u8xn a, u8xn b, u8xn c) { store_channels(p, a, b, c); }
@@ -103,6 +106,9 @@ inline u8xn round_high(s16x2n v) { return high(v + 128); }
 inline u8xn narrow_q6(s16x2n v) {
     return make<u8xn>([=](int i) { return sample(v, i) >> 6; });
 }
+inline u8xn blend_q6(s16x2n v, s16x2n w, int f) {
+    return make<u8xn>([=](int i) { return ((8 - f) * sample(v, i) + f * sample(w, i)) >> 6; });
+}
 inline u8xn narrow_ordered(s16x2n v) { return narrow(v); }
 inline u8xn narrow_q6_ordered(s16x2n v) { return narrow_q6(v); }
 inline u8xn low_q2_ordered(s16x2n v) {
@@ -136,24 +142,41 @@ struct pairs {
     u16x8 left, right;
 };
 constexpr int reach = 32;
-template <int Windows> pairs gather_pairs(const u8* row, const std::ptrdiff_t* at, const u8* masks) {
+template <int Windows> pairs gather_pairs(const u8* row, const std::ptrdiff_t* at, const u8xn* masks) {
     const auto gather = [=](int i) {
         int sample = 0;
         for (int k = 0; k < (Windows + 1) / 2; ++k)
-            if (masks[lanes * k + i] < 0x80) sample = row[*at + reach * k + masks[lanes * k + i]];
+            if (masks[k][i] < 0x80) sample = row[*at + reach * k + masks[k][i]];
         return sample;
     };
     return {make<u16x8>(gather), make<u16x8>([=](int i) { return gather(i + 8); })};
-}
-template <int Bytes, int Next> pairs load_pairs(const u8* p) {
-    static_assert((Bytes == 1 || Bytes == 4) && (Next == 1 || Next == 2));
-    const auto left = [=](int i) { return p + i / Bytes * 2 * Next * Bytes + i % Bytes; };
-    return {make<u16x8>([=](int i) { return *left(i); }), make<u16x8>([=](int i) { return left(i)[Next * Bytes]; })};
 }
 inline s16xn weighted_sum(pairs p, u8xn w) {
     return make<s16xn>([=](int i) { return p.left[i] * w[i] + p.right[i] * w[i + 8]; });
 }
 inline s16xn weighted_sum(s16xn sum, pairs p, u8xn w) { return (s16xn)((u16xn)sum + (u16xn)weighted_sum(p, w)); }
+struct pairs_2n {
+    pairs lo, hi;
+};
+struct weights_2n {
+    u8xn lo, hi;
+};
+template <int Bytes, int Next> pairs_2n load_pairs(const u8*& p) {
+    static_assert((Bytes == 1 || Bytes == 4) && (Next == 1 || Next == 2));
+    const u8* first = p;
+    p += 2 * Next * lanes;
+    const auto pixels = [=](int eight, int next) {
+        return make<u16x8>([=](int i) {
+            const int sample = 8 * eight + i;
+            return first[(sample / Bytes * 2 + next) * Next * Bytes + sample % Bytes];
+        });
+    };
+    return {{pixels(0, 0), pixels(0, 1)}, {pixels(1, 0), pixels(1, 1)}};
+}
+inline weights_2n run_weights(u8xn lo, u8xn hi) { return {lo, hi}; }
+inline s16x2n weighted_sum(pairs_2n p, weights_2n w, pairs_2n q, weights_2n v) {
+    return {weighted_sum(weighted_sum(p.lo, w.lo), q.lo, v.lo), weighted_sum(weighted_sum(p.hi, w.hi), q.hi, v.hi)};
+}
 inline u16x8 pack(u32x4 a, u32x4 b) {
     return make<u16x8>([=](int i) { return i < 4 ? a[i] : b[i - 4]; });
 }

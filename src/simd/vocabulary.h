@@ -14,6 +14,7 @@
 //
 // SAMPLES
 //   load, load2, load3, load4    `lanes` samples of 1 to 4 interleaved channels; store, store2, store3, store4 alike
+//   load_next<N>(p, v)           N registers that follow one another; p is then beyond them
 //   load_16, store_16            `lanes` samples of 16 bits in memory order
 //   store_widened(p, v)          samples of 16 bits, widened to memory
 //   splat(int)                   an s16x2n of one value
@@ -28,6 +29,7 @@
 //   narrow_q6                    widened to memory: v >> 6, for v from 0 to 2^14 - 1
 //   narrow_ordered, narrow_q6_ordered
 //                                narrow and narrow_q6, memory to memory
+//   blend_q6(v, w, int f)        widened to memory: ((8 - f) v + f w) >> 6, for v and w from 0 to 2^11 - 1, f from 0 to 8
 //   low_q2_ordered               memory to memory: the low byte of v >> 2
 //   mul_q15(v, int b)            (v b + 2^14) >> 15; b above -2^15
 //   sub_sat(v, w)                v - w with saturation
@@ -41,12 +43,15 @@
 //   reach                        bytes of the windows, 16 or 32, that a mask deals with
 //   gather_pairs<Windows>(row, at, masks)
 //                                pairs by their places in the windows that start at row + at[i], i the eight in widened
-//                                order; on targets where eight_at(i) is i all from row + at[0]. Masks hold `lanes`
-//                                bytes a reach, 0x80 where the byte is in another
-//   load_pairs<Bytes, Next>(p)   pairs that follow one another from p on: of pixels of 1 or 4 bytes, either each one
-//                                (Next 1) or every second one (Next 2), in memory order
+//                                order; on targets where eight_at(i) is i all from row + at[0]. A mask a reach, 0x80
+//                                where the byte is in another
 //   weighted_sum(p, w), weighted_sum(sum, p, w)
 //                                sum of a pair's bytes times its weights; a pair of weights sums up to 128 at most
+//   load_pairs<Bytes, Next>(p)   pairs_2n, for all samples of s16x2n in memory order, that follow one another from p
+//                                on, which is then beyond them: of pixels of 1 or 4 bytes, either each one (Next 1) or
+//                                every second one (Next 2)
+//   run_weights(lo, hi)          weights_2n, which are theirs, of those for both halves in widened order
+//   weighted_sum(p, w, q, v)     the sum of two such weighted sums
 //   store_pairs(p, l, r)         an eight's 16 bytes of a table from l and r, values below 256
 //   pack(u32x4, u32x4)           eight values below 2^16
 //

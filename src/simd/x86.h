@@ -124,6 +124,9 @@ inline void load4(const u8* p, u8xn& a, u8xn& b, u8xn& c, u8xn& d) {
     a = (u8xn)unpacklo_epi64(ab0, ab1), b = (u8xn)unpackhi_epi64(ab0, ab1);
     c = (u8xn)unpacklo_epi64(cd0, cd1), d = (u8xn)unpackhi_epi64(cd0, cd1);
 }
+template <int N> void load_next(const u8*& p, u8xn (&v)[N]) {
+    for (u8xn& r : v) r = load_register(p), p += lanes;
+}
 
 inline void store(u8* p, u8xn a) { store_register(p, a); }
 inline void store2(u8* p, u8xn a, u8xn b) { store_blocks(p, unpacklo_epi8(a, b), unpackhi_epi8(a, b)); }
@@ -154,6 +157,10 @@ template <int N> u8xn narrow_shifted(s16x2n v) { return (u8xn)packus_epi16((u16x
 inline u8xn high(s16x2n v) { return narrow_shifted<8>(v); }
 inline u8xn round_high(s16x2n v) { return high(v + 128); }
 inline u8xn narrow_q6(s16x2n v) { return narrow_shifted<6>(v); }
+inline u8xn blend_q6(s16x2n v, s16x2n w, int f) {
+    const s16xn g = splat(f).lo, e = 8 - g;
+    return narrow_q6({v.lo * e + w.lo * g, v.hi * e + w.hi * g});
+}
 inline u8xn narrow_q6_ordered(s16x2n v) { return in_order(narrow_q6(v)); }
 inline u8xn low_q2_ordered(s16x2n v) { return narrow_ordered({v.lo >> 2 & 255, v.hi >> 2 & 255}); }
 
@@ -221,14 +228,22 @@ template <int A, int B, int C> s16x2n dot_q10(s16x2n u, s16x2n v, s16x2n w) {
 
 using pairs = u16xn;
 constexpr int reach = 16;
-template <int Windows> pairs gather_pairs(const u8* row, const std::ptrdiff_t* at, const u8* masks) {
+template <int Windows> pairs gather_pairs(const u8* row, const std::ptrdiff_t* at, const u8xn* masks) {
     const u8 *first = row + at[0], *last = row + at[lanes / 16 - 1];
-    pairs p = (pairs)shuffle_epi8(load_blocks(first, last), load_register(masks));
-    for (int i = 1; i < Windows; ++i)
-        p |= (pairs)shuffle_epi8(load_blocks(first + 16 * i, last + 16 * i), load_register(masks + lanes * i));
+    pairs p = (pairs)shuffle_epi8(load_blocks(first, last), masks[0]);
+    for (int i = 1; i < Windows; ++i) p |= (pairs)shuffle_epi8(load_blocks(first + 16 * i, last + 16 * i), masks[i]);
     return p;
 }
-template <int Bytes, int Next> pairs load_pairs(const u8* p) {
+inline s16xn weighted_sum(pairs p, u8xn w) { return (s16xn)maddubs_epi16(p, w); }
+inline s16xn weighted_sum(s16xn sum, pairs p, u8xn w) { return (s16xn)((u16xn)sum + (u16xn)weighted_sum(p, w)); }
+
+struct pairs_2n {
+    pairs lo, hi;
+};
+struct weights_2n {
+    u8xn lo, hi;
+};
+template <int Bytes, int Next> pairs load_half_pairs(const u8* p) {
     static_assert((Bytes == 1 || Bytes == 4) && (Next == 1 || Next == 2));
     u8xn v = load_register(p);
     if constexpr (Next == 2) {  // every second pixel of two registers
@@ -238,8 +253,20 @@ template <int Bytes, int Next> pairs load_pairs(const u8* p) {
     static constexpr byte_table<lanes> by_channel = per_place([](int i) { return i % 2 * 4 + i / 2 % 4 + i / 8 * 8; });
     return Bytes == 1 ? (pairs)v : (pairs)shuffle_epi8(v, reg(by_channel));
 }
-inline s16xn weighted_sum(pairs p, u8xn w) { return (s16xn)maddubs_epi16(p, w); }
-inline s16xn weighted_sum(s16xn sum, pairs p, u8xn w) { return (s16xn)((u16xn)sum + (u16xn)weighted_sum(p, w)); }
+template <int Bytes, int Next> pairs_2n load_pairs(const u8*& p) {
+    const u8* first = p;
+    p += 2 * Next * lanes;
+    return {load_half_pairs<Bytes, Next>(first), load_half_pairs<Bytes, Next>(first + Next * lanes)};
+}
+/// In memory order
+inline weights_2n run_weights(u8xn lo, u8xn hi) {
+    u8 p[2 * lanes];
+    store_blocks(p, lo, hi);
+    return {load_register(p), load_register(p + lanes)};
+}
+inline s16x2n weighted_sum(pairs_2n p, weights_2n w, pairs_2n q, weights_2n v) {
+    return {weighted_sum(weighted_sum(p.lo, w.lo), q.lo, v.lo), weighted_sum(weighted_sum(p.hi, w.hi), q.hi, v.hi)};
+}
 inline u16x8 pack(u32x4 a, u32x4 b) { return (u16x8)_mm_packus_epi32((__m128i)a, (__m128i)b); }
 inline void store_pairs(u8* p, u16x8 left, u16x8 right) { store_unaligned(p, left | right << 8); }
 

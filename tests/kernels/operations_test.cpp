@@ -126,6 +126,14 @@ TEST(operations, of_words) {
     ORDERED(narrow_ordered(v));
     ORDERED(narrow_q6_ordered(v - ((v >> 14) << 14)));
     ORDERED(low_q2_ordered(v));
+
+    const memory first = random_words(1 << 12, 12), second = random_words(1 << 12, 12);
+    for (int f = 0; f <= 8; ++f)
+        SAME(whole, 32, 16, first, second, {
+            u8xn x, y, z, t;
+            load2(a, x, y), load2(b, z, t);
+            store(out, blend_q6(add_wide(widen(y & 7) << 8, x), add_wide(widen(t & 7) << 8, z), f));
+        });
 }
 
 TEST(operations, of_channels) {
@@ -137,26 +145,44 @@ TEST(operations, of_channels) {
     CHANNELS(4, x, y, z, t);
 }
 
+template <int N> void check_load_next() {
+    const memory in = random_bytes(1 << 10);
+    SAME(whole, 16 * N, 16 * N, in, in, {
+        const u8* p = a;
+        u8xn v[N];
+        load_next(p, v);
+        for (int i = 0; i < N; ++i) store(out + lanes * i, v[i] + static_cast<u8>((p - a) / lanes));
+    });
+}
+TEST(operations, of_registers) {
+    check_load_next<1>(), check_load_next<2>(), check_load_next<3>(), check_load_next<4>();
+}
+
 // --------------------------------------------------------------------------------------------------------------- pairs
 
 const memory row = random_bytes(256);
 constexpr u16x8 weights_left = {0, 127, 1, 64, 51, 8, 3, 2}, weights_right = {127, 1, 127, 64, 77, 0, 5, 126};
-#define PAIRS(read, in, ...)                                                                           \
-    SAME(whole, read, 16, in, in, {                                                                    \
+#define PAIRS(read, write, in, ...)                                                                    \
+    SAME(whole, read, write, in, in, {                                                                 \
         u8 table[lanes];                                                                               \
         for (int e = 0; e < lanes / 16; ++e) store_pairs(table + 16 * e, weights_left, weights_right); \
         const u8xn weights = load_as<u8xn>(table);                                                     \
         __VA_ARGS__;                                                                                   \
     })
 
-template <int Bytes> void check_load_pairs() {
-    PAIRS(16, row, to(out, weighted_sum(load_pairs<Bytes, 1>(a), weights)));
-    PAIRS(32, row, to(out, weighted_sum(load_pairs<Bytes, 2>(a), weights)));
+template <int Bytes, int Next> void check_load_pairs() {
+    PAIRS(32 * Next, 32, row, {
+        const weights_2n run = run_weights(weights, weights >> 1), other = run_weights(weights & 15, weights);
+        const u8* p = a;
+        const pairs_2n first = load_pairs<Bytes, Next>(p);
+        p -= 2 * Next * lanes;
+        store_16(out, weighted_sum(first, run, load_pairs<Bytes, Next>(p), other));
+    });
 }
 /// An eight has the place of its windows, then the places in them of its left and its right bytes.
 template <int Windows> void check_gather_pairs() {
     const memory places = random_bytes(100 * 17 * whole, 16 * Windows);
-    PAIRS(17, places, {
+    PAIRS(17, 16, places, {
         constexpr int eights = lanes / 16, count = (16 * Windows + reach - 1) / reach;
         u8 masks[lanes * count];
         std::ptrdiff_t at[eights];
@@ -171,11 +197,13 @@ template <int Windows> void check_gather_pairs() {
                 store_pairs(masks + lanes * k + 16 * e, load_as<u16x8>(masked), load_as<u16x8>(masked + 8));
             }
         }
-        to(out, weighted_sum(s16xn{} + 1000, gather_pairs<Windows>(row.data(), at, masks), weights));
+        u8xn loaded[count];
+        for (int k = 0; k < count; ++k) load(masks + lanes * k, loaded[k]);
+        to(out, weighted_sum(s16xn{} + 1000, gather_pairs<Windows>(row.data(), at, loaded), weights));
     });
 }
 TEST(operations, of_pairs) {
-    check_load_pairs<1>(), check_load_pairs<4>();
+    check_load_pairs<1, 1>(), check_load_pairs<1, 2>(), check_load_pairs<4, 1>(), check_load_pairs<4, 2>();
     check_gather_pairs<1>(), check_gather_pairs<2>(), check_gather_pairs<3>(), check_gather_pairs<4>();
     check_gather_pairs<8>();
     SAME(1, 32, 16, row, row, to(out, pack(load_as<u32x4>(a) & 65535, load_as<u32x4>(a + 16) >> 16)));
