@@ -265,18 +265,26 @@ template <int N> void check_values() {
                to(out + i / 4 * 16, load_as<u32>(out + i / 4 * 16) + v32[i] * v32[i] * w32[i]));
         for (const std::size_t every : {1, 17}) {  // or one alone
             const memory x = random_words(1 << 13, bits, every), y = random_words(1 << 13, bits, every);
-            VALUES(x, y, {
-                abs_diff_sums_16<V> s{};
-                add_abs_diff(s, v, w), add_abs_diffs(s, v, w, w, V{});
-                add_abs_diffs(s, v, w, w, v), add_abs_diffs(s, w, v, v, w);
-                const U sums = pairwise_add_accumulate(U{}, s.sum);
-                return if_exact(reduce_add(sums), exact_abs_diffs(seen(s)), bits <= 12);
-            });
-            VALUES(x, y, {
-                const square_sums<V> first = add_squares(square_sums<V>{}, v, w);
-                const square_sums<V> s = add(add_squares(first, w, V{}), add_squares(square_sums<V>{}, v, V{}));
-                return if_exact(reduce_add(s), exact(s), bits <= 14);
-            });
+            for (const int form : {0, 1, 2, 3}) {  // which must each tell that a sum is not exact, and keep it
+                VALUES(x, y, {
+                    abs_diff_sums_16<V> s{};
+                    if (form == 0 || form == 3) add_abs_diff(s, v, w);
+                    if (form == 1 || form == 3) add_abs_diffs(s, v, w, w, w);
+                    if (form == 2 || form == 3) add_abs_diffs(s, w, w, v, w);
+                    if (form == 3) add_abs_diffs(s, v, w, w, v);
+                    add_abs_diff(s, w, w), add_abs_diffs(s, v, v, w, w);
+                    const U sums = pairwise_add_accumulate(U{}, s.sum);
+                    return if_exact(reduce_add(sums), exact_abs_diffs(seen(s)), bits <= 12);
+                });
+                VALUES(x, y, {
+                    const square_sums<V> none = add_squares(square_sums<V>{}, w, w);
+                    square_sums<V> s = add_squares(none, v, w);
+                    if (form == 0) s = add_squares(s, w, w);
+                    if (form == 1 || form == 3) s = add(s, add_squares(none, v, V{}));
+                    if (form == 2 || form == 3) s = add(add_squares(none, w, V{}), s);
+                    return if_exact(reduce_add(s), exact(s), bits <= 14);
+                });
+            }
         }
     }
     const memory one = single_bytes(2 * N);
