@@ -997,7 +997,7 @@ NEAREST = [
     ("src/buffer/(audb|bitb|mfal|imgb|geometry)", "audb.*:bitb.*:imgb.*:geometry.*:records.*:allocation_failures.*"),
     ("src/bitstream/", "bsr.*:bsw.*"),
     ("src/resize/", "*irsz*:*rsz*:bands*:resize*"),
-    ("src/csc/", "*csc*:high_depth.*:exhaustive.*:overlap.*"),
+    ("src/csc/", "*csc*:exhaustive.*:overlap.*"),
     ("src/metric/satd", "*satd*:*hadamard*"),
     ("src/media/(str|uri)", "str.*:uri.*"),
     ("src/media/(keyframe|start)", "keyframe.*"),
