@@ -518,12 +518,12 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("? 2 : s[0] ? 1 : 0); }", "? 2 : 1); }", "the rest of a text without a line end begins past its end"),
     ],
     "src/metric/diff_simd.h": [
-        ("d = hide_from_optimizer(d + rows * sd);",
-         "d = hide_from_optimizer(d + rows * sa);", "results go on by the first block's stride"),
+        ("store_rows_16<W, rows>(p, sd, v), p += rows * sd;",
+         "store_rows_16<W, rows>(p, sd, v), p += rows * sa;", "results go on by the first block's stride"),
         ("const B* pb = b + y * std::ptrdiff_t{sb} + x;",
          "const B* pb = b + y * std::ptrdiff_t{sa} + x;", "strips of the second block go on by the first one's stride"),
-        ("store(second(d + x, sd), w);",
-         "store(second(d + x, sa), w);", "the second register goes by the first block's stride"),
+        ("last ? columns - W + sd : columns;",
+         "last ? columns - W + sa : columns;", "results of wide rows go on by the first block's stride"),
     ],
     "src/metric/sad.cpp": [
         ("return w == 8 ?", "return w <= 8 ?", "quirk: widths under 8 are 8 columns"),
@@ -575,7 +575,6 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
     "src/metric/ssd_simd.h": [
         ("return reduce_add(sum) + scalar::ssd<W>(W, left, pa, pb, s_a, s_b);",
          "return reduce_add(sum);", "the last rows of an odd number"),
-        ("sum = add(sum, other);", ";", "every second register is left out"),
         ("        return scalar::ssd<W>(W, h, a, b, s_a, s_b);",
          "        return reduce_add(sum);", "large 16-bit differences are not squared again"),
         ("        return ssd_of_rows<W>(w, h, a, b, sa, sb);",
@@ -675,6 +674,8 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
          "if (c.run_end < c.groups - 1) filter_groups", "the last group after a run is missing"),
     ],
     "src/simd/block.h": [
+        ("return f(f(t, va.first, vb.first), va.second, vb.second);",
+         "return f(t, va.first, vb.first);", "every second register of a wide row is left out"),
         ("h -= most, y += most)", "h -= most, y += most - 1)", "areas of more than 64 rows"),
         ("if (w - x >= 1) strip(", "if (w - x > 1) strip(", "the last column of an odd width"),
         ("lanes_16 > 8 && w - x >= 8)", "lanes_16 > 8 && w - x > 8)", "a strip of exactly eight columns"),
@@ -693,7 +694,7 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
     ],
     "src/simd/neon_block.h": [
         ("return !any_sign_bit(seen); }", "return true; }", "magnitudes always count as exact"),
-        ("(u16xn)vqaddq_u16(", "(u16xn)vaddq_u16(", "sums of magnitudes do not saturate"),
+        ("vqaddq_u16((uint16x8_t)s, a)", "vaddq_u16((uint16x8_t)s, a)", "sums of magnitudes do not saturate"),
         ("(u16xn)vabsq_s16(", "(u16xn)vqabsq_s16(", "the magnitude of -32768 is 32767"),
         ("load_as<u16>(p + 3 * stride), v, 3)", "load_as<u16>(p + 2 * stride), v, 3)", "the fourth row of two columns"),
     ],

@@ -13,30 +13,23 @@ constexpr bool worth_a_register = W % 2 == 0 && (W * H) * static_cast<int>(sizeo
 
 // ------------------------------------------------------------------------------------------------------- 8-bit samples
 
-/// What the rows of W bytes are summed up in
-template <int W> using row_sums = abs_diff_sums_8<std::conditional_t<W % lanes == 0, u8xn, u8x16>>;
-
-template <int W, int H>
-row_sums<W> add_block(row_sums<W> sum, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
-    using step = byte_step<W, H>;
-    static_assert(W / step::columns * (H / step::rows) <= 256, "no form for blocks of this size");
-    const auto add = [&](const u8* pa, const u8* pb) {
-        sum = add_abs_diff(sum, load_rows<step::columns, step::rows>(pb, sb),
-                           load_rows<step::columns, step::rows>(pa, sa));
-    };
-    each_step<step, W, H, 16>(a, b, sa, sb, add);
-    return sum;
+template <int W, int H, class Sums>
+[[gnu::always_inline]] inline Sums add_block(Sums sum, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
+    return each_step<byte_step<W, H>, W, H, 16>(
+        sum, a, b, sa, sb,
+        [](auto s, auto va, auto vb) __attribute__((always_inline)) { return add_abs_diff(s, vb, va); });
 }
 
 template <int W, int H>
 requires worth_a_register<W, H, u8> u32 sad(const u8* a, const u8* b, int sa, int sb) {
-    return reduce_add(add_block<W, H>(row_sums<W>{}, a, b, sa, sb));
+    using step = byte_step<W, H>;
+    return reduce_add(add_block<W, H>(abs_diff_sums_8<W, W / step::columns*(H / step::rows)>{}, a, b, sa, sb));
 }
 
 /// Up to as many rows as the partial sums can take
 constexpr int rows_at_once = 256;
 template <int W> u32 sad_few_rows(int h, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
-    row_sums<W> sum{};
+    abs_diff_sums_8<W, rows_at_once> sum{};
     for (; h >= 8; h -= 8, a += 8 * sa, b += 8 * sb) sum = add_block<W, 8>(sum, a, b, sa, sb);
     for (; h > 0; --h, a += sa, b += sb) sum = add_block<W, 1>(sum, a, b, sa, sb);
     return reduce_add(sum);
@@ -131,19 +124,19 @@ requires worth_a_register<W, H, s16> u32 sad(const s16* a, const B* b, int s_a, 
     abs_diffs<V> all;
     const s16* pa = a;
     const B* pb = b;
-    for (int y = 0; y < H; y += group, pa += group * sa, pb += group * sb) {
-        abs_diff_sums_16<V> part{};
-        V first_a{}, first_b{};
-        bool second = false;
-        const auto add = [&](const s16* of_a, const B* of_b) {
-            const V next_a = load_rows_16<step::columns, step::rows>(of_a, sa);
-            const V next_b = load_rows_16<step::columns, step::rows>(of_b, sb);
-            if (second) add_abs_diffs(part, first_b, first_a, next_b, next_a);
-            first_a = next_a, first_b = next_b, second = !second;
+    for (int y = 0; y < H; y += group) {
+        struct by_two {
+            abs_diff_sums_16<V> part;
+            V a, b;  // the first ones
+            bool second;
         };
-        each_step<step, W, group, abs_diffs<V>::at_once>(pa, pb, sa, sb, add);
-        if (odd) add_abs_diff(part, first_b, first_a);
-        all.add(part);
+        const auto add = [](by_two s, V va, V vb) {
+            if (s.second) add_abs_diffs(s.part, s.b, s.a, vb, va);
+            return by_two{s.part, va, vb, !s.second};
+        };
+        by_two s = each_step<step, W, group, abs_diffs<V>::at_once>(by_two{}, pa, pb, sa, sb, add);
+        if (odd) add_abs_diff(s.part, s.b, s.a);
+        all.add(s.part);
     }
     if (!all.exact()) [[unlikely]]
         return sad_of_large<W, H>(a, b, s_a, s_b);

@@ -9,13 +9,11 @@ namespace zelt::inline ZELT_LEVEL::simd {
 template <class V> void butterflies(V& a, V& b, V& c, V& d) { butterfly(a, b), butterfly(c, d); }
 
 /// Half of |a + b| + |a - b| over neighbours in a and in b
-template <class V> V last_of_neighbours(V a, V b) {
-    transpose2x2_16(a, b);
-    return max(abs(a), abs(b));
-}
+template <class V> V last_of_neighbours(V a, V b) { return max_of_neighbours(abs(a), abs(b)); }
 
-/// The same of a and b where both sums wrap: their magnitudes are up to 2^15, and add up to an even value
+/// The same where both sums wrap: their magnitudes are up to 2^15, and add up to an even value
 template <class V> V wrapped_half(V a, V b) {
+    transpose2x2_16(a, b);
     butterfly(a, b);
     return average(abs(a), abs(b));
 }
@@ -23,7 +21,7 @@ template <class V> V wrapped_half(V a, V b) {
 // ----------------------------------------------------------------------------------------------------------- 4x4 tiles
 
 enum class range {
-    of_bytes,  // no value leaves 16 bits, and the stage between neighbours is done already
+    of_bytes,  // no value leaves 16 bits, and the stage between neighbours may be done already
     usual,     // no value of the last stage leaves 16 bits; `seen` tells
     any        // the last stage wraps, as all do
 };
@@ -32,26 +30,33 @@ enum class range {
 template <range Range> struct tile_costs {
     static constexpr int rows_at_once = Range == range::of_bytes ? 32 : 64;  // and no more than the cache keeps
     u32xn sum{};
-    u16xn part{}, seen{};  // four rows of bytes add 4080 at most to a part
+    u16xn part{}, seen{};
 
     /// Four rows, of one or more tiles
     template <class V> void add_rows(V a, V b, V c, V d) {
-        butterflies(a, b, c, d), butterflies(a, c, b, d);
         if constexpr (Range == range::of_bytes) {
-            part += extend(last_of_neighbours(a, b) + last_of_neighbours(c, d));
-        } else {
-            transpose2x2_16(a, b), transpose2x2_16(c, d);
-            butterflies(a, b, c, d);
-            transpose2x2_32(a, b), transpose2x2_32(c, d);
-            if constexpr (Range == range::any) {
-                sum += extend(pairwise_add_accumulate_abs(pairwise_add_accumulate_abs(u32_of<V>{}, wrapped_half(a, b)),
-                                                          wrapped_half(c, d)));
-            } else {
-                const V half_ab = max(abs(a), abs(b)), half_cd = max(abs(c), abs(d));
-                sum += extend(pairwise_add_accumulate(u32_of<V>{}, half_ab + half_cd)),
-                    seen |= extend(half_ab | half_cd);
-            }
+            part += extend(half_of_bytes(a, b, c, d));
+            return;
         }
+        butterflies(a, b, c, d), butterflies(a, c, b, d);
+        transpose2x2_32(a, b), transpose2x2_32(c, d);
+        butterflies(a, b, c, d);
+        if constexpr (Range == range::any) {
+            sum += extend(pairwise_add_accumulate_abs(pairwise_add_accumulate_abs(u32_of<V>{}, wrapped_half(a, b)),
+                                                      wrapped_half(c, d)));
+        } else {
+            const V half_ab = last_of_neighbours(a, b), half_cd = last_of_neighbours(c, d);
+            sum += extend(pairwise_add_accumulate(u32_of<V>{}, half_ab + half_cd)), seen |= extend(half_ab | half_cd);
+        }
+    }
+    /// Half of what four rows of bytes cost, 4080 at most
+    template <class V> static V half_of_bytes(V a, V b, V c, V d) {
+        butterflies(a, b, c, d), butterflies(a, c, b, d);
+        if constexpr (!pairing_is_free) {
+            transpose2x2_32(a, b), transpose2x2_32(c, d);
+            butterflies(a, b, c, d);
+        }
+        return last_of_neighbours(a, b) + last_of_neighbours(c, d);
     }
     /// Comes after rows_at_once
     void add_part() {
@@ -60,59 +65,80 @@ template <range Range> struct tile_costs {
     bool exact() const { return Range != range::usual || !any_sign_bit(seen | (seen + seen)); }
 };
 
-/// Cost of a tile, rows 0 and 1 in one register, rows 2 and 3 in the other. Exact for any values or for those of bytes.
-template <range Range> u32x4 tile_cost(u16x8 a, u16x8 b) {
+/// Half of the cost of a tile, rows 0 and 1 in one register, rows 2 and 3 in the other. Exact for any values or for
+/// those of bytes.
+template <range Range> u16x8 half_costs(u16x8 a, u16x8 b) {
     butterfly(a, b);
     transpose2x2_64(a, b);
     butterfly(a, b);
-    transpose2x2_16(a, b);
-    butterfly(a, b);
     transpose2x2_32(a, b);
-    if constexpr (Range == range::of_bytes) return pairwise_add_accumulate(u32x4{}, max(abs(a), abs(b)));
-    return pairwise_add_accumulate_abs(u32x4{}, wrapped_half(a, b));
+    butterfly(a, b);
+    return Range == range::of_bytes ? last_of_neighbours(a, b) : wrapped_half(a, b);
 }
+inline u32x4 tile_cost(u16x8 half) { return pairwise_add_accumulate_abs(u32x4{}, half); }
 
 template <int W, int R, class A, class B> auto residual(const A* a, const B* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
-    return hide_from_optimizer(load_rows_16<W, R>(a, sa) - load_rows_16<W, R>(b, sb));
+    return hide_from_optimizer(difference_of_rows<W, R>(a, b, sa, sb));
 }
 
 inline u32 hadamard4x4(const s16* d) {
-    return reduce_add(tile_cost<range::any>(load_rows_16<8, 1>(d, 0), load_rows_16<8, 1>(d + 8, 0)));
+    return reduce_add(tile_cost(half_costs<range::any>(load_rows_16<8, 1>(d, 0), load_rows_16<8, 1>(d + 8, 0))));
 }
 
-template <class A, class B> u32x4 tile_cost(const A* a, const B* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
-    return tile_cost < std::is_same_v<A, u8>
+template <class A, class B> u16x8 half_costs(const A* a, const B* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
+    return half_costs < std::is_same_v<A, u8>
                ? range::of_bytes
                : range::any > (residual<4, 2>(a, b, sa, sb), residual<4, 2>(a + 2 * sa, b + 2 * sb, sa, sb));
 }
 template <class A, class B> u32 satd4x4(const A* a, const B* b, int sa, int sb) {
-    return reduce_add(tile_cost(a, b, sa, sb));
+    const u16x8 half = half_costs(a, b, sa, sb);
+    return std::is_same_v<A, u8> ? reduce_add(half) : reduce_add(tile_cost(half));
 }
 
 /// R times four rows of W columns; of rows that are four apart two may share a register.
 template <int W, int R, range Range, class A>
-[[gnu::always_inline]] inline void add_rows(tile_costs<Range>& costs, const A* a, const A* b, std::ptrdiff_t sa,
+[[gnu::always_inline]] inline void add_rows(tile_costs<Range>& costs, rows_of_two<A, A>& rows, std::ptrdiff_t sa,
                                             std::ptrdiff_t sb) {
-    const auto row = [=](int y) {
-        if constexpr (Range == range::of_bytes)
-            return paired_residual<W, R>(a + y * sa, b + y * sb, 4 * sa, 4 * sb);
+    const auto difference = [=](const A* a, const A* b) __attribute__((always_inline)) {
+        if constexpr (Range == range::of_bytes && pairing_is_free)
+            return paired_residual<W, R>(a, b, 4 * sa, 4 * sb);
         else
-            return residual<W, R>(a + y * sa, b + y * sb, 4 * sa, 4 * sb);
+            return residual<W, R>(a, b, 4 * sa, 4 * sb);
     };
-    costs.add_rows(row(0), row(1), row(2), row(3));
+    const auto v0 = rows.at(0, difference), v1 = rows.at(1, difference);
+    const auto v2 = rows.at(2, difference), v3 = rows.at(3, difference);
+    rows.next_turn(4 * R);
+    costs.add_rows(v0, v1, v2, v3);
+}
+/// Four rows of `lanes` bytes, where their neighbours are not paired by the way
+template <class Costs> [[gnu::always_inline]] inline void add_wide_rows(Costs& costs, rows_of_two<u8, u8>& rows) {
+    const auto differences = [](const u8* a, const u8* b) __attribute__((always_inline)) {
+        const s16x2n d = difference(load_rows<lanes, 1>(a, 0), load_rows<lanes, 1>(b, 0));
+        return two<u16xn>{hide_from_optimizer((u16xn)d.lo), hide_from_optimizer((u16xn)d.hi)};
+    };
+    const auto v0 = rows.at(0, differences), v1 = rows.at(1, differences);
+    const auto v2 = rows.at(2, differences), v3 = rows.at(3, differences);
+    rows.next_turn(4);
+    costs.sum = pairwise_add_accumulate(costs.sum, costs.half_of_bytes(v0.first, v1.first, v2.first, v3.first) +
+                                                       costs.half_of_bytes(v0.second, v1.second, v2.second, v3.second));
 }
 /// Up to rows_at_once rows of 4, 8 or as many columns as a register has
 template <int W, range Range, class A>
-[[gnu::always_inline]] inline void add_strip(tile_costs<Range>& costs, int h, const A* a, const A* b, std::ptrdiff_t sa,
-                                             std::ptrdiff_t sb) {
+[[gnu::always_inline]] inline void add_strip(tile_costs<Range>& costs, int h, const A* pa, const A* pb,
+                                             std::ptrdiff_t sa, std::ptrdiff_t sb) {
     if constexpr (W == 4) {
-        for (; h > 0; h -= 4, a += 4 * sa, b += 4 * sb) costs.sum += extend(tile_cost(a, b, sa, sb));
+        for (; h > 0; h -= 4, pa += 4 * sa, pb += 4 * sb) costs.sum += extend(tile_cost(half_costs(pa, pb, sa, sb)));
     } else {
-        constexpr int together = lanes_16 / W;
-        for (; h > 4 * (together - 1); h -= 4 * together, a += 4 * together * sa, b += 4 * together * sb)
-            add_rows<W, together>(costs, a, b, sa, sb);
-        if (together == 2 && h > 0) add_rows<W, 1>(costs, a, b, sa, sb);
-        costs.add_part();
+        rows_of_two<A, A> places(pa, pb, sa, sb);
+        if constexpr (W > lanes_16) {
+            for (; h > 0; h -= 4) add_wide_rows(costs, places);
+        } else {
+            constexpr int together = lanes_16 / W;
+            static_assert(together == 1 || loads_take_an_index);
+            for (; h > 4 * (together - 1); h -= 4 * together) add_rows<W, together>(costs, places, sa, sb);
+            if (together == 2 && h > 0) add_rows<W, 1>(costs, places, sa, sb);
+            costs.add_part();
+        }
     }
 }
 
@@ -125,6 +151,8 @@ template <range Range, class A>
     for (int left = h; left > 0; left -= most, pa += most * std::ptrdiff_t{sa}, pb += most * std::ptrdiff_t{sb}) {
         const int rows = left < most ? left : most;
         int x = 0;
+        if constexpr (Range == range::of_bytes && !pairing_is_free)
+            for (; w - x > lanes - 4; x += lanes) add_strip<lanes>(costs, rows, pa + x, pb + x, sa, sb);
         for (; w - x > lanes_16 - 4; x += lanes_16) add_strip<lanes_16>(costs, rows, pa + x, pb + x, sa, sb);
         if (w - x > 4) add_strip<8>(costs, rows, pa + x, pb + x, sa, sb), x += 8;
         if (w - x > 0) add_strip<4>(costs, rows, pa + x, pb + x, sa, sb);
@@ -173,13 +201,23 @@ inline u32 rounded_cost(u32 half) { return (half + 1) >> 1; }
 inline u32 satd8x8(const u8* a, const u8* b, int s_a, int s_b) {
     const std::ptrdiff_t sa = s_a, sb = s_b;
     u16xn v[registers], half{};
-    for (int i = 0; i < registers; ++i)
-        v[i] = paired_residual<8, rows_together>(a + i * sa, b + i * sb, 4 * sa, 4 * sb);
+    rows_of_two<u8, u8> places(a, b, sa, sb);
+    const auto difference = [=](const u8* pa, const u8* pb) __attribute__((always_inline)) {
+        if constexpr (pairing_is_free)
+            return paired_residual<8, rows_together>(pa, pb, 4 * sa, 4 * sb);
+        else
+            return residual<8, rows_together>(pa, pb, 4 * sa, 4 * sb);
+    };
+    for (int i = 0; i < registers; ++i) {
+        v[i] = places.at(i % 4, difference);
+        if (i == 3) places.next_turn(4);
+    }
     stages_between<butterfly<u16xn>>(v);
+    if (!pairing_is_free) stage_within<butterfly<u16xn>, transpose2x2_64<u16xn>>(v);
     stage_within<butterfly<u16xn>, transpose2x2_32<u16xn>>(v);
     stage_of_lanes<butterfly<u16xn>>(v);
     for (int i = 0; i < registers; i += 2) half += last_of_neighbours(v[i], v[i + 1]);  // 32640 at most
-    return rounded_cost(reduce_add(pairwise_add_accumulate(u32xn{}, half)));
+    return rounded_cost(reduce_add(half));
 }
 
 template <class A, class B> [[gnu::cold, gnu::noinline]] u32 satd8x8_of_large(const A* a, const B* b, int sa, int sb) {

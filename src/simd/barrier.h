@@ -1,6 +1,7 @@
 #pragma once  // optimisation barriers
 #include "simd/level.h"
 
+#include <cstddef>
 #include <type_traits>
 
 namespace zelt::inline ZELT_LEVEL {
@@ -12,6 +13,16 @@ template <class T> T hide_from_optimizer(T value) {
         asm("" : "+" ZELT_REGISTER(value));
 #endif
     return value;
+}
+
+/// p + n, after all loads from p: gcc for AArch64 would add first, and keep a copy of p for them.
+template <class T> T* step_on(T* p, std::ptrdiff_t n) {
+#ifdef __aarch64__
+    asm("add %0, %0, %1" : "+r"(p) : "r"(n * static_cast<std::ptrdiff_t>(sizeof(T))));
+    return p;
+#else
+    return hide_from_optimizer(p + n);
+#endif
 }
 
 /// On targets with post-increment addressing, keeps gcc from splitting one stepped pointer into many of a base and an

@@ -14,36 +14,117 @@ constexpr int divisor_of(int n, int most) {
     return most;
 }
 
-/// What one register takes of a block of W columns and H rows, in samples of N to a register of 16 bytes
+/// What one register takes of a block of W columns and H rows; rows share it up to N samples.
 template <int W, int H, int N, int Widest> struct step {
     static constexpr int columns = power_of_two_in(W, Widest);
     static constexpr int rows = columns >= N ? 1 : power_of_two_in(H, N / columns);
 };
-template <int W, int H> using byte_step = step<W, H, 16, lanes>;
-template <int W, int H> using word_step = step<W, H, 8, lanes_16>;
+template <int W, int H> struct byte_step : step<W, H, shared_bytes, lanes> {
+    using base = step<W, H, shared_bytes, lanes>;
+    static auto load(const u8* p, std::ptrdiff_t stride) { return load_rows<base::columns, base::rows>(p, stride); }
+    static auto load_and_step(const u8*& p, std::ptrdiff_t n) { return load_two(p, n); }
+};
+template <int W, int H> struct word_step : step<W, H, 8, lanes_16> {
+    using base = step<W, H, 8, lanes_16>;
+    template <class T> static auto load(const T* p, std::ptrdiff_t stride) {
+        return load_rows_16<base::columns, base::rows>(p, stride);
+    }
+    template <class T> static auto load_and_step(const T*& p, std::ptrdiff_t n) { return load_two_16(p, n); }
+};
 
-/// Calls f(a, b) at the place of every register of a block, four rows of registers in a turn, so that x86 can address
-/// them as a base and 0 to 3 strides. If a row has several registers, or loads take no index, one address moves down.
-/// Blocks of few registers are straight code. Of others two turns are enough: gcc would keep all sums live, and spill.
-template <class Step, int W, int H, int Few, class A, class B, class F>
-[[gnu::always_inline]] inline void each_step(const A* a, const B* b, std::ptrdiff_t sa, std::ptrdiff_t sb, F f) {
+/// The rows of two blocks, four in a turn: as a base and 0 to 3 strides where loads take an index, otherwise as a place
+/// that moves down
+template <class A, class B> class rows_of_two {
+public:
+    rows_of_two(const A* a, const B* b, std::ptrdiff_t sa, std::ptrdiff_t sb) : a_(a, sa), b_(b, sb) {}
+
+    /// f(a, b) at row i of a turn; all are asked for, in order.
+    template <class F> [[gnu::always_inline]] auto at(int i, F f) {
+        const auto v = f(a_.row(i), b_.row(i));
+        if constexpr (!loads_take_an_index) a_.move(1), b_.move(1);
+        return v;
+    }
+    /// Comes after a turn of n.
+    void next_turn(int n) {
+        if constexpr (loads_take_an_index) a_.move(n), b_.move(n);
+    }
+    const A* a() const { return a_.p; }
+    const B* b() const { return b_.p; }
+
+private:
+    template <class P> static P hide_unless_scaled(P p) { return loads_scale_an_index ? p : hide_from_optimizer(p); }
+    template <class T> struct place {
+        const T* p;
+        std::ptrdiff_t stride, two, three;
+
+        place(const T* at, std::ptrdiff_t n)
+            : p(at), stride(n), two(hide_unless_scaled(2 * n)), three(hide_unless_scaled(3 * n)) {}
+        const T* row(int i) const {
+            return loads_take_an_index ? p + (i == 0 ? 0 : i == 1 ? stride : i == 2 ? two : three) : p;
+        }
+        void move(int n) { p = hide_unless_scaled(p + n * stride); }
+    };
+    place<A> a_;
+    place<B> b_;
+};
+
+/// s = f(s, a, b, last) with every two registers of a row; both addresses move on to the next row, with the loads or
+/// after them.
+template <class Step, int W, bool Steps, class S, class A, class B, class F>
+[[gnu::always_inline]] inline S each_two_of_row(S s, const A*& a, const B*& b, std::ptrdiff_t sa, std::ptrdiff_t sb,
+                                                F f) {
+    constexpr int two = 2 * Step::columns;
+    static_assert(W % two == 0);
+    const A* pa = a;
+    const B* pb = b;
+    for (int x = two; x <= W; x += two) {
+        const auto va = Step::load_and_step(pa, x < W || !Steps ? two : two - W + sa);
+        const auto vb = Step::load_and_step(pb, x < W || !Steps ? two : two - W + sb);
+        s = f(s, va, vb, x == W);
+    }
+    a = Steps ? hide_from_optimizer(pa) : step_on(a, sa);
+    b = Steps ? hide_from_optimizer(pb) : step_on(b, sb);
+    return s;
+}
+
+/// s = f(s, a, b) with every register of a block, four rows of registers in a turn. Blocks of few registers are
+/// straight code. Of others two turns are enough: gcc would keep all sums live, and spill. Both addresses move on to
+/// the next row.
+template <class Step, int W, int H, int Few, class S, class A, class B, class F>
+[[gnu::always_inline]] inline S each_step(S s, const A*& a, const B*& b, std::ptrdiff_t sa, std::ptrdiff_t sb, F f) {
     constexpr int rows = H / Step::rows;
     constexpr int turn = divisor_of(rows, 4) * Step::rows;
     constexpr int turns_at_once = W / Step::columns * rows <= Few ? H / turn : H / turn % 2 ? 1 : 2;
     static_assert(W % Step::columns == 0 && H % Step::rows == 0);
+    rows_of_two<A, B> places(a, b, Step::rows * sa, Step::rows * sb);
+    const auto load = [=](const A* pa, const B* pb) __attribute__((always_inline)) {
+        return two<decltype(Step::load(pa, sa))>{Step::load(pa, sa), Step::load(pb, sb)};
+    };
+    const auto f_of_two = [=](S t, auto va, auto vb, bool) __attribute__((always_inline)) {
+        return f(f(t, va.first, vb.first), va.second, vb.second);
+    };
+    constexpr bool steps = loads_step || W == 2 * Step::columns;  // a load of two registers has no offset
 #pragma GCC unroll 1
     for (int y = 0; y < H; y += turn * turns_at_once)
+#pragma GCC unroll 16
         for (int n = 0; n < turns_at_once; ++n)
-            if constexpr (W > Step::columns || (!loads_take_an_index && Step::rows == 1)) {
-                for (int i = 0; i < turn; i += Step::rows) {
-                    for (int x = 0; x < W; x += Step::columns) f(a + x, b + x);
-                    a = hide_from_optimizer(a + Step::rows * sa);
-                    b = hide_from_optimizer(b + Step::rows * sb);
-                }
+            if constexpr (W > Step::columns) {
+                for (int i = 0; i < turn; ++i) s = each_two_of_row<Step, W, steps>(s, a, b, sa, sb, f_of_two);
             } else {
-                for (int i = 0; i < turn; i += Step::rows) f(a + i * sa, b + i * sb);
-                a += turn * sa, b += turn * sb;
+                for (int i = 0; i < turn / Step::rows; ++i) {
+                    const auto v = places.at(i, load);
+                    s = f(s, v.first, v.second);
+                }
+                places.next_turn(turn / Step::rows);
             }
+    if constexpr (W == Step::columns) a = places.a(), b = places.b();
+    return s;
+}
+
+/// The difference of R rows of W samples each
+template <int W, int R, class A, class B>
+auto difference_of_rows(const A* a, const B* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
+    return load_rows_16<W, R>(a, sa) - load_rows_16<W, R>(b, sb);
 }
 
 /// Calls f(W, x, y, rows) for strips of W columns that make up an area of any size, W being an integral constant: a

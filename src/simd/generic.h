@@ -15,7 +15,9 @@ using s16x2n = widened<s16xn>;
 template <int N> using u16_of = u16x8;
 template <class V> using u32_of = u32x4;
 
-constexpr bool loads_take_an_index = false, loads_step = false, store3_beats_a_loop = false;
+constexpr int shared_bytes = 16;
+constexpr bool loads_step = false, pairing_is_free = true, squares_narrow_bytes = false, loads_scale_an_index = false;
+constexpr bool loads_take_an_index = false, store3_beats_a_loop = false;
 constexpr std::size_t memset_from = SIZE_MAX, memcpy_from = 512, string_fill_from = SIZE_MAX;
 inline void string_fill(u8* p, u32 word, std::size_t n) {
     for (; n > 0; --n, p += 4) std::memcpy(p, &word, 4);
@@ -198,6 +200,21 @@ template <int W, int R, class T> u16xn load_rows_16(const T* p, std::ptrdiff_t s
     static_assert(rows_fit(W, R, 2, lanes));
     return load_block<u16xn, W, R>(p, stride);
 }
+inline two<u8xn> load_two(const u8*& p, std::ptrdiff_t n) {
+    const two<u8xn> v = {load_rows<lanes, 1>(p, 0), load_rows<lanes, 1>(p + lanes, 0)};
+    p += n;
+    return v;
+}
+template <class T> two<u16xn> load_two_16(const T*& p, std::ptrdiff_t n) {
+    const two<u16xn> v = {load_rows_16<lanes_16, 1>(p, 0), load_rows_16<lanes_16, 1>(p + lanes_16, 0)};
+    p += n;
+    return v;
+}
+inline void store_two_16(s16*& p, two<u16xn> v, std::ptrdiff_t n) {
+    store_widened(p, {(s16xn)v.first, (s16xn)v.second});
+    p += n;
+}
+inline void store_widened(s16*& p, s16x2n v, std::ptrdiff_t n) { store_widened(p, v), p += n; }
 template <int W, int R> void store_rows_16(s16* p, std::ptrdiff_t stride, u16xn v) {
     static_assert(rows_fit(W, R, 2, lanes));
     for (int i = 0; i < W * R; ++i) p[i / W * stride + i % W] = static_cast<s16>(v[i]);
@@ -214,12 +231,15 @@ template <int W, int R> u16xn paired_residual(const u8* a, const u8* b, std::ptr
 template <class V> V extend(V v) { return v; }
 inline u32 reduce_add(u32x4 v) { return v[0] + v[1] + v[2] + v[3]; }
 
-template <class B> struct abs_diff_sums_8 { u32 sum; };
-template <class B> abs_diff_sums_8<B> add_abs_diff(abs_diff_sums_8<B> s, B a, B b) {
+template <int W, int N> struct abs_diff_sums_8 {
+    static_assert(N <= 256);
+    u32 sum;
+};
+template <int W, int N> abs_diff_sums_8<W, N> add_abs_diff(abs_diff_sums_8<W, N> s, u8xn a, u8xn b) {
     for (int i = 0; i < lanes; ++i) s.sum += a[i] > b[i] ? a[i] - b[i] : b[i] - a[i];
     return s;
 }
-template <class B> u32 reduce_add(abs_diff_sums_8<B> s) { return s.sum; }
+template <int W, int N> u32 reduce_add(abs_diff_sums_8<W, N> s) { return s.sum; }
 
 inline u16xn abs(u16xn a) {
     return make<u16xn>([=](int i) { return a[i] >> 15 ? -a[i] : +a[i]; });
@@ -253,6 +273,7 @@ inline bool exact_abs_diffs(u16xn seen) { return !any_sign_bit(seen); }
 inline u32xn pairwise_add_accumulate(u32xn s, u16xn a) {
     return s + make<u32xn>([=](int i) { return a[2 * i] + a[2 * i + 1]; });
 }
+inline u32 reduce_add(u16xn v) { return reduce_add(pairwise_add_accumulate(u32xn{}, v)); }
 inline u32xn pairwise_add_accumulate_abs(u32xn s, u16xn a) { return pairwise_add_accumulate(s, a); }
 
 template <class V> struct square_sums { u32 sum; };
@@ -266,7 +287,6 @@ inline square_sums<u16xn> add_squares(square_sums<u16xn> s, u8xn a, u8xn b) {
     for (int i = 0; i < lanes; ++i) s.sum += squared(static_cast<u32>(a[i] - b[i]));
     return s;
 }
-inline square_sums<u16xn> add(square_sums<u16xn> s, square_sums<u16xn> t) { return {s.sum + t.sum}; }
 inline bool exact(square_sums<u16xn>) { return true; }
 inline u32 reduce_add(square_sums<u16xn> s) { return s.sum; }
 
@@ -277,6 +297,10 @@ template <int N, class V> void transpose(V& a, V& b) {
     b = make<V>([=](int i) { return i & N ? w[i] : v[i + N]; });
 }
 template <class V> void transpose2x2_16(V& a, V& b) { transpose<1>(a, b); }
+inline u16xn max_of_neighbours(u16xn a, u16xn b) {
+    transpose2x2_16(a, b);
+    return max(a, b);
+}
 template <class V> void transpose2x2_32(V& a, V& b) { transpose<2>(a, b); }
 template <class V> void transpose2x2_64(V& a, V& b) { transpose<4>(a, b); }
 template <class V> void transpose2x2_128(V&, V&) {}  // a register has no second one

@@ -3,13 +3,16 @@
 
 namespace zelt::inline ZELT_LEVEL::vec {
 #ifdef __aarch64__
-constexpr bool loads_step = false;
+constexpr bool loads_take_an_index = true, loads_step = false;  // those that step are slow on some processors
+constexpr int shared_bytes = 1;                                 // a load of a lane takes no index
 constexpr std::size_t memset_from = 192, memcpy_from = 96;
 #else
-constexpr bool loads_step = true;
+constexpr bool loads_take_an_index = false, loads_step = true;
+constexpr int shared_bytes = 8;
 constexpr std::size_t memset_from = SIZE_MAX, memcpy_from = 512;
 #endif
-constexpr bool loads_take_an_index = false, store3_beats_a_loop = true;
+constexpr bool loads_scale_an_index = false, squares_narrow_bytes = true, pairing_is_free = false;
+constexpr bool store3_beats_a_loop = true;
 constexpr std::size_t string_fill_from = SIZE_MAX;
 inline void string_fill(u8*, u32, std::size_t) {}  // there is none, and no call of it
 

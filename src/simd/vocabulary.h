@@ -29,11 +29,9 @@
 //   narrow_q6                    widened to memory: v >> 6, for v from 0 to 2^14 - 1
 //   narrow_ordered, narrow_q6_ordered
 //                                narrow and narrow_q6, memory to memory
-//   blend_q6(v, w, int f)        widened to memory: ((8 - f) v + f w) >> 6, for v and w from 0 to 2^11 - 1, f from 0 to 8
-//   low_q2_ordered               memory to memory: the low byte of v >> 2
-//   mul_q15(v, int b)            (v b + 2^14) >> 15; b above -2^15
-//   sub_sat(v, w)                v - w with saturation
-//   shift_add<N>(v, w)           v + (w >> N)
+//   blend_q6(v, w, int f)        widened to memory: ((8 - f) v + f w) >> 6, for v and w from 0 to 2^11 - 1, f from 0 to
+//   8 low_q2_ordered               memory to memory: the low byte of v >> 2 mul_q15(v, int b)            (v b + 2^14)
+//   >> 15; b above -2^15 sub_sat(v, w)                v - w with saturation shift_add<N>(v, w)           v + (w >> N)
 //   shift_insert<N>(a, b)        of bytes, the high N bits of a above b >> N; N from 1 to 7
 //   dot_q10<A, B, C>(u, v, w)    (A u + B v + C w + 512) >> 10, where that fits 16 bits; as dot_q10_fits() says
 //   any(mask)                    whether a byte is set, of bytes that are 0 or 255
@@ -57,26 +55,35 @@
 //
 // BLOCKS. The rows of a narrow block share a register, and everything is summed up. W is a power of two, and R rows of
 // W samples fill 16 bytes at most, or W samples a whole register; anything else does not compile. V is u16x8 or u16xn.
-//   load_rows<W, R>              R rows of W bytes, one after the other, in u8x16 or u8xn; what is left of it is 0
+//   load_rows<W, R>              R rows of W bytes, one after the other, in u8x16 or u8xn, or if they fill no more in a
+//                                register of 8 bytes where there are such; what is left of it is 0
 //   load_rows_16<W, R>           the same of s16 and u16 samples, and of bytes widened: R rows of W values, together up
 //                                to 8 or lanes_16, in V
+//   load_two(p, n)               {first, second}: the register of bytes at p and the next one; p moves on by n samples
+//   load_two_16(p, n)            the same of lanes_16 samples each, as load_rows_16 takes them
+//   store_two_16(p, v, n)        first and second of two registers of s16, one after the other; p moves on by n samples
+//   store_widened(p, v, n)       p moves on by n samples
 //   store_rows_16<W, R>          R rows of W s16; together up to 8, or a row of lanes_16
-//   paired_residual<W, R>(a, b)  a - b of R rows of W bytes, W 8 or more, together 8 or lanes_16: of two neighbours in
-//                                each the sum and the difference. A row's sums come first, then its differences
+//   difference_of_rows<W, R>     load_rows_16 of one block less that of another, of samples of any kinds
+//   paired_residual<W, R>(a, b)  where pairing_is_free, a - b of R rows of W bytes, W 8 or more, together 8 or
+//                                lanes_16: of two neighbours in each the sum and the difference. A row's sums come
+//                                first, then its differences
 //   extend                       u16x8 or u32x4 as a whole register, the other lanes 0
-//   reduce_add                   a sum over all lanes of u32x4, u32xn, and of the sums below
-//   abs_diff_sums_8<B>, add_abs_diff(s, a, b)
-//                                sum of |a - b| of bytes, B is u8x16 or u8xn; up to 256 times
+//   reduce_add                   a sum over all lanes of u32x4, u32xn, of V below 2^15, and of the sums below
+//   abs_diff_sums_8<W, N>, add_abs_diff(s, a, b)
+//                                sum of |a - b| of bytes, of rows of W as load_rows has them; up to N times, N up to
+//                                256
 //   abs_diff_sums_16<V>, add_abs_diff(s, a, b), add_abs_diffs(s, a, b, c, d)
 //                                sum of |a - b| (and of |c - d|) of signed values, up to eight together. s.sum is below
 //                                2^15 and right where exact_abs_diffs(seen(s)), which it is of 12 bits at least
-//   square_sums<V>, add_squares(s, a, b), add(s, t), exact(s)
+//   square_sums<V>, add_squares(s, a, b), exact(s)
 //                                sum of (a - b)^2 modulo 2^32 of bytes (for lanes bytes V is u16xn) or signed values;
 //                                right where exact, which it is of 14 bits at least
 //   pairwise_add_accumulate(u32, V), pairwise_add_accumulate_abs(u32, V)
 //                                adds neighbours; values below 2^15, and up to 2^15
 //   abs, max, average            of signed values the magnitude, 2^15 included; of unsigned ones the larger, and
 //                                (a + b + 1) / 2
+//   max_of_neighbours(a, b)      the larger of each two neighbours in a and in b, in any order within 16 bytes
 //   add_sat, sub_sat             of signed values
 //   any_sign_bit                 whether any value is 2^15 or more
 //   transpose2x2_16, _64         of each pair of neighbours of so many bits in a and b: the first ones to a, the second
@@ -85,9 +92,13 @@
 //   transpose2x2_128             on registers of 32 bytes: (a0 b1) and (a1 b0), the second pair turned round
 //
 // PROPERTIES that a kernel may choose a shape by
-//   loads_take_an_index          an address of base and index costs nothing
+//   loads_take_an_index, loads_scale_an_index
+//                                an address of base and index costs nothing, and one of base and twice the index
 //   loads_step                   a load or store steps its address on at no cost. There load, load2, load3, load4,
 //                                load_16 and their stores give the address after what they dealt with
+//   shared_bytes                 bytes up to which the rows of a narrow block share a register
+//   squares_narrow_bytes         add_squares takes bytes of narrow rows
+//   pairing_is_free              paired_residual costs no more than a difference
 //   store3_beats_a_loop          store3 is faster than what compilers make of a loop that interleaves three planes
 //   memset_from, memcpy_from     bytes from which the C library's memset, memcpy is as fast as registers or faster
 //   string_fill_from             bytes from which string_fill(p, word, n) is, which fills n words: beyond the nearer
@@ -171,6 +182,8 @@ private:
     static V add(V a, V b) { return (V)((bits)a + (bits)b); }
     static V subtract(V a, V b) { return (V)((bits)a - (bits)b); }
 };
+
+template <class V> struct two { V first, second; };
 }  // namespace zelt::inline ZELT_LEVEL
 
 namespace zelt::inline ZELT_LEVEL::vec {

@@ -58,6 +58,20 @@ template <int W, int R> auto load_rows_16(const s16* samples, std::ptrdiff_t str
 template <int W, int R> auto load_rows_16(const u16* p, std::ptrdiff_t stride) {
     return load_rows_16<W, R>(reinterpret_cast<const s16*>(p), stride);
 }
+inline two<u8xn> load_two(const u8*& p, std::ptrdiff_t n) {
+    const two<u8xn> v = {load_register(p), load_register(p + lanes)};
+    p += n;
+    return v;
+}
+template <class T> two<u16xn> load_two_16(const T*& p, std::ptrdiff_t n) {
+    const two<u16xn> v = {load_rows_16<lanes_16, 1>(p, 0), load_rows_16<lanes_16, 1>(p + lanes_16, 0)};
+    p += n;
+    return v;
+}
+inline void store_two_16(s16*& p, two<u16xn> v, std::ptrdiff_t n) {
+    store_unaligned(reinterpret_cast<u8*>(p), v.first), store_unaligned(reinterpret_cast<u8*>(p + lanes_16), v.second);
+    p += n;
+}
 template <int W, int R, class V> void store_rows_16(s16* p, std::ptrdiff_t stride, V v) {
     static_assert(rows_fit(W, R, 2, lanes) && W * R * 2 <= sizeof(V) && (sizeof(V) == 16 || W == lanes_16));
     if constexpr (sizeof(V) == 32 || W == 8) {
@@ -92,6 +106,7 @@ template <int W, int R> auto paired_residual(const u8* a, const u8* b, std::ptrd
                                (V)maddubs_epi16(double_rows<W, R>(b, sb), factors));
 }
 
+inline void store_widened(s16*& p, s16x2n v, std::ptrdiff_t n) { store_widened(p, v), p += n; }
 inline u16xn extend(u16xn v) { return v; }
 inline u32xn extend(u32xn v) { return v; }
 /// The sum of all 16 bytes' lanes
@@ -112,11 +127,14 @@ inline u32 reduce_add(u32x4 v) {
     return static_cast<u32>(_mm_cvtsi128_si32((__m128i)(two + (u32x4)_mm_shuffle_epi32((__m128i)two, 0x55))));
 }
 
-template <class B> struct abs_diff_sums_8 { u32_of<B> in_64_bits; };
-template <class B> abs_diff_sums_8<B> add_abs_diff(abs_diff_sums_8<B> s, B a, B b) {
+template <int W, int N> struct abs_diff_sums_8 {
+    static_assert(N <= 256);
+    std::conditional_t<W % lanes == 0, u32xn, u32x4> in_64_bits;
+};
+template <int W, int N, class B> abs_diff_sums_8<W, N> add_abs_diff(abs_diff_sums_8<W, N> s, B a, B b) {
     return {s.in_64_bits + (u32_of<B>)sad_epu8(a, b)};
 }
-template <class B> u32 reduce_add(abs_diff_sums_8<B> s) {
+template <int W, int N> u32 reduce_add(abs_diff_sums_8<W, N> s) {
     const u32x4 v = fold(s.in_64_bits);
     return static_cast<u32>(_mm_cvtsi128_si32((__m128i)(v + (u32x4)_mm_shuffle_epi32((__m128i)v, 0xEE))));
 }
@@ -151,6 +169,10 @@ template <class V> bool any_sign_bit(V a) { return movemask_epi8(a) & static_cas
 /// Sums of neighbouring products of signed values, modulo 2^32
 template <class V> u32_of<V> multiply_neighbours(V a, V b) { return (u32_of<V>)madd_epi16(a, b); }
 template <class V> u32_of<V> pairwise_add_accumulate(u32_of<V> s, V a) { return s + multiply_neighbours(a, V{} + 1); }
+inline u32 reduce_add(u16x8 v) { return reduce_add(pairwise_add_accumulate(u32x4{}, v)); }
+#if ZELT_LANES > 16
+inline u32 reduce_add(u16xn v) { return reduce_add(pairwise_add_accumulate(u32xn{}, v)); }
+#endif
 /// 2^15 has no signed form, its negative has.
 template <class V> u32_of<V> pairwise_add_accumulate_abs(u32_of<V> s, V a) {
     return s + multiply_neighbours(V{} - a, V{} + static_cast<u16>(-1));
@@ -169,13 +191,16 @@ inline square_sums<u16xn> add_squares(square_sums<u16xn> s, u8xn a, u8xn b) {
     return {s.sum + (multiply_neighbours((u16xn)d.lo, (u16xn)d.lo) + multiply_neighbours((u16xn)d.hi, (u16xn)d.hi)),
             s.seen};
 }
-template <class V> square_sums<V> add(square_sums<V> a, square_sums<V> b) { return {a.sum + b.sum, a.seen | b.seen}; }
 template <class V> bool exact(square_sums<V> s) { return all_clear(s.seen, u32_of<V>{} + (7u << 29)); }
 template <class V> u32 reduce_add(square_sums<V> s) { return reduce_add(s.sum); }
 
 template <class V> void transpose2x2_16(V& a, V& b) {
     const V first = (V)blend_epi16<0xAA>(a, (V)((u32_of<V>)b << 16));
     b = (V)blend_epi16<0xAA>((V)((u32_of<V>)a >> 16), b), a = first;
+}
+template <class V> V max_of_neighbours(V a, V b) {
+    transpose2x2_16(a, b);
+    return max(a, b);
 }
 template <class V> void transpose2x2_32(V& a, V& b) {
     const V first = shuffle_ps<even>(a, b);

@@ -219,6 +219,9 @@ template <int W, int R> void check_rows() {
         SAME(1, R * stride, 16, m, m, to(out, load_rows_16<W, R>(a, stride)));
         SAME(1, 2 * R * stride, 16, m, m, to(out, load_rows_16<W, R>(words(a), stride)));
         SAME(1, 16, 2 * R * stride, m, m, store_rows_16<W, R>(words(out), stride, load_as<u16x8>(a)));
+        agree("difference_of_rows", 1, R * stride, 16, m, n,
+              OVER(vec, to(out, difference_of_rows<W, R>(a, b, stride, stride))),
+              OVER(generic, to(out, load_rows_16<W, R>(a, stride) - load_rows_16<W, R>(b, stride))));
     }
 }
 /// A whole register, of whose rows each 16 bytes have 8 / W
@@ -226,6 +229,37 @@ template <int W> void check_whole_rows() {
     SAME(whole, 8 / W * stride, 16, m, m, to(out, load_rows_16<W, lanes_16 / W>(a, stride)));
     SAME(whole, 16 / W * stride, 16, m, m, to(out, load_rows_16<W, lanes_16 / W>(words(a), stride)));
 }
+template <bool Free> void check_pairs_of_rows() {
+    if constexpr (Free) {
+        SAME(1, 8, 16, m, n, to(out, paired_residual<8, 1>(a, b, stride, stride)));
+        SAME(whole, stride, 16, m, n, to(out, paired_residual<8, lanes_16 / 8>(a, b, stride, stride)));
+        SAME(whole, 8, 16, m, n, {
+            const auto v = paired_residual<lanes_16, 1>(a, b, stride, stride);
+            for (int i = 0; i < lanes_16; ++i)  // all sums, then all differences
+                words(out)[i / 4 % (lanes_16 / 8) * 8 + i / (lanes_16 / 2) * 4 + i % 4] = static_cast<s16>(v[i]);
+        });
+    }
+}
+/// Moves by so many registers, a number that the compiler knows, or by as many as the argument says
+template <int Known> void check_two_registers(int registers) {
+    SAME(whole, 32, 32, row, row, const u8* p = a; const auto v = load_two(p, Known * lanes);
+         to(out, v.first), to(out + lanes, v.second); return u64{p != a + Known * lanes});
+    for (const int k : {Known, registers}) {
+        SAME(whole, 32, 32, row, row, const u8* p = a; const auto v = load_two(p, k * lanes);
+             to(out, v.first), to(out + lanes, v.second); return u64{p != a + k * lanes});
+        SAME(whole, 16, 32, row, row, const u8* p = a; const auto v = load_two_16(p, k * lanes);
+             to(out, v.first), to(out + lanes, v.second); return u64{p != a + k * lanes});
+        SAME(whole, 32, 32, row, row, const s16* p = words(a); const auto v = load_two_16(p, k * lanes);
+             to(out, v.first), to(out + lanes, v.second); return u64{p != words(a) + k * lanes});
+        SAME(whole, 32, 32, row, row, s16* p = words(out);
+             store_two_16(p, {load_as<u16xn>(a), load_as<u16xn>(a + lanes)}, k * lanes);
+             return u64{p != words(out) + k * lanes});
+        SAME(whole, 16, 32, row, row, s16* p = words(out); u8xn x; load(a, x); store_widened(p, widen(x), k * lanes);
+             return u64{p != words(out) + k * lanes});
+    }
+}
+TEST(operations, of_two_registers) { check_two_registers<1>(-1), check_two_registers<2>(3); }
+
 TEST(operations, of_rows) {
     check_rows<2, 1>(), check_rows<2, 2>(), check_rows<2, 3>(), check_rows<2, 4>(), check_rows<2, 5>();
     check_rows<2, 8>(), check_rows<4, 1>(), check_rows<4, 2>(), check_rows<4, 3>(), check_rows<4, 4>();
@@ -235,13 +269,7 @@ TEST(operations, of_rows) {
     SAME(whole, 8, 16, m, m, to(out, load_rows_16<lanes_16, 1>(a, stride)));
     SAME(whole, 16, 16, m, m, to(out, load_rows_16<lanes_16, 1>(words(a), stride)));
     SAME(whole, 16, 16, m, m, store_rows_16<lanes_16, 1>(words(out), stride, load_as<u16xn>(a)));
-    SAME(1, 8, 16, m, n, to(out, paired_residual<8, 1>(a, b, stride, stride)));
-    SAME(whole, stride, 16, m, n, to(out, paired_residual<8, lanes_16 / 8>(a, b, stride, stride)));
-    SAME(whole, 8, 16, m, n, {
-        const auto v = paired_residual<lanes_16, 1>(a, b, stride, stride);
-        for (int i = 0; i < lanes_16; ++i)  // all sums, then all differences
-            words(out)[i / 4 % (lanes_16 / 8) * 8 + i / (lanes_16 / 2) * 4 + i % 4] = static_cast<s16>(v[i]);
-    });
+    check_pairs_of_rows<vec::pairing_is_free>();
 }
 
 /// On registers of N words
@@ -260,12 +288,21 @@ template <int N> void check_values() {
         VALUES(all_words, other, to(out, pairwise_add_accumulate_abs(w32, abs(v))));
         VALUES(all_words, other, transpose2x2_16(v, w), to(out, v - w));
         VALUES(all_words, other, transpose2x2_64(v, w), to(out, v - w));
+        VALUES(all_words, other, v = max_of_neighbours(v, w);
+               for (std::size_t i = 0; i < sizeof v / 2; ++i)  // in any order within 16 bytes
+               to(out + i / 8 * 16, load_as<u32>(out + i / 8 * 16) + u32{v[i]} * v[i] * v[i]));
+        VALUES(all_words, other, return u64{reduce_add((V)(v & 0x7FFF))});
         VALUES(all_words, other, transpose2x2_32(v, w); v32 = (U)v, w32 = (U)w;
                for (std::size_t i = 0; i < sizeof v / 4; ++i)  // in any order within 16 bytes
                to(out + i / 4 * 16, load_as<u32>(out + i / 4 * 16) + v32[i] * v32[i] * w32[i]));
         for (const std::size_t every : {1, 17}) {  // or one alone
             const memory x = random_words(1 << 13, bits, every), y = random_words(1 << 13, bits, every);
-            for (const int form : {0, 1, 2, 3}) {  // which must each tell that a sum is not exact, and keep it
+            VALUES(x, y, {
+                const square_sums<V> s = add_squares(square_sums<V>{}, w, w),
+                                     t = add_squares(add_squares(s, v, w), w, w);
+                return if_exact(reduce_add(t), exact(t), bits <= 14);
+            });
+            for (const int form : {0, 1, 2, 3})  // which must each tell that a sum is not exact, and keep it
                 VALUES(x, y, {
                     abs_diff_sums_16<V> s{};
                     if (form == 0 || form == 3) add_abs_diff(s, v, w);
@@ -276,15 +313,6 @@ template <int N> void check_values() {
                     const U sums = pairwise_add_accumulate(U{}, s.sum);
                     return if_exact(reduce_add(sums), exact_abs_diffs(seen(s)), bits <= 12);
                 });
-                VALUES(x, y, {
-                    const square_sums<V> none = add_squares(square_sums<V>{}, w, w);
-                    square_sums<V> s = add_squares(none, v, w);
-                    if (form == 0) s = add_squares(s, w, w);
-                    if (form == 1 || form == 3) s = add(s, add_squares(none, v, V{}));
-                    if (form == 2 || form == 3) s = add(add_squares(none, w, V{}), s);
-                    return if_exact(reduce_add(s), exact(s), bits <= 14);
-                });
-            }
         }
     }
     const memory one = single_bytes(2 * N);
@@ -301,11 +329,12 @@ TEST(operations, of_values) {
 TEST(operations, of_sums) {
     for (const unsigned below : {2u, 256u}) {
         const memory x = random_bytes(1 << 13, below), y(1 << 13, below == 2 ? 255 : 100);
-#define BYTE_SUMS(pieces, B)                          \
-    SAME(pieces, 16, 0, x, y, abs_diff_sums_8<B> s{}; \
+#define BYTE_SUMS(pieces, W, B)                            \
+    SAME(pieces, 16, 0, x, y, abs_diff_sums_8<W, 256> s{}; \
          for (int i = 0; i < 256; ++i) s = add_abs_diff(s, load_as<B>(a), load_as<B>(b)); return u64{reduce_add(s)})
-        BYTE_SUMS(1, u8x16);
-        BYTE_SUMS(whole, u8xn);
+        BYTE_SUMS(1, 8, u8x16);
+        BYTE_SUMS(1, 16, u8x16);
+        BYTE_SUMS(whole, lanes, u8xn);
         SAME(whole, 16, 0, x, random_bytes(1 << 13),
              return u64{reduce_add(add_squares(square_sums<u16xn>{}, load_as<u8xn>(a), load_as<u8xn>(b)))});
     }
