@@ -17,15 +17,16 @@ struct job {
 
 /// A picture in bands, each in memory of its own
 std::vector<u8> resized(const job& j, const std::vector<u8>& picture, guarded_memory& memory) {
-    const auto& [format, from, to, band_rows, short_last] = j;
+    const resizer* format = j.format;
+    const shape from = j.from, to = j.to;
     const int unit = format->id == ZELT_IRSZ_5B6B5B ? 2 : 1, src_row = from.w * format->src_bytes;
     std::vector<u8> dst(static_cast<std::size_t>(to.w * to.h * format->dst_bytes), 0x5A);
-    const ZELT_IRSZ_PARAM param = {format->id, ZELT_IRSZ_BANDS, from.w,    from.h, from.w * unit, band_rows, to.w,
+    const ZELT_IRSZ_PARAM param = {format->id, ZELT_IRSZ_BANDS, from.w,    from.h, from.w * unit, j.band_rows, to.w,
                                    to.h,       to.w * unit,     dst.data()};
     ZELT_IRSZ* irsz = zelt_irsz_create(&param, nullptr);
     EXPECT_TRUE(irsz && survives([&] {
-                    for (int y0 = 0, rows = band_rows; y0 < from.h; y0 += rows) {
-                        while (short_last && rows > 1 && rows / 2 >= from.h - y0) rows /= 2;
+                    for (int y0 = 0, rows = j.band_rows; y0 < from.h; y0 += rows) {
+                        while (j.short_last && rows > 1 && rows / 2 >= from.h - y0) rows /= 2;
                         const std::size_t size = static_cast<std::size_t>(std::min(rows, from.h - y0) * src_row);
                         u8* start = memory.start() + memory.size() - size;
                         std::memcpy(start, &picture[static_cast<std::size_t>(y0 * src_row)], size);

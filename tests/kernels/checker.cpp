@@ -230,9 +230,9 @@ std::string family_of(const std::string& name) {
 void register_kernel_tests() {
     std::map<std::string, std::vector<kernel>> families;
     for (kernel& k : all_kernels()) families[family_of(k.name)].push_back(std::move(k));
-    for (const auto& [name, kernels] : families)
-        testing::RegisterTest("kernels", name.c_str(), nullptr, nullptr, __FILE__, __LINE__,
-                              [=]() -> testing::Test* { return new family_test(name, kernels); });
+    for (const auto& family : families)
+        testing::RegisterTest("kernels", family.first.c_str(), nullptr, nullptr, __FILE__, __LINE__,
+                              [=]() -> testing::Test* { return new family_test(family.first, family.second); });
     testing::AddGlobalTestEnvironment(new case_count);
 }
 }  // namespace zelt::test
