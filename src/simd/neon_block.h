@@ -80,16 +80,15 @@ inline two<u8xn> load_32(const u8*& p, std::ptrdiff_t n) {
     } v = {whole};
     return {(u8xn)v.two.val[0], (u8xn)v.two.val[1]};
 #else
-#ifdef __aarch64__
-    if (__builtin_constant_p(n)) {  // part of a wider row: ldp takes an offset, ld1 of two registers none
-        const two<u8xn> v = {(u8xn)vld1q_u8(p), (u8xn)vld1q_u8(p + 16)};
-        p += n;
-        return v;
+    two<u8xn> v = {(u8xn)vld1q_u8(p), (u8xn)vld1q_u8(p + 16)};
+#ifdef __aarch64__  // On ARMv7 clang takes the address to be aligned.
+    if (!__builtin_constant_p(n)) {  // not part of a wider row: there ldp takes an offset, ld1 of two registers none
+        const uint8x16x2_t both = vld1q_u8_x2(p);
+        v = {(u8xn)both.val[0], (u8xn)both.val[1]};
     }
 #endif
-    const uint8x16x2_t v = vld1q_u8_x2(p);
     p += n;
-    return {(u8xn)v.val[0], (u8xn)v.val[1]};
+    return v;
 #endif
 }
 inline two<u8xn> load_two(const u8*& p, std::ptrdiff_t n) { return load_32(p, n); }
@@ -120,8 +119,13 @@ inline void store_two_16(s16*& p, two<u16xn> v, std::ptrdiff_t n) {
     else
         asm("vst1.16 {d16-d19}, [%0], %2" : "+r"(p), "=Q"(memory) : "r"(bytes), "w"(first), "w"(second));
 #else
+#ifdef __aarch64__
     const uint16x8x2_t both = {{(uint16x8_t)v.first, (uint16x8_t)v.second}};
     vst1q_u16_x2(reinterpret_cast<u16*>(p), both);
+#else  // clang takes the address of two registers to be aligned.
+    vst1q_u8(reinterpret_cast<u8*>(p), (uint8x16_t)v.first);
+    vst1q_u8(reinterpret_cast<u8*>(p + 8), (uint8x16_t)v.second);
+#endif
     p = __builtin_constant_p(n) ? p + n : step_on(p, n);
 #endif
 }
