@@ -56,9 +56,9 @@ class Bars:
 
 
 class Table:
-    def __init__(self, *head):
-        """Headings that end with ":" are of columns of figures."""
-        self.lost = 0
+    def __init__(self, *head, bars=True):
+        """Headings that end with ":" are of columns of figures. Rows without bars are neither met nor lost."""
+        self.lost = 0 if bars else None
         rule = ("--:" if h.endswith(":") else "---" for h in head)
         self.lines = [self.joined(h.rstrip(":") for h in head), self.joined(rule)]
 
@@ -68,13 +68,15 @@ class Table:
 
     def add(self, lost, *cells):
         self.lines.append(self.joined(cells))
-        self.lost += lost
+        if lost:
+            self.lost += lost
 
     def __str__(self):
         return "\n".join(self.lines)
 
     def summary(self):
-        return f"{len(self.lines) - 2} rows, {self.lost} lost"
+        rows = f"{len(self.lines) - 2} rows"
+        return rows if self.lost is None else f"{rows}, {self.lost} lost"
 
 
 def read_times(path):
@@ -187,7 +189,7 @@ def families_of(targets):
 
 def instruction_table(family, targets, bars):
     head = [h for t in targets for h in (f"{t.title}:", "best peer", "its:", "× peer:")]
-    table = Table("row", *head, "")
+    table = Table("row", *head, "", bars=False)
     for key in dict.fromkeys(key for t in targets for key in t.counts if key[0] == family):
         cells = []
         for t in targets:
@@ -208,7 +210,7 @@ def mean_table(targets, bars):
         mean, bar = statistics.geometric_mean(ratios), bars.bar(f"{t.title} {name}".strip())
         remark = "" if mean >= bar else excuse or "**lost**"
         table.lost += remark == "**lost**"
-        return [str(len(ratios)), f"{mean:.2f}", f"{bar:g}", remark]
+        return [str(len(ratios)), f"{mean:.3f}", f"{bar:g}", remark]
 
     ratios = {t: {key: t.ratio(key) for key in t.counts if t.best_peer(key)} for t in targets}
     for t in targets:
@@ -235,12 +237,12 @@ def cycle_table(targets):
 
 def clang_table(targets):
     """Rows for which clang's code executes noticeably more than gcc's"""
-    table = Table("row", "target", "gcc:", "clang:", "× more:")
+    table = Table("row", "target", "gcc:", "clang:", "× more:", bars=False)
     for t in targets:
         for (family, row), candidates in t.clang.items():
             more = candidates["zelt"] / t.counts[family, row]["zelt"]
             if more > CLANG_BAR:
-                table.add(True, f"{family} {row}", t.title, f"{t.counts[family, row]['zelt']:.4g}",
+                table.add(False, f"{family} {row}", t.title, f"{t.counts[family, row]['zelt']:.4g}",
                           f"{candidates['zelt']:.4g}", f"{more:.2f}")
     return table
 
