@@ -14,7 +14,7 @@ constexpr bool worth_a_register = W % 2 == 0 && (W * H) * static_cast<int>(sizeo
 // ------------------------------------------------------------------------------------------------------- 8-bit samples
 
 template <int W, int H, class Sums>
-[[gnu::always_inline]] inline Sums add_block(Sums sum, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
+Sums add_block(Sums sum, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
     return each_step<byte_step<W, H>, W, H, 16>(
         sum, a, b, sa, sb,
         [](auto s, auto va, auto vb) __attribute__((always_inline)) { return add_abs_diff(s, vb, va); });

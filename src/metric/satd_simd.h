@@ -208,6 +208,7 @@ inline u32 satd8x8(const u8* a, const u8* b, int s_a, int s_b) {
         else
             return residual<8, rows_together>(pa, pb, 4 * sa, 4 * sb);
     };
+#pragma GCC unroll 8
     for (int i = 0; i < registers; ++i) {
         v[i] = places.at(i % 4, difference);
         if (i == 3) places.next_turn(4);

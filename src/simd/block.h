@@ -109,8 +109,10 @@ template <class Step, int W, int H, int Few, class S, class A, class B, class F>
 #pragma GCC unroll 16
         for (int n = 0; n < turns_at_once; ++n)
             if constexpr (W > Step::columns) {
+#pragma GCC unroll 4
                 for (int i = 0; i < turn; ++i) s = each_two_of_row<Step, W, steps>(s, a, b, sa, sb, f_of_two);
             } else {
+#pragma GCC unroll 4
                 for (int i = 0; i < turn / Step::rows; ++i) {
                     const auto v = places.at(i, load);
                     s = f(s, v.first, v.second);
