@@ -14,7 +14,7 @@ inline const std::map<int32_t, std::pair<int64_t, int64_t>> chroma_of = {
 
 struct plane_model {
     int64_t w, h, bytes;  // samples, rows, bytes per sample
-    int64_t aw = w, ah = h, px = 0, py = 0;
+    int64_t aw = 0, ah = 0, px = 0, py = 0;
     int64_t stride() const { return (aw + 2 * px) * bytes; }
     int64_t rows() const { return ah + 2 * py; }
 };
@@ -35,7 +35,8 @@ inline std::vector<plane_model> picture_model(int32_t cs, int64_t w, int64_t h, 
     const auto multiple = [](int64_t n, int64_t step) { return step ? (n + step - 1) / step * step : 0; };
     for (size_t i = 0; i < planes.size(); ++i) {
         plane_model& m = planes[i];
-        if (align) m.aw = multiple(m.w, align[i] >> 16), m.ah = multiple(m.h, align[i] & 0xffff);
+        m.aw = align ? multiple(m.w, align[i] >> 16) : m.w;
+        m.ah = align ? multiple(m.h, align[i] & 0xffff) : m.h;
         if (pad) m.px = pad[i] >> 16, m.py = pad[i] & 0xffff;
     }
     return planes;
