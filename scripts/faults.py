@@ -315,8 +315,7 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("} else if (n >= 8) {", "} else if (n >= 7) {", "copies of 7 bytes write before the start"),
         ("store_unaligned(dst + i * s_dst, v[i]);",
          "store_unaligned(dst + i * s_dst, v[0]);", "rows of a block copy are all the first"),
-        ("else if constexpr (N >= 2)",
-         "else if constexpr (N >= 3)", "the last two bytes of a block's rows are not copied"),
+        ("column(u16{});", "static_cast<void>(column);", "the last two bytes of a block's rows are not copied"),
     ],
     "src/core/fill_scalar.h": [
         ("for (; n > 0; --n, word >>= 8)", "for (; n > 0; --n)", "the tail of a fill repeats the low byte"),
