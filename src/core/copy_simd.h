@@ -43,8 +43,8 @@ inline void copy(u8* dst, const u8* src, std::size_t n) {
     }
 }
 
-/// Copies N bytes of each of so many rows, all loads of a column of registers before its stores, so
-/// that nothing waits; rows of several registers one after another, as memory likes it.
+/// Copies Rows rows of N bytes. Up to a register wide, all rows are loaded before the first is stored: loads do not
+/// wait for stores, of which the compiler cannot tell that they are elsewhere. Wider rows are copied one after another.
 template <int N, int Rows> void copy_rows(u8* dst, std::ptrdiff_t s_dst, const u8* src, std::ptrdiff_t s_src) {
     const auto column = [&]<class T>(T) {
         T v[Rows];

@@ -29,9 +29,11 @@
 //   narrow_q6                    widened to memory: v >> 6, for v from 0 to 2^14 - 1
 //   narrow_ordered, narrow_q6_ordered
 //                                narrow and narrow_q6, memory to memory
-//   blend_q6(v, w, int f)        widened to memory: ((8 - f) v + f w) >> 6, for v and w from 0 to 2^11 - 1, f from 0 to
-//   8 low_q2_ordered               memory to memory: the low byte of v >> 2 mul_q15(v, int b)            (v b + 2^14)
-//   >> 15; b above -2^15 sub_sat(v, w)                v - w with saturation shift_add<N>(v, w)           v + (w >> N)
+//   blend_q6(v, w, int f)        widened to memory: ((8 - f) v + f w) >> 6; v, w from 0 to 2^11 - 1, f from 0 to 8
+//   low_q2_ordered               memory to memory: the low byte of v >> 2
+//   mul_q15(v, int b)            (v b + 2^14) >> 15; b above -2^15
+//   sub_sat(v, w)                v - w with saturation
+//   shift_add<N>(v, w)           v + (w >> N)
 //   shift_insert<N>(a, b)        of bytes, the high N bits of a above b >> N; N from 1 to 7
 //   dot_q10<A, B, C>(u, v, w)    (A u + B v + C w + 512) >> 10, where that fits 16 bits; as dot_q10_fits() says
 //   any(mask)                    whether a byte is set, of bytes that are 0 or 255
