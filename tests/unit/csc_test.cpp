@@ -1,7 +1,9 @@
 #include "zelt/csc.h"
 
+#include <cstring>
 #include <gtest/gtest.h>
 #include <map>
+#include <random>
 #include <vector>
 
 namespace {
@@ -78,4 +80,49 @@ TEST(csc, converters_ignore_sizes_below_one) {
     zelt_csc_p010_to_yuv420(planes, 0, 1, strides, 0, planes, 0, 1, strides, 0);
     zelt_csc_p010_to_yuv420(planes, 1, -1, strides, 0, planes, 1, -1, strides, 0);
     EXPECT_EQ(byte, 7);
+}
+
+TEST(csc, alpha_comes_first_from_argb8888_up) {
+    uint8_t planes[] = {50, 60, 70}, pixel[4] = {};
+    void* const src[] = {planes, planes + 1, planes + 2};
+    void* const dst[] = {pixel};
+    const int32_t strides[] = {4, 1, 1};
+    for (const int cs : {+ZELT_CS_BGRA8888, +ZELT_CS_ARGB8888, ZELT_CS_ARGB8888 + 1}) {
+        const int alpha = cs < ZELT_CS_ARGB8888 ? 3 : 0;
+        zelt_csc_yuv444_to_rgba8888(src, 1, 1, strides, 0, dst, 1, 1, strides, cs);
+        EXPECT_EQ(pixel[alpha], 255) << cs;
+        EXPECT_NE(pixel[3 - alpha], 255) << cs;
+    }
+}
+
+TEST(csc, components_may_have_strides_of_their_own) {
+    constexpr int w = 67, h = 3;
+    std::vector<uint8_t> planes(3 * w * h), packed(4 * w * h), apart(5 * 4 * w * h);
+    std::mt19937 random(1);
+    for (uint8_t& byte : planes) byte = static_cast<uint8_t>(random());
+    void* const src[] = {&planes[0], &planes[w * h], &planes[2 * w * h]};
+    const int32_t src_s[] = {w, w, w}, packed_s[] = {4 * w}, apart_s[] = {4 * w, 8 * w, 4 * w, 4 * w};
+    void* const one[] = {packed.data(), nullptr};
+    void* const four[] = {&apart[0], &apart[1], &apart[2], &apart[3]};
+    zelt_csc_yuv444_to_argb8888(src, w, h, src_s, 0, one, w, h, packed_s, 0);
+    zelt_csc_yuv444_to_argb8888(src, w, h, src_s, 0, four, w, h, apart_s, 0);
+    for (int i = 0; i < 4 * w * h; ++i) {
+        const int row = i / (4 * w), column = i % (4 * w);
+        ASSERT_EQ(apart[row * apart_s[i % 4] + column], packed[i]) << column << ", " << row;
+    }
+}
+
+TEST(csc, planes_move_within_their_memory) {
+    std::vector<uint8_t> memory(3 * 64);
+    for (std::size_t i = 0; i < memory.size(); ++i) memory[i] = static_cast<uint8_t>(i);
+    std::vector<uint8_t> expected = memory;
+    void* src[3];
+    void* dst[3];
+    const int32_t strides[] = {0, 0, 0};
+    for (int i = 0; i < 3; ++i) {
+        src[i] = &memory[64 * i + 8], dst[i] = &memory[64 * i + 5];
+        std::memmove(&expected[64 * i + 5], &expected[64 * i + 8], 40);
+    }
+    zelt_csc_yuv444x_to_yuv444x(src, 40, 1, strides, 0, dst, 40, 1, strides, 0);
+    EXPECT_EQ(memory, expected);
 }
