@@ -68,17 +68,18 @@ TEST(csc, dispatch_tables_cell_by_cell) {
 }
 
 TEST(csc, converters_ignore_sizes_below_one) {
-    uint8_t byte = 7;
-    void* const planes[] = {&byte, &byte, &byte, &byte};
+    uint8_t pixel = 6, byte = 7;
+    void* const src[] = {&pixel, &pixel, &pixel, &pixel};
+    void* const dst[] = {&byte, &byte, &byte, &byte};
     const int32_t strides[] = {1, 1, 1, 1};
     for (const auto* table : {&same_size, &resizing})
         for (const auto& entry : *table)
             for (const int32_t none : {0, -1, INT32_MIN}) {
-                entry.second(planes, none, 1, strides, 0, planes, none, 1, strides, 0);
-                entry.second(planes, 1, none, strides, 0, planes, 1, none, strides, 0);
+                entry.second(src, none, 1, strides, 0, dst, none, 1, strides, 0);
+                entry.second(src, 1, none, strides, 0, dst, 1, none, strides, 0);
             }
-    zelt_csc_p010_to_yuv420(planes, 0, 1, strides, 0, planes, 0, 1, strides, 0);
-    zelt_csc_p010_to_yuv420(planes, 1, -1, strides, 0, planes, 1, -1, strides, 0);
+    zelt_csc_p010_to_yuv420(src, 0, 1, strides, 0, dst, 0, 1, strides, 0);
+    zelt_csc_p010_to_yuv420(src, 1, -1, strides, 0, dst, 1, -1, strides, 0);
     EXPECT_EQ(byte, 7);
 }
 
