@@ -67,4 +67,17 @@ TEST(bands, whole_pictures_and_digests) {
         EXPECT_EQ(digest, digests[i]) << resizers[i].name;
     }
 }
+
+TEST(bands, out_of_turn_nothing_past_their_rows_is_read) {
+    constexpr int size = 16;
+    guarded_memory memory(size);
+    u8 dst[size * size];
+    for (const resizer& format : resizers) {
+        const ZELT_IRSZ_PARAM param = {format.id, ZELT_IRSZ_BANDS, 4, size, 4, 8, 4, size, 4, dst};
+        ZELT_IRSZ* irsz = zelt_irsz_create(&param, nullptr);
+        u8* last_row = memory.start() + memory.size() - 4 * format.src_bytes;
+        EXPECT_TRUE(survives([&] { zelt_irsz(irsz, last_row, size - 1, 8); })) << format.name;
+        zelt_irsz_delete(irsz);
+    }
+}
 }  // namespace zelt::test

@@ -101,16 +101,20 @@ std::vector<shape> ratio::shapes() const {
 
 namespace {
 constexpr ratio ratios[] = {
-    {"1:1", 1, 1, 1, 1},        {"3:2", 3, 2, 3, 2, true}, {"2:3", 2, 3, 2, 3, true},  {"1:2", 1, 2, 1, 2, true},
-    {"2:1", 2, 1, 2, 1, true},  {"29:10", 29, 10, 9, 5},   {"1:5", 1, 5, 1, 5},        {"4:1", 4, 1, 4, 1, true},
-    {"3:1, 1:3", 3, 1, 1, 3},   {"7:1, 3:2", 7, 1, 3, 2},  {"16:1, 1:1", 16, 1, 1, 1}, {"40:1", 40, 1, 40, 1},
+    {"1:1", 1, 1, 1, 1},        {"3:2", 3, 2, 3, 2, true},  {"2:3", 2, 3, 2, 3, true},  {"1:2", 1, 2, 1, 2, true},
+    {"2:1", 2, 1, 2, 1, true},  {"29:10", 29, 10, 9, 5},    {"1:5", 1, 5, 1, 5},        {"4:1", 4, 1, 4, 1, true},
+    {"3:1, 1:3", 3, 1, 1, 3},   {"44:7, 3:2", 44, 7, 3, 2}, {"16:1, 1:1", 16, 1, 1, 1}, {"40:1", 40, 1, 40, 1},
     {"one column", 0, 1, 3, 2}, {"one row", 3, 2, 0, 1},
 };
 
+/// How many samples are read, from the first one on
+int needed(int from, int to) { return grid(from, to)[to - 1].second + 1; }
+
+/// Pictures of exactly those samples
 kernel full(const resizer& r, const ratio& q) {
     const auto operands = [&](shape s) -> std::vector<operand> {
         const shape from = q.source(s);
-        return {{.width = from.w * r.src_bytes, .rows = from.h},
+        return {{.width = needed(from.w, s.w) * r.src_bytes, .rows = needed(from.h, s.h)},
                 {.width = s.w * r.dst_bytes, .rows = s.h, .written = true}};
     };
     const auto call = [&](function f, shape s, const view* v) {
@@ -124,13 +128,12 @@ kernel full(const resizer& r, const ratio& q) {
     return {r.name + "_full " + q.name, reinterpret_cast<function>(r.full), q.shapes(), operands, call, model};
 }
 
-/// Rows, of exactly the samples that are needed; the shape's height is the vertical phase.
+/// Rows of exactly those samples; the shape's height is the vertical phase.
 kernel line(const resizer& r, const ratio& q) {
     std::vector<shape> widths = q.shapes();
     for (shape& s : widths) s.h = s.w % 8;
     const auto operands = [&](shape s) -> std::vector<operand> {
-        const int needed = grid(q.source(s).w, s.w)[s.w - 1].second + 1;
-        const operand source = {.width = needed * r.src_bytes, .rows = 1};
+        const operand source = {.width = needed(q.source(s).w, s.w) * r.src_bytes, .rows = 1};
         return {source, source, {.width = s.w * r.dst_bytes, .rows = 1, .written = true}};
     };
     const auto call = [&](function f, shape s, const view* v) {
