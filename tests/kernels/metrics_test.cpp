@@ -44,6 +44,18 @@ TEST(metrics, single_large_difference) {
     }
 }
 
+// All tiles of the extremes, beside and above one another as far as their costs are summed up in 16 bits.
+TEST(metrics, satd_of_extreme_tiles) {
+    constexpr int w = 20, h = 64, four_rows = 4 * w;
+    const u8 zeros[w] = {};
+    u8 tiles[w * h];
+    for (unsigned pattern = 0; pattern < 1 << 16; ++pattern) {
+        for (unsigned i = 0; i < four_rows; ++i) tiles[i] = pattern >> (i / w * 4 + i % 4) & 1 ? 255 : 0;
+        for (int i = four_rows; i < w * h; i += four_rows) std::memcpy(tiles + i, tiles, four_rows);
+        ASSERT_EQ(zelt_satd(w, h, tiles, zeros, w, 0), w * h / 16 * zelt_satd4x4(tiles, zeros, w, 0)) << pattern;
+    }
+}
+
 // Reads nothing, so that null will do.
 TEST(metrics, sizes_below_one) {
     const u8* none = nullptr;

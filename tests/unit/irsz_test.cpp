@@ -89,5 +89,19 @@ TEST(irsz, sizes_below_one_write_nothing) {
         zelt_irsz8b8b8b8b_full(src, INT32_MAX, none, INT32_MAX, INT32_MIN, &dst, UINT32_MAX, UINT32_MAX);
         zelt_irsz5b6b5b_full(src, INT32_MIN, none, INT32_MAX, INT32_MAX, &dst, UINT32_MAX, UINT32_MAX);
     }
+    for (const int32_t below : {-1, -(1 << 18), INT32_MIN}) zelt_irsz8b_line(rows, weights, 1, 0, 1, below, &dst);
     EXPECT_EQ(dst, 7);
+}
+
+TEST(irsz, bands_of_no_rows_are_bands_of_one) {
+    uint8_t src[16], dst[2][16] = {};
+    for (uint8_t i = 0; i < 16; ++i) src[i] = static_cast<uint8_t>(i * 17);
+    for (const int band_rows : {0, 1}) {
+        const ZELT_IRSZ_PARAM param = {ZELT_IRSZ_8B, ZELT_IRSZ_BANDS, 2, 8, 2, band_rows, 2, 8, 2, dst[band_rows]};
+        ZELT_IRSZ* irsz = zelt_irsz_create(&param, nullptr);
+        for (int y = 0; y < 8; ++y) zelt_irsz(irsz, src + 2 * y, y, 1);
+        zelt_irsz_delete(irsz);
+    }
+    EXPECT_NE(dst[0][8], 0);
+    EXPECT_EQ(std::memcmp(dst[0], dst[1], sizeof dst[0]), 0);
 }
