@@ -689,14 +689,16 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("low8(mask) | high8(mask)", "low8(mask)", "half of a register is looked at"),
         ("sums, vrshrn, n_s32, int32x4_t, \"vrshrn.i32\",",
          "sums, vshrn, n_s32, int32x4_t, \"vshrn.i32\",", "10-bit products do not round"),
-        ("vtbx4_u8(p.right, table, right)}",
-         "vtbl4_u8(table, right)}", "right bytes are lost that an earlier window has"),
     ],
     "src/simd/neon_block.h": [
         ("return !any_sign_bit(seen); }", "return true; }", "magnitudes always count as exact"),
         ("vqaddq_u16((uint16x8_t)s, a)", "vaddq_u16((uint16x8_t)s, a)", "sums of magnitudes do not saturate"),
         ("(u16xn)vabsq_s16(", "(u16xn)vqabsq_s16(", "the magnitude of -32768 is 32767"),
         ("load_as<u16>(p + 3 * stride), v, 3)", "load_as<u16>(p + 2 * stride), v, 3)", "the fourth row of two columns"),
+    ],
+    "src/simd/neon_pairs.h": [
+        ("vtbx4_u8(p.right, table, right)}",
+         "vtbl4_u8(table, right)}", "right bytes are lost that an earlier window has"),
     ],
     "src/simd/vocabulary.h": [
         ("static_cast<s16>(value);", "static_cast<s8>(value);", "constants above 127 are cut"),
