@@ -21,7 +21,7 @@
 /** Version of these headers, for the preprocessor. */
 /** @{ */
 #define ZELT_VERSION_MAJOR 1
-#define ZELT_VERSION_MINOR 0
+#define ZELT_VERSION_MINOR 1
 #define ZELT_VERSION_PATCH 0
 /** @} */
 
@@ -112,6 +112,11 @@ typedef void (*zelt_free_fn)(void *block, uint32_t aux);
 /** Build stamp of the library: date, a blank, time, a newline; fixed text. The version is ZELT_VERSION_MAJOR and so on.
  *  @return  a static buffer that every call writes again with the same text; not thread-safe for that reason */
 ZELT_API const char *zelt_version(void);
+
+/** Which form of the kernels the library uses on this processor: for bug reports, and to tell whether a build has what
+ *  the processor can do. Any thread.
+ *  @return  "x86-64-v3", "x86-64-v2", "neon" or "scalar"; "generic" of a build over plain vectors, for tests */
+ZELT_API const char *zelt_kernels(void);
 
 /** Smallest n with 2^n >= x. Any thread.
  *  @param x  any value

@@ -1,4 +1,5 @@
-// Where some functions of the archive are in this program, which is linked at fixed addresses.
+// Which kernels the archive uses, and where some functions of it are in this program, which is linked at fixed
+// addresses.
 #include "zelt/zelt.h"
 
 #include <cstdio>
@@ -6,6 +7,7 @@
 #define SHOW(name) std::printf("%016lx " #name "\n", reinterpret_cast<unsigned long>(name))
 
 int main() {
+    std::printf("%s kernels\n", zelt_kernels());
     SHOW(zelt_csc_p410_to_r10g10b10);
     SHOW(zelt_csc_rsz_r8g8b8_to_rgb888);
     SHOW(zelt_csc_yuv444_to_rgb888);

@@ -1,6 +1,7 @@
 // What zelt does when something is wrong: the status, one line, nothing left behind.
 #include "tool/pictures.h"
 #include "tool/run.h"
+#include "zelt/common.h"
 
 #include <csignal>
 #include <fcntl.h>
@@ -16,7 +17,7 @@ const std::string one_pixel = ppm(1, 1, "abc");
 TEST_F(tool, says_what_it_is) {
     const outcome version = zelt("--version");
     expect_success(version);
-    EXPECT_EQ(version.out, "zelt " ZELT_TOOL_VERSION "\n");
+    EXPECT_EQ(version.out, std::string("zelt " ZELT_TOOL_VERSION " (") + zelt_kernels() + ")\n");
     for (const std::string what : {"--help", "convert --help"})
         EXPECT_NE(zelt(what).out.find("Usage"), std::string::npos) << what;
 }

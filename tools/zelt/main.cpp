@@ -2,6 +2,7 @@
 #include "interrupt.h"
 #include "output.h"
 #include "verbs.h"
+#include "zelt/common.h"
 
 #include <CLI/CLI.hpp>
 #include <cctype>
@@ -35,7 +36,7 @@ void parse(CLI::App& app, int argc, char** argv) {
 
 int run(int argc, char** argv) {
     CLI::App app("Converts pictures and clips with libzelt.", "zelt");
-    app.set_version_flag("--version", "zelt " ZELT_TOOL_VERSION);
+    app.set_version_flag("--version", std::string("zelt " ZELT_TOOL_VERSION " (") + zelt_kernels() + ")");
     app.require_subcommand(0, 1);
     app.get_formatter()->label("SUBCOMMAND", "VERB");
     app.get_formatter()->label("Subcommands", "Verbs");
