@@ -1,5 +1,5 @@
 #pragma once
-// The frame of the benchmark (main.cpp) and of the instruction counter for ARM (count.cpp). A row of a table has
+// The frame of the benchmark (main.cpp) and of the instruction counter (count.cpp). A row of a table has
 // candidates that do the same work: `zelt` (the library as linked), `scalar` (the same exports of the build without
 // vector forms, for the benchmark) and peers (other libraries).
 //

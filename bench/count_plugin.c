@@ -24,8 +24,8 @@ enum access { NO_REGISTERS };
 
 void qemu_plugin_register_vcpu_tb_trans_cb(plugin_id id, translated* f);
 void qemu_plugin_register_vcpu_syscall_cb(plugin_id id, called* f);
-void qemu_plugin_register_vcpu_tb_exec_inline(struct qemu_plugin_tb* block, enum operation op, void* at,
-                                              uint64_t value);
+void qemu_plugin_register_vcpu_insn_exec_inline(struct qemu_plugin_insn* instruction, enum operation op, void* at,
+                                                uint64_t value);
 void qemu_plugin_register_vcpu_tb_exec_cb(struct qemu_plugin_tb* block, executed_block* f, enum access a, void* data);
 size_t qemu_plugin_tb_n_insns(const struct qemu_plugin_tb* block);
 struct qemu_plugin_insn* qemu_plugin_tb_get_insn(const struct qemu_plugin_tb* block, size_t index);
@@ -68,7 +68,9 @@ static void trace_block(struct qemu_plugin_tb* block) {
 static void on_translation(plugin_id id, struct qemu_plugin_tb* block) {
     (void)id;
     const enum where place = place_of(qemu_plugin_tb_get_insn(block, 0));
-    qemu_plugin_register_vcpu_tb_exec_inline(block, ADD_U64, &executed[place], qemu_plugin_tb_n_insns(block));
+    /* One by one: of a block on x86 the last may be left to the next one, if it reaches into another page. */
+    for (size_t i = 0; i < qemu_plugin_tb_n_insns(block); ++i)
+        qemu_plugin_register_vcpu_insn_exec_inline(qemu_plugin_tb_get_insn(block, i), ADD_U64, &executed[place], 1);
     if (trace && place == OTHER) trace_block(block);
 }
 

@@ -13,7 +13,8 @@ bench_packages=("${build_packages[@]}" libaom-dev libavutil-dev libbenchmark-dev
     libjack-jackd2-dev libnuma-dev libopencv-core-dev libopencv-imgproc-dev libssl-dev libswscale-dev
     libturbojpeg0-dev libvpx-dev libx264-dev libx265-dev libyuv-dev libzimg-dev python3)
 fuzz_packages=(clang cmake libclang-rt-14-dev ninja-build googletest libgtest-dev)
-instruction_packages=("${arm_packages[@]}" qemu-user g++ cmake ninja-build python3 clang llvm-19 dpkg-dev)
+count_packages=("${arm_packages[@]}" qemu-user g++ cmake ninja-build python3)
+instruction_packages=("${count_packages[@]}" clang llvm-19 dpkg-dev)
 }
 
 # need PACKAGE...: installs what is missing, or says what is and stops.
