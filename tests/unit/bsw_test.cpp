@@ -1,6 +1,7 @@
 // Sequences of calls are those of fuzz/bsw.cpp.
 #include "zelt/bsw.h"
 
+#include <bit>
 #include <gtest/gtest.h>
 #include <vector>
 
@@ -56,4 +57,11 @@ TEST(bsw, nothing_is_stored_past_the_buffer) {
         EXPECT_EQ(bs.cur - bs.beg, (size + 3) / 4 * 4 + 4);  // as if there had been room
         for (int i = 0; i < 16; ++i) EXPECT_EQ(buffer[static_cast<size_t>(i)], i < size ? 0xFF : untouched);
     }
+}
+
+TEST(bsw, lengths_of_codes) {
+    for (uint32_t value = 0; value < 65535; ++value)
+        ASSERT_EQ(zelt_bsw_size_ue(value), 2 * std::bit_width(value + 1) - 1) << value;
+    EXPECT_EQ(zelt_bsw_size_se(128), 17);
+    EXPECT_EQ(zelt_bsw_size_se(-127), 15);
 }
