@@ -403,8 +403,8 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
     "src/csc/convert.h": [
         ("const bool packed = !a[1];",
          "const bool packed = false;", "a picture of one plane has no component pointers"),
-        ("if (p[i] != p[0] + i || stride[i] != stride[0]) return false;",
-         "if (p[i] != p[0] + i) return false;", "components with strides of their own go in registers"),
+        ("if (p[i] != p[0] + i) return false;",
+         "if (p[1] != p[0] + 1) return false;", "components with strides of their own go in registers"),
         ("put4(place, v.a, v.c0, v.c1, v.c2)", "put4(place, v.a, v.c2, v.c1, v.c0)", "ARGB8888 has blue first"),
         ("high << 5 | (low >> 3 & 0x1C)", "high << 5 | (low >> 3 & 0x18)", "RGB565 has five bits of green"),
         ("shift_insert<5>(v.c0, v.c1); }",

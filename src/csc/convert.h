@@ -143,7 +143,7 @@ struct components : planes<4> {
     }
     bool wide() const {
         for (int i = 1; i < 4; ++i)
-            if (p[i] != p[0] + i || stride[i] != stride[0]) return false;
+            if (p[i] != p[0] + i) return false;
         return true;
     }
     template <class V, class Place> void put4(Place place, V a, V b, V c, V d) {

@@ -102,7 +102,7 @@ TEST(csc, components_may_have_strides_of_their_own) {
     std::mt19937 random(1);
     for (uint8_t& byte : planes) byte = static_cast<uint8_t>(random());
     void* const src[] = {&planes[0], &planes[w * h], &planes[2 * w * h]};
-    const int32_t src_s[] = {w, w, w}, packed_s[] = {4 * w}, apart_s[] = {4 * w, 8 * w, 4 * w, 4 * w};
+    const int32_t src_s[] = {w, w, w}, packed_s[] = {4 * w}, apart_s[] = {4 * w, 4 * w, 4 * w, 8 * w};
     void* const one[] = {packed.data(), nullptr};
     void* const four[] = {&apart[0], &apart[1], &apart[2], &apart[3]};
     zelt_csc_yuv444_to_argb8888(src, w, h, src_s, 0, one, w, h, packed_s, 0);
