@@ -54,11 +54,12 @@ fetch() {
 
 # source_of FOLDER PACKAGE: unpacks its source below src and prints the folder's name
 source_of() {
-    mkdir -p src
-    if ! ls -d "src/$2"-*/ >/dev/null 2>&1; then
-        (cd src && apt_in "$1" source --tar-only "$2" && tar xf "$2"_*.orig.tar.*) >&2
+    mkdir -p "src/$2"
+    if [ ! -e "src/$2/unpacked" ]; then
+        (cd src && apt_in "$1" source --tar-only "$2" && tar xf "$2"_*.orig.tar.* -C "$2" --strip-components=1) >&2
+        touch "src/$2/unpacked"
     fi
-    (cd "src/$2"-*/ && pwd)
+    (cd "src/$2" && pwd)
 }
 
 prepare now bookworm
