@@ -93,7 +93,8 @@ template <class Step, int W, bool Steps, class S, class A, class B, class F>
 template <class Step, int W, int H, int Few, class S, class A, class B, class F>
 [[gnu::always_inline]] inline S each_step(S s, const A*& a, const B*& b, std::ptrdiff_t sa, std::ptrdiff_t sb, F f) {
     constexpr int rows = H / Step::rows;
-    constexpr int turn = divisor_of(rows, 4) * Step::rows;
+    constexpr bool few = loads_take_an_index && !loads_scale_an_index && rows <= 8;  // two need no multiple of a stride
+    constexpr int turn = divisor_of(rows, few ? 2 : 4) * Step::rows;
     constexpr int turns_at_once = W / Step::columns * rows <= Few ? H / turn : H / turn % 2 ? 1 : 2;
     static_assert(W % Step::columns == 0 && H % Step::rows == 0);
     rows_of_two<A, B> places(a, b, Step::rows * sa, Step::rows * sb);
