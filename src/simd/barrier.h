@@ -15,6 +15,16 @@ template <class T> T hide_from_optimizer(T value) {
     return value;
 }
 
+/// Keeps gcc from computing b - a as well where both b and a - b are live. For AArch64 it hardly does, but copies
+/// registers before a barrier.
+template <class V> V hide_difference_from_optimizer(V difference) {
+#ifdef __aarch64__
+    return difference;
+#else
+    return hide_from_optimizer(difference);
+#endif
+}
+
 /// p + n, after all loads from p: gcc for AArch64 would add first, and keep a copy of p for them.
 template <class T> T* step_on(T* p, std::ptrdiff_t n) {
 #ifdef __aarch64__

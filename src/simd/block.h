@@ -146,10 +146,10 @@ template <class F> [[gnu::always_inline]] inline void each_strip(int w, int h, F
     }
 }
 
-/// (a, b) to (a + b, a - b). Without the barrier gcc also computes -b, if both b and a - b are live.
+/// (a, b) to (a + b, a - b)
 template <class V> void butterfly(V& a, V& b) {
     const V sum = a + b;
-    b = hide_from_optimizer(a - b), a = sum;
+    b = hide_difference_from_optimizer(a - b), a = sum;
 }
 template <class V> void butterfly_sat(V& a, V& b) {
     const V sum = add_sat(a, b);

@@ -256,6 +256,19 @@ inline u32 reduce_add(square_sums<u16xn> s) { return reduce_add((s.next + s.thir
 template <class V> void transpose2x2_16(V& a, V& b) { asm("vtrn.16 %q0, %q1" : "+w"(a), "+w"(b)); }
 template <class V> void transpose2x2_32(V& a, V& b) { asm("vtrn.32 %q0, %q1" : "+w"(a), "+w"(b)); }
 template <class V> void transpose2x2_64(V& a, V& b) { asm("vswp %f0, %e1" : "+w"(a), "+w"(b)); }
+#elif defined(__aarch64__)  // neither tuples, for which gcc copies registers, nor moves of lanes, which are slow
+template <class V> void transpose2x2_16(V& a, V& b) {
+    const auto va = (uint16x8_t)a, vb = (uint16x8_t)b;
+    a = (V)vtrn1q_u16(va, vb), b = (V)vtrn2q_u16(va, vb);
+}
+template <class V> void transpose2x2_32(V& a, V& b) {
+    const auto va = (uint32x4_t)a, vb = (uint32x4_t)b;
+    a = (V)vtrn1q_u32(va, vb), b = (V)vtrn2q_u32(va, vb);
+}
+template <class V> void transpose2x2_64(V& a, V& b) {
+    const auto va = (uint64x2_t)a, vb = (uint64x2_t)b;
+    a = (V)vtrn1q_u64(va, vb), b = (V)vtrn2q_u64(va, vb);
+}
 #else
 template <class V> void transpose2x2_16(V& a, V& b) {
     const uint16x8x2_t v = vtrnq_u16((uint16x8_t)a, (uint16x8_t)b);
