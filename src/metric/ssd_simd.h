@@ -26,6 +26,8 @@ template <int W, class Sample> struct square_step {
         else
             return load_two_16(p, n);
     }
+    static auto load_next(const u8*& p) { return load_four(p); }
+    static auto load_next(const s16*& p) { return load_four_16(p); }
 };
 
 template <int W, int H, class Sample, class Sums>

@@ -17,7 +17,7 @@ template <class V> using u32_of = u32x4;
 
 constexpr int shared_bytes = 16;
 constexpr bool loads_step = false, pairing_is_free = true, squares_narrow_bytes = false, loads_scale_an_index = false;
-constexpr bool loads_take_an_index = false, store3_beats_a_loop = false;
+constexpr bool loads_take_an_index = false, loads_four = false, store3_beats_a_loop = false;
 constexpr std::size_t memset_from = SIZE_MAX, memcpy_from = 512, string_fill_from = SIZE_MAX;
 inline void string_fill(u8* p, u32 word, std::size_t n) {
     for (; n > 0; --n, p += 4) std::memcpy(p, &word, 4);
@@ -210,6 +210,8 @@ template <class T> two<u16xn> load_two_16(const T*& p, std::ptrdiff_t n) {
     p += n;
     return v;
 }
+inline two<two<u8xn>> load_four(const u8*& p) { return {load_two(p, 2 * lanes), load_two(p, 2 * lanes)}; }
+inline two<two<u16xn>> load_four_16(const s16*& p) { return {load_two_16(p, lanes), load_two_16(p, lanes)}; }
 inline void store_two_16(s16*& p, two<u16xn> v, std::ptrdiff_t n) {
     store_widened(p, {(s16xn)v.first, (s16xn)v.second});
     p += n;

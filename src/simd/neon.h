@@ -3,11 +3,11 @@
 
 namespace zelt::inline ZELT_LEVEL::vec {
 #ifdef __aarch64__
-constexpr bool loads_take_an_index = true, loads_step = false;  // those that step are slow on some processors
-constexpr int shared_bytes = 1;                                 // a load of a lane takes no index
+constexpr bool loads_take_an_index = true, loads_step = false, loads_four = true;  // to step is slow on some
+constexpr int shared_bytes = 1;                                                    // a load of a lane takes no index
 constexpr std::size_t memset_from = 192, memcpy_from = 96;
 #else
-constexpr bool loads_take_an_index = false, loads_step = true;
+constexpr bool loads_take_an_index = false, loads_step = true, loads_four = false;
 constexpr int shared_bytes = 8;
 constexpr std::size_t memset_from = SIZE_MAX, memcpy_from = 512;
 #endif

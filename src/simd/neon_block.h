@@ -103,6 +103,21 @@ inline two<u16xn> load_two_16(const u8*& p, std::ptrdiff_t n) {
     p += n;
     return {(u16xn)vmovl_u8(vget_low_u8(v)), (u16xn)vmovl_u8(vget_high_u8(v))};
 }
+#ifdef __aarch64__
+inline two<two<u8xn>> load_four(const u8*& p) {
+    const uint8x16x4_t v = vld1q_u8_x4(p);
+    p += 64;
+    return {{(u8xn)v.val[0], (u8xn)v.val[1]}, {(u8xn)v.val[2], (u8xn)v.val[3]}};
+}
+inline two<two<u16xn>> load_four_16(const s16*& p) {
+    const int16x8x4_t v = vld1q_s16_x4(p);
+    p += 32;
+    return {{(u16xn)v.val[0], (u16xn)v.val[1]}, {(u16xn)v.val[2], (u16xn)v.val[3]}};
+}
+#else
+inline two<two<u8xn>> load_four(const u8*& p) { return {load_two(p, 32), load_two(p, 32)}; }
+inline two<two<u16xn>> load_four_16(const s16*& p) { return {load_two_16(p, 16), load_two_16(p, 16)}; }
+#endif
 template <int W, int R> u16xn difference_of_rows(const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
     return (u16xn)vsubl_u8(pack_half<W, R>(a, sa), pack_half<W, R>(b, sb));
 }

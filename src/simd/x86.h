@@ -10,7 +10,7 @@
 namespace zelt::inline ZELT_LEVEL::vec {
 constexpr int shared_bytes = 16;
 constexpr bool loads_step = false, pairing_is_free = true, squares_narrow_bytes = false, loads_scale_an_index = true;
-constexpr bool loads_take_an_index = true, store3_beats_a_loop = lanes == 32;
+constexpr bool loads_take_an_index = true, loads_four = false, store3_beats_a_loop = lanes == 32;
 
 #define ZELT_CHOOSE(op, V, ...)          \
     if constexpr (sizeof(V) == 16) {     \

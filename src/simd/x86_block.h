@@ -68,6 +68,8 @@ template <class T> two<u16xn> load_two_16(const T*& p, std::ptrdiff_t n) {
     p += n;
     return v;
 }
+inline two<two<u8xn>> load_four(const u8*& p) { return {load_two(p, 2 * lanes), load_two(p, 2 * lanes)}; }
+inline two<two<u16xn>> load_four_16(const s16*& p) { return {load_two_16(p, lanes), load_two_16(p, lanes)}; }
 inline void store_two_16(s16*& p, two<u16xn> v, std::ptrdiff_t n) {
     store_unaligned(reinterpret_cast<u8*>(p), v.first), store_unaligned(reinterpret_cast<u8*>(p + lanes_16), v.second);
     p += n;

@@ -245,6 +245,13 @@ template <bool Free> void check_pairs_of_rows() {
 template <int Known> void check_two_registers(int registers) {
     SAME(whole, 32, 32, row, row, const u8* p = a; const auto v = load_two(p, Known * lanes);
          to(out, v.first), to(out + lanes, v.second); return u64{p != a + Known * lanes});
+    SAME(whole, 64, 64, row, row, const u8* p = a; const auto v = load_four(p);
+         to(out, v.first.first), to(out + lanes, v.first.second);
+         to(out + 2 * lanes, v.second.first), to(out + 3 * lanes, v.second.second); return u64{p != a + 4 * lanes});
+    SAME(whole, 64, 64, row, row, const s16* p = words(a); const auto v = load_four_16(p);
+         to(out, v.first.first), to(out + lanes, v.first.second);
+         to(out + 2 * lanes, v.second.first), to(out + 3 * lanes, v.second.second);
+         return u64{p != words(a) + 2 * lanes});
     for (const int k : {Known, registers}) {
         SAME(whole, 32, 32, row, row, const u8* p = a; const auto v = load_two(p, k * lanes);
              to(out, v.first), to(out + lanes, v.second); return u64{p != a + k * lanes});
