@@ -569,15 +569,17 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
     "src/metric/ssd.cpp": [
         ("default: return fast::ssd<64>(w,",
          "default: return fast::ssd<4>(w,", "quirk: an unlisted width of bytes is 4 columns"),
-        ("h == 8 ? 8 : 2,", "h,", "quirk: 8 columns of 16 bits have all their rows"),
-        ("h == 4 ? 4 : 2,", "h,", "quirk: 4 columns of 16 bits have all their rows"),
+        ("fast::ssd_of_square_or_two_rows<8>(h,",
+         "fast::ssd<8>(w, h,", "quirk: 8 columns of 16 bits have all their rows"),
+        ("fast::ssd_of_square_or_two_rows<4>(h,",
+         "fast::ssd<4>(w, h,", "quirk: 4 columns of 16 bits have all their rows"),
     ],
     "src/metric/ssd_simd.h": [
         ("return reduce_add(sum) + scalar::ssd<W>(W, left, pa, pb, s_a, s_b);",
          "return reduce_add(sum);", "the last rows of an odd number"),
         ("        return scalar::ssd<W>(W, h, a, b, s_a, s_b);",
          "        return reduce_add(sum);", "large 16-bit differences are not squared again"),
-        ("        return ssd_of_rows<W>(w, h, a, b, sa, sb);",
+        ("        return ssd_of_rows<W>(W, H, a, b, sa, sb);",
          "        return reduce_add(sum);", "large 16-bit differences of a square are not squared again"),
     ],
     "src/resize/bilinear.h": [

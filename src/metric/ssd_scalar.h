@@ -13,4 +13,8 @@ template <int W, class A> u32 ssd(int, int h, const A* a, const A* b, int sa, in
         }
     return sum;
 }
+/// Either a square or two rows
+template <int W, class A> u32 ssd_of_square_or_two_rows(int h, const A* a, const A* b, int sa, int sb) {
+    return ssd<W>(W, h == W ? W : 2, a, b, sa, sb);
+}
 }  // namespace zelt::inline ZELT_LEVEL::scalar

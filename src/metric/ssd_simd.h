@@ -34,12 +34,13 @@ template <int W, int H, class Sample, class Sums>
 [[gnu::always_inline]] inline Sums add_block(Sums sum, const Sample* a, const Sample* b, std::ptrdiff_t sa,
                                              std::ptrdiff_t sb) {
     const auto add = [](Sums s, auto va, auto vb) __attribute__((always_inline)) { return add_squares(s, va, vb); };
-    return each_step<square_step<W, Sample>, W, H, 4>(sum, a, b, sa, sb, add);
+    constexpr int few = squares_narrow_bytes ? 16 : 4;  // so many squares start the sums without adding to 0
+    return each_step<square_step<W, Sample>, W, H, few>(sum, a, b, sa, sb, add);
 }
 
-/// Any number of rows
+/// Any number of rows. Used as far as gcc knows: or it leaves out arguments, and callers move the others.
 template <int W, class Sample>
-[[gnu::noinline]] u32 ssd_of_rows(int, int h, const Sample* a, const Sample* b, int s_a, int s_b) {
+[[gnu::noinline, gnu::used]] u32 ssd_of_rows(int, int h, const Sample* a, const Sample* b, int s_a, int s_b) {
     constexpr int rows = square_step<W, Sample>::rows;
     const std::ptrdiff_t sa = s_a, sb = s_b;
     const Sample *pa = a, *pb = b;
@@ -53,21 +54,28 @@ template <int W, class Sample>
     return reduce_add(sum) + scalar::ssd<W>(W, left, pa, pb, s_a, s_b);
 }
 
-template <int W, class Sample> u32 ssd_of_square(int w, int h, const Sample* a, const Sample* b, int sa, int sb) {
-    const auto sum = add_block<W, W>(typename square_step<W, Sample>::sums{}, a, b, sa, sb);
+/// W columns and H rows
+template <int W, int H, class Sample>
+[[gnu::always_inline]] inline u32 ssd_of_block(const Sample* a, const Sample* b, int sa, int sb) {
+    const auto sum = add_block<W, H>(typename square_step<W, Sample>::sums{}, a, b, sa, sb);
     if (std::is_same_v<Sample, s16> && !exact(sum)) [[unlikely]]
-        return ssd_of_rows<W>(w, h, a, b, sa, sb);
+        return ssd_of_rows<W>(W, H, a, b, sa, sb);
     return reduce_add(sum);
 }
 
 template <int W, class Sample>
-[[gnu::noinline]] u32 ssd_of_large_square(int w, int h, const Sample* a, const Sample* b, int sa, int sb) {
-    return ssd_of_square<W>(w, h, a, b, sa, sb);
+[[gnu::noinline, gnu::used]] u32 ssd_of_large_square(int, int, const Sample* a, const Sample* b, int sa, int sb) {
+    return ssd_of_block<W, W>(a, b, sa, sb);
 }
 
 /// Squares are code of their own. Width and height come along unused so that all arguments stay where they are.
 template <int W, class Sample> u32 ssd(int w, int h, const Sample* a, const Sample* b, int sa, int sb) {
     if (h != W) return ssd_of_rows<W>(w, h, a, b, sa, sb);
-    return W <= 8 ? ssd_of_square<W>(w, h, a, b, sa, sb) : ssd_of_large_square<W>(w, h, a, b, sa, sb);
+    return W <= 8 ? ssd_of_block<W, W>(a, b, sa, sb) : ssd_of_large_square<W>(w, h, a, b, sa, sb);
+}
+/// Either a square or two rows
+template <int W, class Sample>
+[[gnu::always_inline]] inline u32 ssd_of_square_or_two_rows(int h, const Sample* a, const Sample* b, int sa, int sb) {
+    return h == W ? ssd_of_block<W, W>(a, b, sa, sb) : ssd_of_block<W, 2>(a, b, sa, sb);
 }
 }  // namespace zelt::inline ZELT_LEVEL::simd
