@@ -173,6 +173,8 @@ template <class A> u32 satd_tiles(int w, int h, const A* a, const A* b, int sa, 
     constexpr range usual = std::is_same_v<A, u8> ? range::of_bytes : range::usual;
     if (w == 8 && h == 8) return satd_square<8, usual>(a, b, sa, sb);
     if (w == lanes_16 && h == lanes_16) return satd_square<lanes_16, usual>(a, b, sa, sb);
+    if constexpr (usual == range::of_bytes && !pairing_is_free)
+        if (w == lanes && h == lanes) return satd_square<lanes, usual>(a, b, sa, sb);
     if (w == 4 && h == 4) return satd4x4(a, b, sa, sb);
     return satd_tiles_of_any_width<usual>(w, h, a, b, sa, sb);
 }
