@@ -3,6 +3,7 @@
 
 bench_tables.py RUN.json COMMAND [DOCUMENT]                      from a run of zelt_bench
 bench_tables.py --level LEVEL RUN.json                           shows a line per family, of a run for one level
+bench_tables.py --levels COMMAND DOCUMENT LEVEL RUN.json...      a column per level, of runs for each
 bench_tables.py --instructions FOLDER COMMAND [DOCUMENT]         from the runs of zelt_count that COMMAND left there
 
 Shows a table per family and, given a document, puts it between <!-- bench:FAMILY --> and <!-- /bench --> there;
@@ -114,16 +115,33 @@ def time_table(family, rows, units):
     return table
 
 
+def times_scalar(rows):
+    """row -> how many times as fast as the scalar form"""
+    return {row: times["scalar"] / times["zelt"] for row, times in rows.items() if "scalar" in times}
+
+
 def level_table(families):
     """A line per family: how many times as fast as the scalar form"""
     table = Table("family", "rows:", "× scalar, mean:", "least:", "most:", "slower than scalar")
     for family, rows in families.items():
-        ratios = {row: times["scalar"] / times["zelt"] for row, times in rows.items() if "scalar" in times}
+        ratios = times_scalar(rows)
         if not ratios:
             continue
         slower = [f"{row} {ratio:.2f}" for row, ratio in ratios.items() if ratio < NOISE]
         table.add(len(slower), family, str(len(ratios)), f"{statistics.geometric_mean(ratios.values()):.1f}",
                   f"{min(ratios.values()):.2f}", f"{max(ratios.values()):.1f}", ", ".join(slower))
+    return table
+
+
+def levels_table(runs):
+    """A line per family: the same means and leasts, of several levels side by side; runs: level -> families"""
+    table = Table("family", "rows:", *(h for level in runs for h in (f"{level}, mean:", "least:", "slower:")), bars=False)
+    for family, rows in next(iter(runs.values())).items():
+        ratios = [list(times_scalar(families[family]).values()) for families in runs.values()]
+        if ratios[0]:
+            table.add(False, family, str(len(times_scalar(rows))), *(
+                cell for r in ratios for cell in (f"{statistics.geometric_mean(r):.1f}", f"{min(r):.2f}",
+                                                  str(sum(ratio < NOISE for ratio in r)))))
     return table
 
 
@@ -288,6 +306,11 @@ def main(arguments):
         report("instructions", "cycles", cycle_table(targets), f"`{arguments[2]}`, {llvm_version()}", document)
         report("instructions", "clang", clang_table(targets), f"`{arguments[2]}`, {compiler('clang++')}", document)
         report("instructions", "means", mean_table(targets, bars), made_by, document)
+    elif arguments[0] == "--levels":
+        command, document, *pairs = arguments[1:]
+        runs = {level: read_times(pathlib.Path(run))[0] for level, run in zip(pairs[::2], pairs[1::2])}
+        made_by = f"`{command}` on {processor()}, {compiler('c++')}"
+        report("bench", "levels", levels_table(runs), made_by, pathlib.Path(document))
     elif arguments[0] == "--level":
         print(f"{arguments[1]} on {processor()}, {compiler('c++')}:\n")
         print(level_table(read_times(pathlib.Path(arguments[2]))[0]))
