@@ -99,6 +99,8 @@ struct picture_peer {
 
 /// What a row of block kernels visits
 struct blocks {
+    static constexpr int candidates = 16;  // that follow one another and belong to one block of a
+
     shape size;
     const u8 *a, *b;
     int a_element, b_element;                 // bytes per sample

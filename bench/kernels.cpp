@@ -10,7 +10,7 @@ namespace zelt::bench {
 namespace {
 constexpr shape large = {1920, 1080}, small = {320, 240};
 const std::vector<shape> pictures = counting ? std::vector{small} : std::vector{large, small};
-constexpr int candidates_of_a_block = 16, search_range = 16, places = counting ? 2 * candidates_of_a_block : 4096;
+constexpr int search_range = 16, places = counting ? 2 * blocks::candidates : 4096;
 
 std::multimap<std::string, picture_peer>& picture_peers() {
     static std::multimap<std::string, picture_peer> all;
@@ -83,7 +83,7 @@ std::vector<std::pair<int, int>> search_places(shape picture, shape block, int a
     std::vector<std::pair<int, int>> all;
     const int across = picture.w / block.w;
     for (int i = 0; i < places; ++i) {
-        const int n = i / candidates_of_a_block;
+        const int n = i / blocks::candidates;
         const int x = n % across * block.w, y = n / across * block.h;
         all.emplace_back(y * a_stride + x, near(y, picture.h - block.h) * b_stride + near(x, picture.w - block.w));
     }
@@ -124,7 +124,7 @@ struct block_data {
     /// The results of the first places, one by one
     std::vector<u64> results(const std::function<u64(const blocks&)>& run) const {
         std::vector<u64> all;
-        for (std::size_t i = 0; i < 2 * candidates_of_a_block; ++i) {
+        for (std::size_t i = 0; i < 2 * blocks::candidates; ++i) {
             blocks one = visited;
             one.places = {visited.places[i]};
             all.push_back(run(one));
@@ -160,7 +160,7 @@ std::function<u64(const blocks&)> over_places(timing signature, function f) {
     case timing::early_exit:
         return over([f = reinterpret_cast<early_exit_fn*>(f), n = 0, best = 0](const blocks& k, const u8* a,
                                                                                const u8* b) mutable {
-            if (n++ % candidates_of_a_block == 0) best = std::numeric_limits<int>::max();
+            if (n++ % blocks::candidates == 0) best = std::numeric_limits<int>::max();
             return best = std::min(best, f(k.size.w, k.size.h, a, b, k.a_stride, k.b_stride, best));
         });
     case timing::residual:

@@ -7,8 +7,8 @@ bench_tables.py --levels COMMAND DOCUMENT LEVEL RUN.json...      a column per le
 bench_tables.py --instructions FOLDER COMMAND [DOCUMENT]         from the runs of zelt_count that COMMAND left there
 
 Shows a table per family and, given a document, puts it between <!-- bench:FAMILY --> and <!-- /bench --> there;
-<!-- instructions:FAMILY --> for the last kind, which also has tables called means, cycles and clang. Times are medians of
-one run; 2 % is noise."""
+<!-- instructions:FAMILY --> for the last kind, which also has tables called means, cycles and clang. A run of zelt_bench
+ends with the means over all rows that have a peer, which are shown only. Times are medians of one run; 2 % is noise."""
 import fnmatch
 import json
 import pathlib
@@ -118,6 +118,26 @@ def time_table(family, rows, units):
 def times_scalar(rows):
     """row -> how many times as fast as the scalar form"""
     return {row: times["scalar"] / times["zelt"] for row, times in rows.items() if "scalar" in times}
+
+
+def peers_of(times):
+    """What is timed beside ours and is not ours: the kernels of bytes beside the mixed ones are."""
+    return {name: t for name, t in times.items() if name != "scalar" and not name.startswith("zelt")}
+
+
+def peer_means(families):
+    """A line per family, and one for all: the geometric mean of the best peers' times by ours"""
+    table = Table("family", "rows:", "× peer, mean:", "least:", f"below {NOISE}:", bars=False)
+    ratios = {}
+    for family, rows in families.items():
+        peers = {row: peers_of(times) for row, times in rows.items()}
+        ratios[family] = [min(p.values()) / rows[row]["zelt"] for row, p in peers.items() if p]
+    ratios["all"] = [r for of_family in ratios.values() for r in of_family]
+    for family, of_family in ratios.items():
+        if of_family:
+            table.add(False, family, str(len(of_family)), f"{statistics.geometric_mean(of_family):.2f}",
+                      f"{min(of_family):.2f}", str(sum(r < NOISE for r in of_family)))
+    return table
 
 
 def level_table(families):
@@ -320,6 +340,7 @@ def main(arguments):
         document = pathlib.Path(arguments[2]) if len(arguments) > 2 else None
         for family, rows in families.items():
             report("bench", family, time_table(family, rows, units), made_by, document)
+        print(peer_means(families))
 
 
 if __name__ == "__main__":

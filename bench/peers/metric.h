@@ -40,6 +40,17 @@ inline block_peer swapped_peer(const char* name, int (*f)(const void*, std::intp
             }};
 }
 
+/// Whole blocks where the kernel may stop early: what a search that keeps its best candidate does without it
+inline block_peer whole_block_peer(const char* name, int (*f)(const void*, std::intptr_t, const void*, std::intptr_t)) {
+    return {name, [f](const blocks& k) {
+                int n = 0, best = 0;
+                return k.visit([&](const u8* a, const u8* b) {
+                    const int sum = f(a, k.a_stride, b, k.b_stride);
+                    return best = n++ % blocks::candidates && best < sum ? best : sum;
+                });
+            }};
+}
+
 /// The kernels of high bit depth of two libraries take half of the address of their 16-bit samples.
 inline const u8* half(const u8* p) { return reinterpret_cast<const u8*>(reinterpret_cast<std::uintptr_t>(p) / 2); }
 inline block_peer high_depth_peer(const char* name, unsigned (*f)(const void*, int, const void*, int)) {
@@ -110,6 +121,8 @@ inline const char* const all_sizes[] = {"4x4",   "4x8",   "8x4",   "8x8",   "8x1
 #define SWAPPED_PEER(kernel, f)                                               \
     extern "C" int f(const void*, std::intptr_t, const void*, std::intptr_t); \
     static const bool f##_added = zelt::bench::add_peer(kernel, zelt::bench::swapped_peer(#f, f));
+#define WHOLE_BLOCK_PEER(kernel, f) \
+    static const bool f##_whole = zelt::bench::add_peer(kernel, zelt::bench::whole_block_peer(#f, f));
 #define HIGH_DEPTH_PEER(kernel, f)                             \
     extern "C" unsigned f(const void*, int, const void*, int); \
     static const bool f##_added = zelt::bench::add_peer(kernel, zelt::bench::high_depth_peer(#f, f));
