@@ -69,10 +69,50 @@ int sad_eskip(int h, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t
     }
     return static_cast<int>(sum);
 }
+/// Adds the next R rows, or those up to the first that takes the sum above the threshold. Returns whether that is all:
+/// of the last rows it always is, and nothing depends on a branch that is taken at random.
+template <int W, int R>
+bool add_until(u32& sum, const u8*& a, const u8*& b, std::ptrdiff_t sa, std::ptrdiff_t sb, int threshold, bool last) {
+    abs_diff_sums_8<W, R> rows[R];
+    for (auto& row : rows) row = add_block<W, 1>(abs_diff_sums_8<W, R>{}, a, b, sa, sb), a += sa, b += sb;
+    if (const u32 next = sum + reduce_add(rows); R == 1 || (!last && static_cast<int>(next) <= threshold)) {
+        sum = next;
+        return last || static_cast<int>(sum) > threshold;
+    }
+    if constexpr (R > 1)
+        sum += sum_until(rows, static_cast<u32>(std::clamp(threshold - static_cast<int>(sum), -1, 65534) + 1));
+    return true;
+}
+/// A function of its own: in one with the other widths all would save the registers that one of them needs.
+template <int W>
+[[gnu::noinline]] int sad_eskip_by_rows(int h, const u8* a, const u8* b, int s_a, int s_b, int threshold) {
+    constexpr int most = W > 32 ? 4 : 8;  // whose sum is below 2^16
+    const std::ptrdiff_t sa = s_a, sb = s_b;
+    u32 sum = 0;
+    bool done = h <= 0;
+    for (; !done && h >= most; h -= most) done = add_until<W, most>(sum, a, b, sa, sb, threshold, h == most);
+    for (; !done && h >= 4; h -= 4) done = add_until<W, 4>(sum, a, b, sa, sb, threshold, h == 4);
+    for (; !done; --h) done = add_until<W, 1>(sum, a, b, sa, sb, threshold, h == 1);
+    return static_cast<int>(sum);
+}
 template <int W> int sad_eskip(int h, const u8* a, const u8* b, int sa, int sb, int threshold) {
+    if constexpr (sums_rows_apart) return sad_eskip_by_rows<W>(h, a, b, sa, sb, threshold);
     return sad_eskip(
         h, a, b, sa, sb, threshold, [=](const u8* pa, const u8* pb) { return sad<W, 4>(pa, pb, sa, sb); },
         [](const u8* pa, const u8* pb) { return sad<W, 1>(pa, pb, 0, 0); });
+}
+inline int sad_eskip_of_any_width(int w, int h, const u8* a, const u8* b, int sa, int sb, int threshold) {
+    const auto row = [=](const u8* pa, const u8* pb) { return sad_row(w, pa, pb); };
+    const auto four = [=](const u8* pa, const u8* pb) {
+        u32 sum = 0;
+        for (std::ptrdiff_t y = 0; y < 4; ++y) sum += sad_row(w, pa + y * sa, pb + y * sb);
+        return sum;
+    };
+    return sad_eskip(h, a, b, sa, sb, threshold, four, row);
+}
+[[gnu::noinline]] inline int sad_eskip_of_other_width(int w, int h, const u8* a, const u8* b, int sa, int sb,
+                                                      int threshold) {
+    return sad_eskip_of_any_width(w, h, a, b, sa, sb, threshold);
 }
 inline int sad_eskip(int w, int h, const u8* a, const u8* b, int sa, int sb, int threshold) {
     switch (w) {
@@ -82,13 +122,8 @@ inline int sad_eskip(int w, int h, const u8* a, const u8* b, int sa, int sb, int
     case 32: return sad_eskip<32>(h, a, b, sa, sb, threshold);
     case 64: return sad_eskip<64>(h, a, b, sa, sb, threshold);
     }
-    const auto row = [=](const u8* pa, const u8* pb) { return sad_row(w, pa, pb); };
-    const auto four = [=](const u8* pa, const u8* pb) {
-        u32 sum = 0;
-        for (std::ptrdiff_t y = 0; y < 4; ++y) sum += sad_row(w, pa + y * sa, pb + y * sb);
-        return sum;
-    };
-    return sad_eskip(h, a, b, sa, sb, threshold, four, row);
+    return sums_rows_apart ? sad_eskip_of_other_width(w, h, a, b, sa, sb, threshold)
+                           : sad_eskip_of_any_width(w, h, a, b, sa, sb, threshold);
 }
 
 // ------------------------------------------------------------------------------------------- 16-bit and mixed samples

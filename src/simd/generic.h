@@ -18,6 +18,7 @@ template <class V> using u32_of = u32x4;
 constexpr int shared_bytes = 16;
 constexpr bool loads_step = false, pairing_is_free = true, squares_narrow_bytes = false, loads_scale_an_index = false;
 constexpr bool loads_take_an_index = false, loads_four = false, store3_beats_a_loop = false;
+constexpr bool sums_rows_apart = true;
 constexpr std::size_t memset_from = SIZE_MAX, memcpy_from = 512, string_fill_from = SIZE_MAX;
 inline void string_fill(u8* p, u32 word, std::size_t n) {
     for (; n > 0; --n, p += 4) std::memcpy(p, &word, 4);
@@ -242,6 +243,18 @@ template <int W, int N> abs_diff_sums_8<W, N> add_abs_diff(abs_diff_sums_8<W, N>
     return s;
 }
 template <int W, int N> u32 reduce_add(abs_diff_sums_8<W, N> s) { return s.sum; }
+template <int W, int N, int R> u32 reduce_add(const abs_diff_sums_8<W, N> (&rows)[R]) {
+    u32 sum = 0;
+    for (const auto& row : rows) sum += row.sum;
+    return sum;
+}
+template <int W, int N, int R> u32 sum_until(const abs_diff_sums_8<W, N> (&rows)[R], u32 least) {
+    static_assert(R == 4 || R == 8);
+    u32 sum = 0;
+    for (const auto& row : rows)
+        if (sum += row.sum; sum >= least) break;
+    return sum;
+}
 
 inline u16xn abs(u16xn a) {
     return make<u16xn>([=](int i) { return a[i] >> 15 ? -a[i] : +a[i]; });

@@ -218,6 +218,9 @@ template <int W, int N> u32 reduce_add(abs_diff_sums_8<W, N> s) {
     return reduce_add(pairwise_add_accumulate(pairwise_add_accumulate(u32xn{}, a), b));
 }
 
+template <int W, int N, int R> u32 reduce_add(const abs_diff_sums_8<W, N> (&rows)[R]);  // there are none
+template <int W, int N, int R> u32 sum_until(const abs_diff_sums_8<W, N> (&rows)[R], u32 least);
+
 inline u16xn abs(u16xn a) { return (u16xn)vabsq_s16((int16x8_t)a); }
 inline u16xn max(u16xn a, u16xn b) { return (u16xn)vmaxq_u16((uint16x8_t)a, (uint16x8_t)b); }
 inline u16xn average(u16xn a, u16xn b) { return (u16xn)vrhaddq_u16((uint16x8_t)a, (uint16x8_t)b); }

@@ -77,6 +77,9 @@
 //   abs_diff_sums_8<W, N>, add_abs_diff(s, a, b)
 //                                sum of |a - b| of bytes, of rows of W as load_rows has them; up to N times, N up to
 //                                256
+//   reduce_add(s), sum_until(s, u32 least)
+//                                where sums_rows_apart, of an array s of 4 or 8 rows' sums the sum of all, and the
+//                                first running sum that is `least` or more, or else the last one; all are below 2^16
 //   abs_diff_sums_16<V>, add_abs_diff(s, a, b), add_abs_diffs(s, a, b, c, d)
 //                                sum of |a - b| (and of |c - d|) of signed values, up to eight together. s.sum is below
 //                                2^15 and right where exact_abs_diffs(seen(s)), which it is of 12 bits at least
@@ -104,6 +107,7 @@
 //   shared_bytes                 bytes up to which the rows of a narrow block share a register
 //   squares_narrow_bytes         add_squares takes bytes of narrow rows
 //   pairing_is_free              paired_residual costs no more than a difference
+//   sums_rows_apart              reduce_add and sum_until take rows' sums, and cost little more than those of one sum
 //   store3_beats_a_loop          store3 is faster than what compilers make of a loop that interleaves three planes
 //   memset_from, memcpy_from     bytes from which the C library's memset, memcpy is as fast as registers or faster
 //   string_fill_from             bytes from which string_fill(p, word, n) is, which fills n words: beyond the nearer

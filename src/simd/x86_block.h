@@ -141,17 +141,46 @@ template <int W, int N> u32 reduce_add(abs_diff_sums_8<W, N> s) {
     return static_cast<u32>(_mm_cvtsi128_si32((__m128i)(v + (u32x4)_mm_shuffle_epi32((__m128i)v, 0xEE))));
 }
 
+template <int W, int N, int R> u32 reduce_add(const abs_diff_sums_8<W, N> (&rows)[R]) {
+    abs_diff_sums_8<W, N> sum = rows[0];
+    for (int i = 1; i < R; ++i) sum.in_64_bits += rows[i].in_64_bits;
+    return reduce_add(sum);
+}
+/// Each row's sum becomes one of 16 bits, then a running one.
+template <int W, int N, int R> u32 sum_until(const abs_diff_sums_8<W, N> (&rows)[R], u32 least) {
+    static_assert(R == 4 || R == 8);
+    const auto four = [&](int i) {
+        const auto two = [&](int k) {
+            return _mm_or_si128((__m128i)fold(rows[k].in_64_bits),
+                                _mm_slli_epi32((__m128i)fold(rows[k + 1].in_64_bits), 16));
+        };
+        return _mm_or_si128(two(i), _mm_slli_epi64(two(i + 2), 32));
+    };
+    const __m128i first = four(0), last = R == 8 ? four(R - 4) : __m128i{};
+    __m128i sums = _mm_add_epi16(_mm_unpacklo_epi64(first, last), _mm_unpackhi_epi64(first, last));
+    sums = _mm_add_epi16(sums, _mm_slli_si128(sums, 2));
+    sums = _mm_add_epi16(sums, _mm_slli_si128(sums, 4));
+    sums = _mm_add_epi16(sums, _mm_slli_si128(sums, 8));
+    const __m128i larger = _mm_max_epu16(sums, _mm_set1_epi16(static_cast<s16>(least)));
+    const int reached = _mm_movemask_epi8(_mm_cmpeq_epi16(larger, sums)) | 3 << (2 * R - 2);
+    u16 all[8];
+    std::memcpy(all, &sums, sizeof all);
+    return all[__builtin_ctz(static_cast<unsigned>(reached)) / 2];
+}
+
 template <class V> V abs(V a) { return (V)abs_epi16(a); }
 template <class V> V max(V a, V b) { return (V)max_epu16(a, b); }
 template <class V> V average(V a, V b) { return (V)avg_epu16(a, b); }
 template <class V> V add_sat(V a, V b) { return (V)adds_epi16(a, b); }
 template <class V> V sub_sat(V a, V b) { return (V)subs_epi16(a, b); }
 
-template <class V> bool all_clear(V a, V mask) {
+/// Whether Bits are clear in every 32 of a. The mask comes from memory: gcc would make it, in three instructions.
+template <u32 Bits, class V> bool all_clear(V a) {
+    static constexpr auto mask = make_table<sizeof(V)>([](int i) { return Bits >> i % 4 * 8; });
     if constexpr (sizeof(V) == 16)
-        return _mm_testz_si128((__m128i)a, (__m128i)mask);
+        return _mm_testz_si128((__m128i)a, *reinterpret_cast<const __m128i*>(mask.v));
     else
-        return _mm256_testz_si256((__m256i)a, (__m256i)mask);
+        return _mm256_testz_si256((__m256i)a, *reinterpret_cast<const __m256i*>(mask.v));
 }
 /// Two by two: in pairs below 8192 no sum is out of range, and a difference that was saturates. Only such sums
 /// saturate, as they have fewer execution ports than plain ones.
@@ -165,7 +194,7 @@ template <class V> void add_abs_diffs(abs_diff_sums_16<V>& s, V a, V b, V c, V d
     s.sum += two, s.seen |= two;
 }
 template <class V> V seen(abs_diff_sums_16<V> s) { return s.seen; }
-template <class V> bool exact_abs_diffs(V seen) { return all_clear(seen, V{} + static_cast<u16>(0xE000)); }
+template <class V> bool exact_abs_diffs(V seen) { return all_clear<0xE000E000>(seen); }
 template <class V> bool any_sign_bit(V a) { return movemask_epi8(a) & static_cast<int>(0xAAAAAAAA); }
 
 /// Sums of neighbouring products of signed values, modulo 2^32
@@ -193,7 +222,7 @@ inline square_sums<u16xn> add_squares(square_sums<u16xn> s, u8xn a, u8xn b) {
     return {s.sum + (multiply_neighbours((u16xn)d.lo, (u16xn)d.lo) + multiply_neighbours((u16xn)d.hi, (u16xn)d.hi)),
             s.seen};
 }
-template <class V> bool exact(square_sums<V> s) { return all_clear(s.seen, u32_of<V>{} + (7u << 29)); }
+template <class V> bool exact(square_sums<V> s) { return all_clear<7u << 29>(s.seen); }
 template <class V> u32 reduce_add(square_sums<V> s) { return reduce_add(s.sum); }
 
 template <class V> void transpose2x2_16(V& a, V& b) {

@@ -334,6 +334,25 @@ TEST(operations, of_values) {
     if constexpr (whole > 1) check_values<vec::lanes_16>();
 }
 
+template <bool Apart> void check_sums_of_rows() {
+    if constexpr (Apart)
+        SAME(1, 128, 0, random_bytes(1 << 13), memory(1 << 13), {
+            using sums = abs_diff_sums_8<16, 8>;
+            sums s[8];
+            for (int i = 0; i < 8; ++i)
+                s[i] = add_abs_diff(sums{}, load_as<u8x16>(a + 16 * i), load_as<u8x16>(b + 16 * i));
+            const sums four[] = {s[0], s[1], s[2], s[3]};
+            u32 all = reduce_add(s);
+            for (u32 least : {0u, 3000u, 5000u, 8000u, 12000u, 65535u}) {
+                all = all * 31 + sum_until(four, least);
+                least = sum_until(s, least);
+                all = all * 31 + sum_until(s, least);
+                all = all * 31 + sum_until(s, least + 1);
+            }
+            return u64{all};
+        });
+}
+
 TEST(operations, of_sums) {
     for (const unsigned below : {2u, 256u}) {
         const memory x = random_bytes(1 << 13, below), y(1 << 13, below == 2 ? 255 : 100);
@@ -346,6 +365,7 @@ TEST(operations, of_sums) {
         SAME(whole, 16, 0, x, random_bytes(1 << 13),
              return u64{reduce_add(add_squares(square_sums<u16xn>{}, load_as<u8xn>(a), load_as<u8xn>(b)))});
     }
+    check_sums_of_rows<vec::sums_rows_apart>();
     const memory one = single_bytes(vec::lanes);
     SAME(whole, 16, 0, one, one, return u64{any(load_as<u8xn>(a))});
     if constexpr (whole == 2) {
