@@ -49,7 +49,10 @@ private:
 /// Pixels of bytes, all channels of which are filtered alike
 struct packed {
     using source = direct<1>;
-    static void put(u8* dst, std::ptrdiff_t x, const u8xn (&v)[1]) { store(dst + x, v[0]); }
+    static void put(u8* dst, std::ptrdiff_t x, const u8xn (&v)[1]) {
+        fetch_for_stores(dst + x);
+        store(dst + x, v[0]);
+    }
 };
 
 struct rgb565_to_565 {

@@ -26,6 +26,9 @@ template <int N> struct direct {
 /// Fetches a part of the next row: rows are read too sparsely for the hardware prefetcher.
 inline void prefetch(const u8* p) { __builtin_prefetch(p); }
 
+/// Whether the halves of a group read more than one cache line
+template <int Windows> constexpr bool halves_are_lines_apart = columns::eights * 16 * Windows > 64;
+
 /// Horizontal weights times a vertical one: at most 64, still bytes
 inline u8xn scaled(u8xn weights, int factor) { return (u8xn)((u16xn)weights * static_cast<u16>(factor)); }
 
@@ -84,7 +87,7 @@ template <class Format, int Windows, class Row>
             u8xn v[planes];
             s16xn lo[n], hi[n];
             filter(lo, true);
-            filter(hi, Windows > 2);  // of one or two windows both halves share a cache line
+            filter(hi, halves_are_lines_apart<Windows>);
             if constexpr (planes == 1)
                 v[0] = blend_q6({lo[0], hi[0]}, {lo[1], hi[1]}, job.phase);
             else
@@ -106,7 +109,7 @@ template <class Format, int Channels, int Next, class Row>
         u8xn top[2], bottom[2], v[planes];
         load_next(weights, top), load_next(weights, bottom);
         for (int p = 0; p < planes; ++p) {
-            if (Channels == 1)  // wider pixels: the hardware prefetcher keeps up
+            if (Channels == 1 || (wide_pixels_need_prefetch && Next == 1))
                 for (int i = 0; i < Next; ++i) {
                     prefetch(after.top[p] + source + i * Next * lanes);
                     prefetch(after.bottom[p] + source + i * Next * lanes);
@@ -170,7 +173,7 @@ template <int Windows> void filter_horizontal(const columns c, const u8* row, co
     };
     for (int g = c.groups; g > 0; --g) {
         filter(true);
-        filter(Windows > 2);
+        filter(halves_are_lines_apart<Windows>);
     }
 }
 using filter_horizontal_fn = void (*)(columns, const u8*, const u8*, s16xn*);

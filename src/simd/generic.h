@@ -18,7 +18,8 @@ template <class V> using u32_of = u32x4;
 constexpr int shared_bytes = 16;
 constexpr bool loads_step = false, pairing_is_free = true, squares_narrow_bytes = false, loads_scale_an_index = false;
 constexpr bool loads_take_an_index = false, loads_four = false, store3_beats_a_loop = false;
-constexpr bool sums_rows_apart = true;
+constexpr bool sums_rows_apart = true, wide_pixels_need_prefetch = false;
+constexpr int stores_ahead = 0;
 constexpr std::size_t memset_from = SIZE_MAX, memcpy_from = 512, string_fill_from = SIZE_MAX;
 inline void string_fill(u8* p, u32 word, std::size_t n) {
     for (; n > 0; --n, p += 4) std::memcpy(p, &word, 4);

@@ -12,7 +12,8 @@ constexpr int shared_bytes = 8;
 constexpr std::size_t memset_from = SIZE_MAX, memcpy_from = 512;
 #endif
 constexpr bool loads_scale_an_index = false, squares_narrow_bytes = true, pairing_is_free = false;
-constexpr bool store3_beats_a_loop = true, sums_rows_apart = false;
+constexpr bool store3_beats_a_loop = true, sums_rows_apart = false, wide_pixels_need_prefetch = false;
+constexpr int stores_ahead = 0;
 constexpr std::size_t string_fill_from = SIZE_MAX;
 inline void string_fill(u8*, u32, std::size_t) {}  // there is none, and no call of it
 

@@ -109,6 +109,8 @@
 //   pairing_is_free              paired_residual costs no more than a difference
 //   sums_rows_apart              reduce_add and sum_until take rows' sums, and cost little more than those of one sum
 //   store3_beats_a_loop          store3 is faster than what compilers make of a loop that interleaves three planes
+//   wide_pixels_need_prefetch    source rows of pixels of several bytes are worth a prefetch, too
+//   stores_ahead                 bytes before a store that fetching its memory pays, 0 if it does not
 //   memset_from, memcpy_from     bytes from which the C library's memset, memcpy is as fast as registers or faster
 //   string_fill_from             bytes from which string_fill(p, word, n) is, which fills n words: beyond the nearer
 //                                caches it need not read what it overwrites
@@ -219,6 +221,13 @@ using namespace generic;
 }
 #endif
 #include "simd/block.h"
+
+namespace zelt::inline ZELT_LEVEL::vec {
+/// Comes with a store to p in a row of stores: those to memory that is in no cache wait for it, one by one.
+inline void fetch_for_stores([[maybe_unused]] const u8* p) {
+    if constexpr (stores_ahead > 0) __builtin_prefetch(p + stores_ahead, 1);
+}
+}  // namespace zelt::inline ZELT_LEVEL::vec
 
 namespace zelt::inline ZELT_LEVEL::simd {
 using namespace vec;

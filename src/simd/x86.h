@@ -11,7 +11,8 @@ namespace zelt::inline ZELT_LEVEL::vec {
 constexpr int shared_bytes = 16;
 constexpr bool loads_step = false, pairing_is_free = true, squares_narrow_bytes = false, loads_scale_an_index = true;
 constexpr bool loads_take_an_index = true, loads_four = false, store3_beats_a_loop = lanes == 32;
-constexpr bool sums_rows_apart = true;
+constexpr bool sums_rows_apart = true, wide_pixels_need_prefetch = true;
+constexpr int stores_ahead = lanes == 32 ? 1024 : 0;  // a fetch per 16 bytes costs what it gains
 
 #define ZELT_CHOOSE(op, V, ...)          \
     if constexpr (sizeof(V) == 16) {     \
