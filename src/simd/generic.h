@@ -113,6 +113,12 @@ inline u8xn narrow_q6(s16x2n v) {
 inline u8xn blend_q6(s16x2n v, s16x2n w, int f) {
     return make<u8xn>([=](int i) { return ((8 - f) * sample(v, i) + f * sample(w, i)) >> 6; });
 }
+inline s16x2n centred_even_odd(u8xn a) {
+    return make_words([=](int i) { return (a[i < 8 ? 2 * i : 2 * i - 15] - 128) << 8; });
+}
+inline u8xn narrow_q6_even_odd(s16x2n v) {
+    return make<u8xn>([=](int i) { return clamped(sample(v, i % 2 * 8 + i / 2) >> 6, 0, 255); });
+}
 inline u8xn narrow_ordered(s16x2n v) { return narrow(v); }
 inline u8xn narrow_q6_ordered(s16x2n v) { return narrow_q6(v); }
 inline u8xn low_q2_ordered(s16x2n v) {
@@ -121,6 +127,9 @@ inline u8xn low_q2_ordered(s16x2n v) {
 
 inline s16x2n mul_q15(s16x2n v, int b) {
     return make_words([=](int i) { return (sample(v, i) * b + (1 << 14)) >> 15; });
+}
+inline s16x2n add_sat(s16x2n v, s16x2n w) {
+    return make_words([=](int i) { return saturated(sample(v, i) + sample(w, i)); });
 }
 inline s16x2n sub_sat(s16x2n v, s16x2n w) {
     return make_words([=](int i) { return saturated(sample(v, i) - sample(w, i)); });

@@ -227,6 +227,18 @@ inline s16x2n add_wide(s16x2n a, u8xn b) {
     return {(s16xn)vaddw_u8((uint16x8_t)a.lo, low8(b)), (s16xn)add_upper((uint16x8_t)a.hi, b)};
 }
 inline s16x2n difference(u8xn a, u8xn b) { return {(s16xn)vsubl_u8(low8(a), low8(b)), (s16xn)subtract_upper(a, b)}; }
+/// Words of two bytes each, the lower byte being the even one
+inline s16x2n centred_even_odd(u8xn a) {
+    const u16xn pairs = (u16xn)(a ^ 128);
+    return {(s16xn)(pairs << 8), (s16xn)(pairs & 0xFF00)};
+}
+/// v << 2 with saturation has the result in its high byte.
+inline u8xn narrow_q6_even_odd(s16x2n v) {
+    return (u8xn)vsriq_n_u16(vqshluq_n_s16((int16x8_t)v.hi, 2), vqshluq_n_s16((int16x8_t)v.lo, 2), 8);
+}
+inline s16x2n add_sat(s16x2n a, s16x2n b) {
+    return {(s16xn)vqaddq_s16((int16x8_t)a.lo, (int16x8_t)b.lo), (s16xn)vqaddq_s16((int16x8_t)a.hi, (int16x8_t)b.hi)};
+}
 inline s16x2n sub_sat(s16x2n a, s16x2n b) {
     return {(s16xn)vqsubq_s16((int16x8_t)a.lo, (int16x8_t)b.lo), (s16xn)vqsubq_s16((int16x8_t)a.hi, (int16x8_t)b.hi)};
 }

@@ -10,7 +10,8 @@
 //
 // ORDERS. In memory order sample i is in lane i, those of lo first. In widened order, that of widen() for bytes in
 // memory order, eights of samples change places: the one at i is number eight_at(i). On registers of 16 bytes the two
-// are one. "Widened to memory" is said of an operation that takes the one and gives the other.
+// are one. "Widened to memory" is said of an operation that takes the one and gives the other. In even-odd order lo has
+// samples 0, 2, 4... and hi samples 1, 3, 5...
 //
 // SAMPLES
 //   load, load2, load3, load4    `lanes` samples of 1 to 4 interleaved channels; store, store2, store3, store4 alike
@@ -27,12 +28,14 @@
 //   narrow, narrow_signed        widened to memory, with saturation to 0..255 and to -128..127
 //   high, round_high             widened to memory: bits 15..8 of unsigned words, and of words + 128 below 2^16
 //   narrow_q6                    widened to memory: v >> 6, for v from 0 to 2^14 - 1
+//   centred_even_odd(a)          memory to even-odd: (a - 128) << 8
+//   narrow_q6_even_odd           even-odd to memory: v >> 6, with saturation to 0..255
 //   narrow_ordered, narrow_q6_ordered
 //                                narrow and narrow_q6, memory to memory
 //   blend_q6(v, w, int f)        widened to memory: ((8 - f) v + f w) >> 6; v, w from 0 to 2^11 - 1, f from 0 to 8
 //   low_q2_ordered               memory to memory: the low byte of v >> 2
 //   mul_q15(v, int b)            (v b + 2^14) >> 15; b above -2^15
-//   sub_sat(v, w)                v - w with saturation
+//   add_sat, sub_sat             v + w and v - w with saturation
 //   shift_add<N>(v, w)           v + (w >> N)
 //   shift_insert<N>(a, b)        of bytes, the high N bits of a above b >> N; N from 1 to 7
 //   dot_q10<A, B, C>(u, v, w)    (A u + B v + C w + 512) >> 10, where that fits 16 bits; as dot_q10_fits() says

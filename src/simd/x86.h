@@ -168,6 +168,17 @@ inline u8xn blend_q6(s16x2n v, s16x2n w, int f) {
 inline u8xn narrow_q6_ordered(s16x2n v) { return in_order(narrow_q6(v)); }
 inline u8xn low_q2_ordered(s16x2n v) { return narrow_ordered({v.lo >> 2 & 255, v.hi >> 2 & 255}); }
 
+/// Words of two bytes each, the lower byte being the even one
+inline s16x2n centred_even_odd(u8xn a) {
+    const u16xn pairs = (u16xn)(a ^ 128);
+    return {(s16xn)(pairs << 8), (s16xn)(pairs & 0xFF00)};
+}
+inline u8xn narrow_q6_even_odd(s16x2n v) {
+    static constexpr byte_table<lanes> in_turn = per_place([](int i) { return i % 2 * 8 + i / 2; });
+    return (u8xn)shuffle_epi8(packus_epi16(v.lo >> 6, v.hi >> 6), reg(in_turn));
+}
+
+inline s16x2n add_sat(s16x2n v, s16x2n w) { return {(s16xn)adds_epi16(v.lo, w.lo), (s16xn)adds_epi16(v.hi, w.hi)}; }
 inline s16x2n sub_sat(s16x2n v, s16x2n w) { return {(s16xn)subs_epi16(v.lo, w.lo), (s16xn)subs_epi16(v.hi, w.hi)}; }
 inline s16x2n mul_q15(s16x2n v, int b) {
     const s16x2n factor = splat(b);

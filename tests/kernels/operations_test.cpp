@@ -117,6 +117,7 @@ TEST(operations, of_words) {
         const memory other = random_words(1 << 16, bits), eleven_bits = random_words(1 << 16, 11);
         WORDS(all_words, other, clamp(v + w - (v << 3) + (w >> 5) + 77, -9000, 20000));
         WORDS(all_words, other, sub_sat(v, w));
+        WORDS(all_words, other, add_sat(v, w));
         WORDS(all_words, other, shift_add<8>(v, w) - shift_add<1>(w, v) + splat(5));
         WORDS(all_words, other, mul_q15(v, -32767) + mul_q15(v, 1436) + mul_q15(w, 32767));
         WORDS(all_words, other, dot_q10<308, 600, -116>(v, w, v));
@@ -126,6 +127,10 @@ TEST(operations, of_words) {
     ORDERED(narrow_ordered(v));
     ORDERED(narrow_q6_ordered(v - ((v >> 14) << 14)));
     ORDERED(low_q2_ordered(v));
+    SAME(whole, 16, 16, all_words, random_words(1 << 16, 16), s16x2n v{load_as<s16xn>(a), load_as<s16xn>(b)};
+         store(out, narrow_q6_even_odd(v)));
+    SAME(whole, 16, 16, all_words, all_words, u8xn x; load(a, x); const s16x2n v = centred_even_odd(x);
+         to(out, v.lo ^ (v.hi >> 8 & 255)));
 
     const memory first = random_words(1 << 12, 12), second = random_words(1 << 12, 12);
     for (int f = 0; f <= 8; ++f)
