@@ -21,5 +21,6 @@
 #include "zelt/sad.h"
 #include "zelt/str.h"
 #include "zelt/vdata.h"
+#include "zelt/video.h"
 
 #endif

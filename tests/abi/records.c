@@ -58,3 +58,8 @@ LAYOUT(ZELT_RBUF, 4, 24,
 LAYOUT(ZELT_RLIST, 5, 32,
        AT(ZELT_RLIST, cnt, 0) && AT(ZELT_RLIST, size, 1) && AT(ZELT_RLIST, used, 2) && AT(ZELT_RLIST, last, 3) &&
            AT(ZELT_RLIST, first, 4));
+
+LAYOUT(ZELT_VIDEO, 64, 256,
+       AT(ZELT_VIDEO, src_cs, 0) && AT(ZELT_VIDEO, dst_cs, 1) && AT(ZELT_VIDEO, matrix, 2) &&
+           AT(ZELT_VIDEO, range, 3) && AT(ZELT_VIDEO, chroma, 4) && AT(ZELT_VIDEO, reserved, 5) &&
+           AT(ZELT_VIDEO, state, 16));

@@ -1,0 +1,156 @@
+/** @file
+ *  Pictures as decoders, cameras and screens have them: 4:2:0 and its relatives, planar, semi-planar and packed, of
+ *  limited or full range and the matrix of BT.601, BT.709 or BT.2020, to RGB and into one another.
+ *
+ *  A record is filled once per pair of formats, then converts any number of pictures of any size, or rows of them:
+ *  @code
+ *  ZELT_VIDEO v = {.src_cs = ZELT_CS_NV12, .dst_cs = ZELT_CS_RGBA8888, .matrix = ZELT_VIDEO_BT709};
+ *  if (zelt_video_init(&v)) return unsupported();
+ *  void *src[] = {luma, chroma}, *dst[] = {rgba};
+ *  const int32_t src_s[] = {luma_stride, chroma_stride}, dst_s[] = {4 * w};
+ *  zelt_video_convert(&v, src, src_s, dst, dst_s, w, h);
+ *  @endcode
+ *
+ *  | format            | planes and bytes in order    | FFmpeg   | GStreamer | Android             | V4L2   |
+ *  |-------------------|------------------------------|----------|-----------|---------------------|--------|
+ *  | ZELT_CS_YUV400    | Y                            | gray     | GRAY8     | Y8                  | GREY   |
+ *  | ZELT_CS_YUV420    | Y; U; V, halved both ways    | yuv420p  | I420      | YUV_420_888, step 1 | YU12   |
+ *  | ZELT_CS_YUV422    | Y; U; V, halved across       | yuv422p  | Y42B      | YUV_422_888, step 1 | 422P   |
+ *  | ZELT_CS_YUV440    | Y; U; V, halved down         | yuv440p  |           |                     |        |
+ *  | ZELT_CS_YUV444    | Y; U; V                      | yuv444p  | Y444      | YUV_444_888         | YM24   |
+ *  | ZELT_CS_NV12      | Y; U V, halved both ways     | nv12     | NV12      | YUV_420_888, step 2 | NV12   |
+ *  | ZELT_CS_NV21      | Y; V U, halved both ways     | nv21     | NV21      | NV21                | NV21   |
+ *  | ZELT_CS_NV16      | Y; U V, halved across        | nv16     | NV16      | NV16                | NV16   |
+ *  | ZELT_CS_YUYV      | Y0 U Y1 V                    | yuyv422  | YUY2      | YUY2                | YUYV   |
+ *  | ZELT_CS_UYVY      | U Y0 V Y1                    | uyvy422  | UYVY      |                     | UYVY   |
+ *  | ZELT_CS_RGB888    | R G B                        | rgb24    | RGB       | RGB_888             | RGB3   |
+ *  | ZELT_CS_BGR888    | B G R                        | bgr24    | BGR       |                     | BGR3   |
+ *  | ZELT_CS_RGBA8888  | R G B A                      | rgba     | RGBA      | RGBA_8888           | AB24   |
+ *  | ZELT_CS_BGRA8888  | B G R A                      | bgra     | BGRA      |                     | AR24   |
+ *  | ZELT_CS_ARGB8888  | A R G B                      | argb     | ARGB      |                     | BA24   |
+ *  | ZELT_CS_RGB565    | words R G B of 5, 6, 5 bits  | rgb565le | RGB16     | RGB_565             | RGBP   |
+ *  | ZELT_CS_R8G8B8    | R; G; B                      |          | RGBP      |                     |        |
+ *
+ *  FFmpeg's gbrp and GStreamer's GBR are ZELT_CS_R8G8B8 with the planes passed in the order R, G, B, and yv12 is
+ *  ZELT_CS_YUV420 with U and V passed in that order. A picture of odd width or height has chroma for its last column or
+ *  row: halves are rounded up, so that a row of YUYV has 4 bytes for each two pixels begun.
+ *
+ *  **To RGB.** With Kr and Kb of the standard (BT.601: 0.299 and 0.114, BT.709: 0.2126 and 0.0722, BT.2020, not of
+ *  constant luminance: 0.2627 and 0.0593), Kg = 1 - Kr - Kb, and for limited range y = (Y - 16) 255 / 219 and
+ *  d, e = (U - 128, V - 128) 255 / 224, for full range y = Y and d, e = U - 128, V - 128:
+ *
+ *      R = y + 2 (1 - Kr) e
+ *      G = y - 2 (1 - Kb) Kb / Kg d - 2 (1 - Kr) Kr / Kg e
+ *      B = y + 2 (1 - Kb) d
+ *
+ *  rounded and clamped to 0..255. It is done in integers, the same on every processor. With each factor f as
+ *  c = round(2^13 f) and p(c, v) = (c v + 64) >> 7, which has 6 fractional bits, every component is
+ *
+ *      (p(cy, Y - 128) + p(cd, U - 128) + p(ce, V - 128) + k) >> 6
+ *
+ *  clamped, where cy is 9539 for limited and 8192 for full range, and k, what is constant and the rounding, 8378 and
+ *  8223. Over all 2^24 inputs the largest difference from the real formula, and the share that is not the nearest
+ *  integer, are (`zelt_v3_kernels --gtest_filter=exhaustive.video*` among the tests prints them):
+ *
+ *  | matrix, range    | R              | G              | B              |
+ *  |------------------|----------------|----------------|----------------|
+ *  | BT.601, limited  | 0.512, 0.28 %  | 0.527, 0.49 %  | 0.514, 0.25 %  |
+ *  | BT.601, full     | 0.502, 0.28 %  | 0.519, 0.62 %  | 0.504, 0.21 %  |
+ *  | BT.709, limited  | 0.514, 0.30 %  | 0.526, 0.52 %  | 0.512, 0.23 %  |
+ *  | BT.709, full     | 0.504, 0.47 %  | 0.518, 0.70 %  | 0.502, 0.26 %  |
+ *  | BT.2020, limited | 0.514, 0.29 %  | 0.529, 0.57 %  | 0.520, 0.29 %  |
+ *  | BT.2020, full    | 0.507, 0.21 %  | 0.519, 0.65 %  | 0.496, 0.00 %  |
+ *
+ *  Greys are exact. Where smooth chroma is halved across, a pixel takes two products p(c, v) = (c v + 128) >> 8 of each
+ *  kind, which have 5 fractional bits, for the samples to its left and to its right or twice for its own, and the even
+ *  part of k: the difference is below 0.6. Full-range BT.601 from ZELT_CS_YUV444 is the transform of csc.h, with its
+ *  bytes. RGB565 words take the high bits of R, G and B without rounding. Alpha is 255.
+ *
+ *  **Chroma** that the destination has more of is replicated, or smooth: bilinear between the places that samples have
+ *  if those of 4:2:0 and 4:2:2 are at the left of their pixels, as in MPEG-2, H.264 and HEVC unless they say otherwise.
+ *  Across, pixels between two samples get the mean of both; down, each pixel gets 3/4 of the nearer sample and 1/4 of
+ *  the other one. At the edges of a picture the outermost sample counts twice. Smooth chroma is not rounded before the
+ *  matrix; between YUV formats it is rounded once. Chroma that the destination has less of is the rounded mean of the
+ *  samples that share one. From ZELT_CS_YUV400 chroma is 128. */
+#ifndef ZELT_VIDEO_H
+#define ZELT_VIDEO_H
+
+#include "zelt/common.h"
+
+ZELT_BEGIN_DECLS
+
+/** Formats of this header alone, beside those of ZELT_CS_* that the table above lists. */
+enum {
+    ZELT_CS_NV12 = 800,  /**< Y; U and V in turn, chroma halved both ways */
+    ZELT_CS_NV21 = 801,  /**< Y; V and U in turn, chroma halved both ways */
+    ZELT_CS_NV16 = 802,  /**< Y; U and V in turn, chroma halved in width */
+    ZELT_CS_YUYV = 820,  /**< bytes Y0, U, Y1, V */
+    ZELT_CS_UYVY = 821,  /**< bytes U, Y0, V, Y1 */
+    ZELT_CS_BGR888 = 840 /**< bytes B, G, R */
+};
+
+/** Matrices */
+enum {
+    ZELT_VIDEO_BT601 = 0, /**< BT.601: standard definition, JPEG */
+    ZELT_VIDEO_BT709 = 1, /**< BT.709: high definition */
+    ZELT_VIDEO_BT2020 = 2 /**< BT.2020, not of constant luminance: ultra-high definition */
+};
+/** Ranges */
+enum {
+    ZELT_VIDEO_LIMITED = 0, /**< Y from 16 to 235, U and V from 16 to 240 */
+    ZELT_VIDEO_FULL = 1     /**< 0 to 255: JPEG, many cameras */
+};
+/** How chroma gets more samples */
+enum {
+    ZELT_VIDEO_REPLICATED = 0, /**< each sample for all pixels that share it */
+    ZELT_VIDEO_SMOOTH = 1      /**< bilinear, as above */
+};
+
+/** What to convert to what. The caller sets the first fields, 0 being the default of each but the formats, and
+ *  zelt_video_init the others; the record owns nothing and may be copied. */
+typedef struct ZELT_VIDEO {
+    int32_t src_cs;       /**< source format, ZELT_CS_* of the table */
+    int32_t dst_cs;       /**< destination format, likewise */
+    int32_t matrix;       /**< ZELT_VIDEO_BT601, ... */
+    int32_t range;        /**< ZELT_VIDEO_LIMITED or ZELT_VIDEO_FULL */
+    int32_t chroma;       /**< ZELT_VIDEO_REPLICATED or ZELT_VIDEO_SMOOTH */
+    int32_t reserved[11]; /**< 0: requests of later versions */
+    int32_t state[48];    /**< the library's */
+} ZELT_VIDEO;
+
+/** Fills a record. Pairs are every YUV format with every format of the table. Any thread.
+ *  @param v  the record, its request set and `reserved` 0
+ *  @return   ZELT_OK; ZELT_ERR_INVALID_ARG for null; ZELT_ERR_UNSUPPORTED for a pair or a value that is unknown: such a
+ *            record converts nothing */
+ZELT_API int32_t zelt_video_init(ZELT_VIDEO *v);
+
+/** Converts a picture. Planes may stand at any address and with any stride, but source and destination must not share
+ *  memory. Nothing is read or written outside the rows of the planes, nothing is done where a size is below 1. Any
+ *  number of threads may use one record.
+ *  @param v      a record that zelt_video_init has filled
+ *  @param src_a  source planes, as many as the format has
+ *  @param src_s  their strides in bytes, negative ones included
+ *  @param dst_a  destination planes
+ *  @param dst_s  their strides
+ *  @param w      width in pixels
+ *  @param h      height in rows */
+ZELT_API void zelt_video_convert(const ZELT_VIDEO *v, void *const *src_a, const int32_t *src_s, void *const *dst_a,
+                                 const int32_t *dst_s, int32_t w, int32_t h);
+
+/** Converts rows of a picture: bands of any height give together what zelt_video_convert gives. Smooth chroma reads
+ *  rows next to the band, too. A row of chroma that two rows of the destination share is written with the upper one.
+ *  @param v      a record that zelt_video_init has filled
+ *  @param src_a  source planes, of the whole picture
+ *  @param src_s  their strides in bytes
+ *  @param dst_a  destination planes, of the whole picture
+ *  @param dst_s  their strides
+ *  @param w      width of the picture in pixels
+ *  @param h      its height in rows
+ *  @param y      first row to convert
+ *  @param rows   their number; those outside the picture do not count */
+ZELT_API void zelt_video_convert_rows(const ZELT_VIDEO *v, void *const *src_a, const int32_t *src_s, void *const *dst_a,
+                                      const int32_t *dst_s, int32_t w, int32_t h, int32_t y, int32_t rows);
+
+ZELT_END_DECLS
+
+#endif

@@ -1,0 +1,81 @@
+// Decoder layouts: the exports.
+#include "video/convert.h"
+
+#include "simd/export.h"
+
+#include <cstring>
+
+using namespace zelt;
+using namespace zelt::video;
+
+static_assert(sizeof(plan) <= sizeof(ZELT_VIDEO::state));
+
+namespace {
+s32 make_plan(const ZELT_VIDEO& v, plan& p) {
+    const format *src = find(v.src_cs), *dst = find(v.dst_cs);
+    const auto below = [](s32 value, s32 count) { return value >= 0 && value < count; };
+    if (!src || !dst || src->rgb || !below(v.matrix, 3) || !below(v.range, 2) || !below(v.chroma, 2))
+        return ZELT_ERR_UNSUPPORTED;
+    for (const s32 later : v.reserved)
+        if (later) return ZELT_ERR_UNSUPPORTED;
+    p.src = static_cast<s32>(src - formats);
+    p.dst = static_cast<s32>(dst - formats);
+    p.smooth = v.chroma == ZELT_VIDEO_SMOOTH;
+    p.as_csc = dst->rgb && v.src_cs == ZELT_CS_YUV444 && v.range == ZELT_VIDEO_FULL && v.matrix == ZELT_VIDEO_BT601;
+    p.matrix = matrices[v.matrix][v.range];
+    p.ready = 1;
+    return ZELT_OK;
+}
+
+void convert_band(const plan& p, void* const* src_a, const s32* src_s, void* const* dst_a, const s32* dst_s, band b) {
+    const picture src(formats[p.src], src_a, src_s), dst(formats[p.dst], dst_a, dst_s);
+    if (p.as_csc) {
+        void *from[3], *to[3];
+        s32 from_s[3], to_s[3];
+        for (int i = 0; i < 3; ++i) {
+            from[i] = src.row(i, b.begin), from_s[i] = static_cast<s32>(src.s[i]);
+            to[i] = dst.p[i] ? dst.row(i, b.begin) : nullptr, to_s[i] = static_cast<s32>(dst.s[i]);
+        }
+        dst.format.rgb->full_range_bt601(from, static_cast<int>(b.w), static_cast<int>(b.end - b.begin), from_s, to,
+                                         to_s);
+    } else if (dst.format.rgb) {
+        to_pixels convert(p, src, dst, b.w);
+        for (std::ptrdiff_t y = b.begin, rows; y < b.end; y += rows) {
+            rows = convert.shares_chroma() && y % 2 == 0 && y + 1 < b.end ? 2 : 1;
+            convert.convert(b, y, rows);
+        }
+    } else {
+        to_yuv convert(p, src, dst, b.w);
+        convert.copy_luma(b);
+        for (std::ptrdiff_t y = b.begin; y < b.end; ++y) convert.convert(b, y);
+    }
+}
+}  // namespace
+
+ZELT_EXPORT(int32_t, zelt_video_init)(ZELT_VIDEO* v) {
+    if (!v) return ZELT_ERR_INVALID_ARG;
+    plan p{};
+    const s32 status = make_plan(*v, p);
+    std::memset(v->state, 0, sizeof v->state);
+    std::memcpy(v->state, &p, sizeof p);
+    return status;
+}
+
+ZELT_EXPORT(void, zelt_video_convert_rows)
+(const ZELT_VIDEO* v, void* const* src_a, const int32_t* src_s, void* const* dst_a, const int32_t* dst_s, int32_t w,
+ int32_t h, int32_t y, int32_t rows) {
+    plan p;
+    std::memcpy(&p, v->state, sizeof p);
+    const std::ptrdiff_t begin = std::max(y, 0), end = std::min<std::ptrdiff_t>(h, std::ptrdiff_t{y} + rows);
+    if (!p.ready || w < 1 || begin >= end) return;
+    convert_band(p, src_a, src_s, dst_a, dst_s, {w, h, begin, end});
+}
+
+ZELT_EXPORT(void, zelt_video_convert)
+(const ZELT_VIDEO* v, void* const* src_a, const int32_t* src_s, void* const* dst_a, const int32_t* dst_s, int32_t w,
+ int32_t h) {
+    plan p;
+    std::memcpy(&p, v->state, sizeof p);
+    if (!p.ready || w < 1 || h < 1) return;
+    convert_band(p, src_a, src_s, dst_a, dst_s, {w, h, 0, h});
+}

@@ -1,0 +1,5 @@
+#pragma once  // words of chroma and luma, one at a time or a register of them
+#include "video/samples_scalar.h"
+#if ZELT_SIMD
+#include "video/samples_simd.h"
+#endif

@@ -1,0 +1,31 @@
+#pragma once  // one sample at a time
+#include "csc/pixel10_scalar.h"
+
+namespace zelt::inline ZELT_LEVEL::scalar {
+/// Of s16 in memory order
+inline void load_words(const s16* p, int& v) { v = *p; }
+inline void store_words(s16* p, int v) { *p = static_cast<s16>(v); }
+inline void store_widened(s16* p, int v) { *p = static_cast<s16>(v); }
+
+inline int widen(u8 a) { return a; }
+template <int A, int B> int dot(u8 a, u8 b) { return A * a + B * b; }
+inline u8 narrow_ordered(int v) { return static_cast<u8>(std::clamp(v, 0, 255)); }
+inline int mul_q15(int v, int b) { return (v * b + (1 << 14)) >> 15; }
+
+/// Bytes of two channels in turn, as (c - 128) << 8
+inline void load_centred2(const u8* p, int& a, int& b) { a = (p[0] - 128) << 8, b = (p[1] - 128) << 8; }
+
+/// Of each pixel
+inline int centred_pixels(u8 a) { return (a - 128) << 8; }
+
+/// What luma adds to each component, with 6 fractional bits
+inline int luma_term(u8 y, int factor) { return mul_q15(centred_pixels(y), factor); }
+/// The same for chroma, of the pixel at x: of pairs of pixels the even ones have theirs in one array, the odd ones in
+/// another
+inline void load_term(const s16* even, const s16* odd, std::ptrdiff_t x, int& v) { v = (x % 2 ? odd : even)[x / 2]; }
+inline void load_shared_term(const s16* terms, std::ptrdiff_t x, int& v) { v = terms[x / 2]; }
+inline void store_term(s16* even, s16* odd, std::ptrdiff_t x, int v) {
+    (x % 2 ? odd : even)[x / 2] = static_cast<s16>(v);
+}
+inline u8 sum_of_terms(int luma, int chroma) { return static_cast<u8>(std::clamp((luma + chroma) >> 6, 0, 255)); }
+}  // namespace zelt::inline ZELT_LEVEL::scalar

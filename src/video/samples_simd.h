@@ -1,0 +1,39 @@
+#pragma once  // whole registers
+#include "csc/pixel10_simd.h"
+#include "csc/pixel_simd.h"
+#include "video/samples_scalar.h"
+
+namespace zelt::inline ZELT_LEVEL::simd {
+using scalar::centred_pixels, scalar::dot, scalar::load_centred2, scalar::store_term, scalar::load_shared_term,
+    scalar::load_term, scalar::load_words, scalar::luma_term, scalar::mul_q15;
+using scalar::narrow_ordered, scalar::store_widened, scalar::store_words, scalar::sum_of_terms, scalar::widen;
+using vec::dot, vec::mul_q15, vec::narrow_ordered, vec::store_widened, vec::widen;
+
+inline void load_words(const s16* p, s16x2n& v) { load_16(reinterpret_cast<const u8*>(p), v); }
+inline void store_words(s16* p, s16x2n v) { store_16(reinterpret_cast<u8*>(p), v); }
+
+inline void load_centred2(const u8* p, s16x2n& a, s16x2n& b) {
+    u8xn v, w;
+    load(p, v), load(p + lanes, w);
+    const s16x2n x = centred_even_odd(v), y = centred_even_odd(w);
+    a = {x.lo, y.lo}, b = {x.hi, y.hi};
+}
+
+inline s16x2n centred_pixels(u8xn a) { return centred_even_odd(a); }
+inline s16x2n luma_term(u8xn y, int factor) { return mul_q15(centred_pixels(y), factor); }
+/// Terms of two bytes for each two pixels: x, which is even, is their distance in bytes, too.
+inline s16xn term_at(const s16* p, std::ptrdiff_t x) {
+    return (s16xn)load_rows_16<lanes_16, 1>(reinterpret_cast<const s16*>(reinterpret_cast<const u8*>(p) + x), 0);
+}
+inline void load_term(const s16* even, const s16* odd, std::ptrdiff_t x, s16x2n& v) {
+    v = {term_at(even, x), term_at(odd, x)};
+}
+inline void load_shared_term(const s16* terms, std::ptrdiff_t x, s16x2n& v) {
+    const s16xn both = hide_from_optimizer(term_at(terms, x));  // or it would be loaded once for each
+    v = {both, both};
+}
+inline void store_term(s16* even, s16* odd, std::ptrdiff_t x, s16x2n v) {
+    store_rows_16<lanes_16, 1>(even + x / 2, 0, (u16xn)v.lo), store_rows_16<lanes_16, 1>(odd + x / 2, 0, (u16xn)v.hi);
+}
+inline u8xn sum_of_terms(s16x2n luma, s16x2n chroma) { return narrow_q6_even_odd(add_sat(luma, chroma)); }
+}  // namespace zelt::inline ZELT_LEVEL::simd
