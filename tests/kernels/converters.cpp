@@ -13,6 +13,7 @@ const layout& layout_of(const std::string& name) {
         {"rgb888", {"012"}},    {"r8g8b8", {"0", "1", "2"}}, {"r8g8b8a8", {"0", "1", "2", "3"}},
         {"rgba8888", {"0123"}}, {"argb8888", {"3012"}},      {"bgra8888", {"2103"}},
         {"rgb565", {"lh"}},     {"rgb565a8", {"lh", "3"}},   {"rgba5658", {"lh3"}},
+        {"bgr888", {"210"}},
     };
     return *std::ranges::find(layouts, name, &layout::name);
 }

@@ -84,6 +84,7 @@ std::vector<kernel> high_depth_kernels();
 std::vector<kernel> memory_kernels();
 std::vector<kernel> metric_kernels();
 std::vector<kernel> resize_kernels();
+std::vector<kernel> video_kernels();
 
 /// All rows of all families.
 std::vector<kernel> all_kernels();

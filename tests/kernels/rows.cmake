@@ -6,4 +6,5 @@ set(ZELT_KERNEL_ROWS
   ${CMAKE_CURRENT_LIST_DIR}/resize.cpp
   ${CMAKE_CURRENT_LIST_DIR}/metrics.cpp
   ${CMAKE_CURRENT_LIST_DIR}/memory.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/video.cpp
 )

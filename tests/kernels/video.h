@@ -1,0 +1,28 @@
+#pragma once  // decoder layouts as the tests know them
+#include "kernels/converters.h"
+#include "zelt/video.h"
+
+namespace zelt::test {
+struct video_format {
+    std::string name;
+    int cs;
+    /// Y, U, V: the plane, the first byte, bytes from sample to sample; of RGB formats there is a layout instead
+    struct {
+        int plane, first, step;
+    } samples[3];
+    int half_w, half_h;  // 1 if chroma is halved
+
+    int channels() const;  // 0 of RGB formats
+    std::vector<operand> operands(shape s, bool written) const;
+};
+const std::vector<video_format>& video_formats();
+
+/// What a record gives of a picture, its planes in front of the destination's
+void model_video(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes);
+/// Calls zelt_video_convert, or zelt_video_convert_rows for bands of these heights in turn.
+void call_video(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes,
+                const std::vector<int>& bands);
+
+/// R, G, B in 0..1, of Y, U, V in bytes, by the standard
+void real_rgb(int matrix, int range, const int (&yuv)[3], double (&rgb)[3]);
+}  // namespace zelt::test

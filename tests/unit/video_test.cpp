@@ -1,0 +1,100 @@
+#include "zelt/video.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <vector>
+
+namespace {
+ZELT_VIDEO request(int32_t src, int32_t dst, int32_t matrix = 0, int32_t range = 0, int32_t chroma = 0) {
+    ZELT_VIDEO v = {};
+    v.src_cs = src, v.dst_cs = dst, v.matrix = matrix, v.range = range, v.chroma = chroma;
+    return v;
+}
+
+struct pixels {
+    uint8_t y[8] = {}, u[4] = {}, v[4] = {}, out[16];
+    void* src[3] = {y, u, v};
+    void* dst[3] = {out, out + 4, out + 8};
+    int32_t src_s[3] = {2, 1, 1}, dst_s[3] = {8, 1, 1};
+
+    pixels() { std::fill_n(out, sizeof out, uint8_t{7}); }
+    bool untouched() const {
+        return std::all_of(out, out + sizeof out, [](uint8_t v) { return v == 7; });
+    }
+};
+}  // namespace
+
+TEST(video, pairs_and_values) {
+    const std::vector<int32_t> yuv = {10, 11, 12, 13, 18, 800, 801, 802, 820, 821};
+    const std::vector<int32_t> rgb = {200, 400, 500, 501, 502, 600, 840};
+    const auto has = [](const std::vector<int32_t>& all, int32_t cs) { return std::ranges::count(all, cs) > 0; };
+    const auto expect = [](ZELT_VIDEO v, bool supported) {
+        std::fill_n(v.state, 48, -1);
+        EXPECT_EQ(zelt_video_init(&v), supported ? ZELT_OK : ZELT_ERR_UNSUPPORTED) << v.src_cs << " to " << v.dst_cs;
+        pixels p;
+        zelt_video_convert(&v, p.src, p.src_s, p.dst, p.dst_s, 2, 2);
+        EXPECT_NE(p.untouched(), supported) << v.src_cs << " to " << v.dst_cs;
+    };
+    for (int32_t src = -1; src < 900; ++src)
+        for (const int32_t dst : {-1,  0,   10,  11,  12,  13,  18,  20,  41,  43,  60,  200, 400, 401, 430, 500,
+                                  501, 502, 503, 600, 603, 650, 700, 800, 801, 802, 803, 820, 821, 840, 841})
+            if (has(yuv, src) || src % 7 == 0 || has(rgb, src))
+                expect(request(src, dst), has(yuv, src) && (has(yuv, dst) || has(rgb, dst)));
+    for (const int32_t value : {-1, 0, 1, 2, 3, INT32_MAX, INT32_MIN}) {
+        expect(request(11, 500, value), value >= 0 && value < 3);
+        expect(request(11, 500, 0, value), value >= 0 && value < 2);
+        expect(request(11, 500, 0, 0, value), value >= 0 && value < 2);
+        for (int i = 0; i < 11; ++i) {
+            ZELT_VIDEO v = request(11, 500);
+            v.reserved[i] = value;
+            expect(v, value == 0);
+        }
+    }
+    EXPECT_EQ(zelt_video_init(nullptr), ZELT_ERR_INVALID_ARG);
+}
+
+// As tables of the standards' colours have them
+TEST(video, known_colours) {
+    const struct {
+        int32_t matrix, range;
+        uint8_t yuv[3], rgb[3];
+    } colours[] = {
+        {ZELT_VIDEO_BT601, ZELT_VIDEO_LIMITED, {16, 128, 128}, {0, 0, 0}},
+        {ZELT_VIDEO_BT601, ZELT_VIDEO_LIMITED, {235, 128, 128}, {255, 255, 255}},
+        {ZELT_VIDEO_BT601, ZELT_VIDEO_LIMITED, {81, 90, 240}, {254, 0, 0}},
+        {ZELT_VIDEO_BT709, ZELT_VIDEO_LIMITED, {63, 102, 240}, {255, 1, 0}},
+        {ZELT_VIDEO_BT709, ZELT_VIDEO_FULL, {54, 99, 255}, {254, 0, 0}},
+        {ZELT_VIDEO_BT2020, ZELT_VIDEO_LIMITED, {29, 240, 119}, {0, 0, 255}},
+        {ZELT_VIDEO_BT2020, ZELT_VIDEO_FULL, {0, 128, 128}, {0, 0, 0}},
+        {ZELT_VIDEO_BT2020, ZELT_VIDEO_FULL, {255, 128, 128}, {255, 255, 255}},
+    };
+    for (const auto& c : colours) {
+        pixels p;
+        p.y[0] = c.yuv[0], p.u[0] = c.yuv[1], p.v[0] = c.yuv[2];
+        ZELT_VIDEO v = request(ZELT_CS_YUV420, ZELT_CS_BGRA8888, c.matrix, c.range);
+        ASSERT_EQ(zelt_video_init(&v), ZELT_OK);
+        zelt_video_convert(&v, p.src, p.src_s, p.dst, p.dst_s, 1, 1);
+        const std::vector<int> got(p.out, p.out + 5), want = {c.rgb[2], c.rgb[1], c.rgb[0], 255, 7};
+        EXPECT_EQ(got, want) << int{c.yuv[0]} << " of matrix " << c.matrix << ", range " << c.range;
+    }
+}
+
+TEST(video, rows_outside_the_picture_do_not_count) {
+    for (const int32_t dst : std::vector<int32_t>{ZELT_CS_RGBA8888, ZELT_CS_NV12}) {
+        ZELT_VIDEO v = request(ZELT_CS_YUV420, dst);
+        ASSERT_EQ(zelt_video_init(&v), ZELT_OK);
+        for (const int32_t none : {0, -1, INT32_MIN}) {
+            pixels p;
+            zelt_video_convert(&v, p.src, p.src_s, p.dst, p.dst_s, none, 2);
+            zelt_video_convert(&v, p.src, p.src_s, p.dst, p.dst_s, 2, none);
+            zelt_video_convert_rows(&v, p.src, p.src_s, p.dst, p.dst_s, 2, 2, 0, none);
+            zelt_video_convert_rows(&v, p.src, p.src_s, p.dst, p.dst_s, 2, 2, none - 1, 1);
+            zelt_video_convert_rows(&v, p.src, p.src_s, p.dst, p.dst_s, 2, 2, 2, INT32_MAX);
+            EXPECT_TRUE(p.untouched());
+        }
+        pixels all, whole;
+        zelt_video_convert_rows(&v, all.src, all.src_s, all.dst, all.dst_s, 2, 2, -5, INT32_MAX);
+        zelt_video_convert(&v, whole.src, whole.src_s, whole.dst, whole.dst_s, 2, 2);
+        EXPECT_TRUE(std::equal(all.out, all.out + 16, whole.out) && !all.untouched());
+    }
+}
