@@ -1,14 +1,13 @@
 // Conversion, fused conversion and resizing of any geometry against the models of the kernel tests: padded and negative
 // strides, source strides of 0; whole pictures, rows and bands. All bytes around what is written are compared too.
-#include "input.h"
+#include "blocks.h"
 #include "kernels/resize.h"
 
 #include <algorithm>
-#include <random>
 
 namespace {
 using namespace zelt::test;
-using block = std::vector<u8>;
+using fuzz::block, fuzz::check;
 
 ratio sizes = {"at any ratio", 1, 1, 1, 1};  // of the call at hand
 
@@ -19,56 +18,7 @@ std::vector<kernel> conversions() {
     return all;
 }
 
-// -------------------------------------------------------------------------------------------------------------- memory
-
-/// An operand in a block of just its size and margins
-struct placed {
-    block memory;
-    std::ptrdiff_t first, stride;
-
-    placed(fuzz::input& in, const operand& o) {
-        const uint8_t kind = in.byte(), margins = in.byte();
-        const std::ptrdiff_t row = o.width * o.element;
-        stride = kind % 4 == 2 && !o.written ? 0 : row + kind / 4 % 16 * o.element;
-        const std::ptrdiff_t last = stride * (o.rows - 1);
-        memory.resize(static_cast<std::size_t>(margins % 16 + last + row + margins / 16));
-        first = margins % 16;
-        if (kind % 4 == 1) first += last, stride = -stride;
-    }
-};
-
-std::vector<view> views(std::vector<placed>& operands) {
-    std::vector<view> all;
-    for (placed& p : operands) all.push_back({p.memory.data() + p.first, p.stride});
-    return all;
-}
-
-/// Takes what is there into the range of 16-bit samples.
-void limit(const operand& o, view v) {
-    for (int y = 0; y < o.rows; ++y, v.p += v.stride)
-        for (int x = 0; x < 2 * o.width; x += 2) {
-            const int sample = (v.p[x] | v.p[x + 1] << 8) % (o.high + 1);
-            v.p[x] = static_cast<u8>(sample), v.p[x + 1] = static_cast<u8>(sample >> 8);
-        }
-}
-
 // --------------------------------------------------------------------------------------------------------------- calls
-
-/// Calls a kernel and its model on the same bytes.
-void check(fuzz::input& in, const kernel& k, shape s) {
-    const std::vector<operand> operands = k.operands(s);
-    std::vector<placed> given;
-    for (const operand& o : operands) given.emplace_back(in, o);
-    std::minstd_rand random(in.word());
-    for (std::size_t i = 0; i < operands.size(); ++i) {
-        for (u8& v : given[i].memory) v = static_cast<u8>(random() >> 8);
-        if (operands[i].element == 2 && !operands[i].written) limit(operands[i], views(given)[i]);
-    }
-    std::vector<placed> expected = given;
-    k.call(k.exported, s, views(given).data());
-    k.model(s, views(expected).data());
-    for (std::size_t i = 0; i < operands.size(); ++i) fuzz::require(given[i].memory == expected[i].memory);
-}
 
 /// A resizer's handle at work: on a whole picture, or on bands of one, each in memory of its own
 kernel handle(fuzz::input& in, shape from) {
