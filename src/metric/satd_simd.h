@@ -127,6 +127,7 @@ template <int W, range Range, class A>
 [[gnu::always_inline]] inline void add_strip(tile_costs<Range>& costs, int h, const A* pa, const A* pb,
                                              std::ptrdiff_t sa, std::ptrdiff_t sb) {
     if constexpr (W == 4) {
+#pragma GCC unroll 1  // gcc knows rows_at_once, and would call up to 16 times
         for (; h > 0; h -= 4, pa += 4 * sa, pb += 4 * sb) costs.sum += extend(tile_cost(half_costs(pa, pb, sa, sb)));
     } else {
         rows_of_two<A, A> places(pa, pb, sa, sb);

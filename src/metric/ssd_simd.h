@@ -76,6 +76,6 @@ template <int W, class Sample> u32 ssd(int w, int h, const Sample* a, const Samp
 /// Either a square or two rows
 template <int W, class Sample>
 [[gnu::always_inline]] inline u32 ssd_of_square_or_two_rows(int h, const Sample* a, const Sample* b, int sa, int sb) {
-    return h == W ? ssd_of_block<W, W>(a, b, sa, sb) : ssd_of_block<W, 2>(a, b, sa, sb);
+    return h == W ? ssd_of_block<W, W>(a, b, sa, sb) : ssd_of_rows<W>(W, 2, a, b, sa, sb);
 }
 }  // namespace zelt::inline ZELT_LEVEL::simd

@@ -3,7 +3,7 @@
 
 namespace zelt::inline ZELT_LEVEL::vec {
 #ifdef __aarch64__
-constexpr bool loads_take_an_index = true, loads_step = false, loads_four = true;  // to step is slow on some
+constexpr bool loads_take_an_index = true, loads_step = false, loads_four = true;  // stepping is slow on some
 constexpr int shared_bytes = 1;                                                    // a load of a lane takes no index
 constexpr std::size_t memset_from = 192, memcpy_from = 96;
 #else
