@@ -53,9 +53,6 @@ if(ZELT_SANITIZE)
   # -O1 compiles in half the time of -O3.
   add_compile_options(-fsanitize=${ZELT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
   add_link_options(-fsanitize=${ZELT_SANITIZE})
-  if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-    add_compile_options(-Wno-maybe-uninitialized)  # sees uninitialised copies of what sanitizers keep in memory
-  endif()
 else()
   # Kernels gain up to 1.4x from -O3; packages, which are built with flags of their own (-O2), get it too.
   list(APPEND ZELT_LIBRARY_FLAGS $<$<NOT:$<CONFIG:Debug,MinSizeRel>>:-O3>)

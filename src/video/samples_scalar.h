@@ -20,12 +20,15 @@ inline int centred_pixels(u8 a) { return (a - 128) << 8; }
 
 /// What luma adds to each component, with 6 fractional bits
 inline int luma_term(u8 y, int factor) { return mul_q15(centred_pixels(y), factor); }
-/// The same for chroma, of the pixel at x: of pairs of pixels the even ones have theirs in one array, the odd ones in
-/// another
-inline void load_term(const s16* even, const s16* odd, std::ptrdiff_t x, int& v) { v = (x % 2 ? odd : even)[x / 2]; }
-inline void load_shared_term(const s16* terms, std::ptrdiff_t x, int& v) { v = terms[x / 2]; }
-inline void store_term(s16* even, s16* odd, std::ptrdiff_t x, int v) {
-    (x % 2 ? odd : even)[x / 2] = static_cast<s16>(v);
+/// The term of the pixel at x: of pairs of pixels the even ones have theirs in one array, the odd ones in another. Two
+/// statements, since gcc's sanitizer of undefined behaviour takes the index of a conditional expression uninitialised.
+template <class T> T& term_of(T* even, T* odd, std::ptrdiff_t x) {
+    T* const terms = x % 2 ? odd : even;
+    return terms[x / 2];
 }
+/// The same for chroma
+inline void load_term(const s16* even, const s16* odd, std::ptrdiff_t x, int& v) { v = term_of(even, odd, x); }
+inline void load_shared_term(const s16* terms, std::ptrdiff_t x, int& v) { v = terms[x / 2]; }
+inline void store_term(s16* even, s16* odd, std::ptrdiff_t x, int v) { term_of(even, odd, x) = static_cast<s16>(v); }
 inline u8 sum_of_terms(int luma, int chroma) { return static_cast<u8>(std::clamp((luma + chroma) >> 6, 0, 255)); }
 }  // namespace zelt::inline ZELT_LEVEL::scalar

@@ -88,7 +88,7 @@ TEST(video, rows_outside_the_picture_do_not_count) {
             zelt_video_convert(&v, p.src, p.src_s, p.dst, p.dst_s, none, 2);
             zelt_video_convert(&v, p.src, p.src_s, p.dst, p.dst_s, 2, none);
             zelt_video_convert_rows(&v, p.src, p.src_s, p.dst, p.dst_s, 2, 2, 0, none);
-            zelt_video_convert_rows(&v, p.src, p.src_s, p.dst, p.dst_s, 2, 2, none - 1, 1);
+            zelt_video_convert_rows(&v, p.src, p.src_s, p.dst, p.dst_s, 2, 2, std::max(none, -INT32_MAX) - 1, 1);
             zelt_video_convert_rows(&v, p.src, p.src_s, p.dst, p.dst_s, 2, 2, 2, INT32_MAX);
             EXPECT_TRUE(p.untouched());
         }
