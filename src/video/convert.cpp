@@ -66,9 +66,10 @@ ZELT_EXPORT(void, zelt_video_convert_rows)
  int32_t h, int32_t y, int32_t rows) {
     plan p;
     std::memcpy(&p, v->state, sizeof p);
-    const std::ptrdiff_t begin = std::max(y, 0), end = std::min<std::ptrdiff_t>(h, std::ptrdiff_t{y} + rows);
+    const s64 begin = std::max(y, 0), end = std::min(s64{h}, s64{y} + rows);
     if (!p.ready || w < 1 || begin >= end) return;
-    convert_band(p, src_a, src_s, dst_a, dst_s, {w, h, begin, end});
+    convert_band(p, src_a, src_s, dst_a, dst_s,
+                 {w, h, static_cast<std::ptrdiff_t>(begin), static_cast<std::ptrdiff_t>(end)});
 }
 
 ZELT_EXPORT(void, zelt_video_convert)
