@@ -3,6 +3,7 @@
 // across, as bytes, or multiplied by the matrix. A strip is as many pixels as the nearest cache holds in all their
 // forms. Even and odd pixels have arrays of their own if each pixel has chroma of its own.
 #include "csc/convert.h"
+#include "video/matrix.h"
 #include "video/samples.h"
 
 namespace zelt::inline ZELT_LEVEL::video {
@@ -118,15 +119,6 @@ template <bool VFirst> struct paired_samples {
 };
 
 // ---------------------------------------------------------------------------------------------------------------- uses
-
-/// Factors with 13 fractional bits, and the constant of all components with 6
-struct matrix {
-    s16 luma, red_v, green_u, green_v, blue_u, constant;
-
-    template <class W> W red(W, W e) const { return mul_q15(e, red_v); }
-    template <class W> W green(W d, W e) const { return mul_q15(d, green_u) + mul_q15(e, green_v); }
-    template <class W> W blue(W d, W) const { return mul_q15(d, blue_u); }
-};
 
 /// What chroma adds to the components, the constant included: of every second pixel, or for one half of each sum
 struct terms {

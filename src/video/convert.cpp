@@ -26,30 +26,6 @@ s32 make_plan(const ZELT_VIDEO& v, plan& p) {
     p.ready = 1;
     return ZELT_OK;
 }
-
-void convert_band(const plan& p, void* const* src_a, const s32* src_s, void* const* dst_a, const s32* dst_s, band b) {
-    const picture src(formats[p.src], src_a, src_s), dst(formats[p.dst], dst_a, dst_s);
-    if (p.as_csc) {
-        void *from[3], *to[3];
-        s32 from_s[3], to_s[3];
-        for (int i = 0; i < 3; ++i) {
-            from[i] = src.row(i, b.begin), from_s[i] = static_cast<s32>(src.s[i]);
-            to[i] = dst.p[i] ? dst.row(i, b.begin) : nullptr, to_s[i] = static_cast<s32>(dst.s[i]);
-        }
-        dst.format.rgb->full_range_bt601(from, static_cast<int>(b.w), static_cast<int>(b.end - b.begin), from_s, to,
-                                         to_s);
-    } else if (dst.format.rgb) {
-        to_pixels convert(p, src, dst, b.w);
-        for (std::ptrdiff_t y = b.begin, rows; y < b.end; y += rows) {
-            rows = convert.shares_chroma() && y % 2 == 0 && y + 1 < b.end ? 2 : 1;
-            convert.convert(b, y, rows);
-        }
-    } else {
-        to_yuv convert(p, src, dst, b.w);
-        convert.copy_luma(b);
-        for (std::ptrdiff_t y = b.begin; y < b.end; ++y) convert.convert(b, y);
-    }
-}
 }  // namespace
 
 ZELT_EXPORT(int32_t, zelt_video_init)(ZELT_VIDEO* v) {

@@ -1,0 +1,56 @@
+#pragma once  // the table of formats, and what writes those of RGB
+#include "video/rows.h"
+#include "zelt/video.h"
+
+namespace zelt::inline ZELT_LEVEL::video {
+enum class kind { grey, planar, paired, packed, rgb };
+
+/// What writes an RGB format
+struct writer {
+    int planes;
+    const int* step;                                                           // bytes per pixel in each plane
+    decltype(&put_row<rgb888, chroma_of::pair>) put[3];                        // by chroma_of
+    decltype(&csc::convert<planar<3>, csc::to_rgb, rgb888>) full_range_bt601;  // from 4:4:4
+};
+template <class Dest>
+constexpr writer writer_of = {
+    Dest::count,
+    Dest::step,
+    {put_row<Dest, chroma_of::pair>, put_row<Dest, chroma_of::pixel>, put_row<Dest, chroma_of::neighbours>},
+    csc::convert<planar<3>, csc::to_rgb, Dest>};
+
+struct format {
+    s32 cs;
+    video::kind kind;
+    bool half_w = false, half_h = false;
+    bool second = false;  // V comes first in pairs, or luma second in packed ones
+    const writer* rgb = nullptr;
+};
+// clang-format off
+constexpr format formats[] = {
+    {ZELT_CS_YUV400,   kind::grey},
+    {ZELT_CS_YUV420,   kind::planar, true,  true},
+    {ZELT_CS_YUV422,   kind::planar, true,  false},
+    {ZELT_CS_YUV440,   kind::planar, false, true},
+    {ZELT_CS_YUV444,   kind::planar, false, false},
+    {ZELT_CS_NV12,     kind::paired, true,  true},
+    {ZELT_CS_NV21,     kind::paired, true,  true,  true},
+    {ZELT_CS_NV16,     kind::paired, true,  false},
+    {ZELT_CS_YUYV,     kind::packed, true,  false},
+    {ZELT_CS_UYVY,     kind::packed, true,  false, true},
+    {ZELT_CS_RGB888,   kind::rgb, false, false, false, &writer_of<rgb888>},
+    {ZELT_CS_BGR888,   kind::rgb, false, false, false, &writer_of<bgr888>},
+    {ZELT_CS_RGBA8888, kind::rgb, false, false, false, &writer_of<rgba8888>},
+    {ZELT_CS_BGRA8888, kind::rgb, false, false, false, &writer_of<bgra8888>},
+    {ZELT_CS_ARGB8888, kind::rgb, false, false, false, &writer_of<argb8888_packed>},
+    {ZELT_CS_RGB565,   kind::rgb, false, false, false, &writer_of<rgb565>},
+    {ZELT_CS_R8G8B8,   kind::rgb, false, false, false, &writer_of<planar<3>>},
+};
+// clang-format on
+
+inline const format* find(s32 cs) {
+    for (const format& f : formats)
+        if (f.cs == cs) return &f;
+    return nullptr;
+}
+}  // namespace zelt::inline ZELT_LEVEL::video

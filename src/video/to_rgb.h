@@ -1,0 +1,65 @@
+#pragma once  // a YUV format to one of RGB
+#include "video/source.h"
+
+namespace zelt::inline ZELT_LEVEL::video {
+class to_pixels {
+public:
+    to_pixels(const plan& p, const picture& src, const picture& dst, std::ptrdiff_t w)
+        : plan_(p), src_(src), dst_(dst), chroma_of_(which_terms(p, src)), chroma_(src, w) {
+        if (src.format.kind != kind::grey) return;
+        const std::ptrdiff_t n = std::min<std::ptrdiff_t>(w / 2 + 1, strip_pairs);
+        for (s16* component : {even_.r, even_.g, even_.b}) std::fill_n(component, n, p.matrix.constant);
+    }
+
+    /// Rows that share their chroma
+    void convert(const band& b, std::ptrdiff_t y, std::ptrdiff_t rows) {
+        const pair_of_rows from = rows_for(y, b.h, src_.format.half_h, false, plan_.smooth);
+        for_strips(b.w, [&](strip s) {
+            make_terms(from, s);
+            for (std::ptrdiff_t i = 0; i < rows; ++i) put(y + i, s);
+        });
+    }
+    bool shares_chroma() const { return src_.format.half_h && !plan_.smooth; }
+
+private:
+    static chroma_of which_terms(const plan& p, const picture& src) {
+        if (src.format.kind == kind::grey) return chroma_of::pair;
+        if (!src.format.half_w) return chroma_of::pixel;
+        return p.smooth ? chroma_of::neighbours : chroma_of::pair;
+    }
+    void make_terms(pair_of_rows from, strip s) {
+        if (src_.format.kind == kind::grey) return;
+        const std::ptrdiff_t n = s.pairs();
+        const matrix& m = plan_.matrix;
+        if (chroma_of_ == chroma_of::pixel && from.near == from.far)
+            return multiply(m, chroma_.plane(0, from.near, s), chroma_.plane(1, from.near, s), even_, odd_, s.pixels);
+        if (chroma_of_ == chroma_of::pair && src_.format.kind == kind::paired && src_.format.second)
+            return multiply(m, paired_samples<true>{src_.row(1, from.near) + s.x}, even_, n);
+        if (chroma_of_ == chroma_of::pair)
+            return chroma_.samples(from.near, s, [&](auto c) { multiply(m, c, even_, n); });
+        chroma_.add_up(from, s);
+        if (chroma_of_ == chroma_of::neighbours) return multiply(m, chroma_.halves(), even_, n + 1);
+        multiply(m, chroma_.samples(), even_, n);
+        if (chroma_of_ == chroma_of::pixel) multiply(m, chroma_.odd_samples(), odd_, n);
+    }
+
+    void put(std::ptrdiff_t y, strip s) {
+        const u8* luma = src_.row(0, y) + s.x;
+        if (src_.format.kind == kind::packed) {
+            take(src_.row(0, y) + 2 * s.x, src_.format.second, luma_, s.pixels);
+            luma = luma_;
+        }
+        const writer& rgb = *dst_.format.rgb;
+        u8* p[3];
+        for (int i = 0; i < rgb.planes; ++i) p[i] = dst_.row(i, y) + s.x * rgb.step[i];
+        rgb.put[static_cast<int>(chroma_of_)](even_, odd_, plan_.matrix.luma, luma, p, s.pixels);
+    }
+
+    const plan& plan_;
+    const picture &src_, &dst_;
+    const chroma_of chroma_of_;
+    chroma_reader chroma_;
+    terms even_, odd_;
+    u8 luma_[2 * strip_pairs];
+};
+}  // namespace zelt::inline ZELT_LEVEL::video
