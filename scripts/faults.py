@@ -539,7 +539,6 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
          "if (static_cast<int>(sum) >= threshold) break;", "a sum that equals the threshold ends early"),
     ],
     "src/metric/sad_simd.h": [
-        ("rows_at_once = 256;", "rows_at_once = 512;", "sums of bytes overflow 16 bits", "armv7-softfp"),
         ("return sum + scalar::sad(w, 1, a, b, 0, 0);", "return sum;", "what is left of a row of any width"),
         ("at_once = 8;", "at_once = 16;", "sums of magnitudes overflow 16 bits"),
         ("if (n > 0) add_abs_diff(part,", "if (n > 1) add_abs_diff(part,", "the last row of an odd number"),
@@ -888,8 +887,6 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
          "return band_rows >= src_h / dst_h + 1", "bands of just too few rows count as exact"),
     ],
     "tools/zelt/route.cpp": [
-        ("{ZELT_CS_YUV444A8, ZELT_CS_R8G8B8A8, ZELT_CS_YUV444, ZELT_CS_R8G8B8};",
-         "{ZELT_CS_YUV444, ZELT_CS_R8G8B8, ZELT_CS_YUV444A8, ZELT_CS_R8G8B8A8};", "alpha is lost on the way"),
         ("return zelt_csc_r8g8b8a8_to_rgba5658;",
          "return same_size_converter(from, to);", "RGBA5658 is written four bytes a pixel"),
         ("resizes && fused && !band_rows)", "resizes && fused)", "bands are ignored where there is a fused converter"),
@@ -917,7 +914,6 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
     "tools/zelt/pictures/png.cpp": [
         ("png_set_scale_16(libpng_.png);", "png_set_strip_16(libpng_.png);", "16-bit PNG samples are cut"),
         ("png_read_end(libpng_.png, nullptr);", ";", "damage after the samples is not seen"),
-        ("png_set_interlace_handling(libpng_.png);", ";", "interlaced PNG pictures"),
         ("png_set_gray_to_rgb(libpng_.png);", ";", "grey PNG pictures"),
         ("if (!done) out.fail(", "if (false) out.fail(", "a failed write of a PNG picture counts as done"),
     ],

@@ -212,6 +212,7 @@ TEST_F(tool, streams) {
     EXPECT_EQ(shell("\"$Z\" convert -i - -o /dev/stdout --to ppm | cat", stream).out, both);
     EXPECT_EQ(zelt("convert -i - -o - --to y4m", ppm(1, 1, std::string("\xFF\0\0", 3))).out,
               y4m(1, 1, "F25:1 Ip A1:1 C444 XCOLORRANGE=FULL", {"\x4D\x55\xFF"}));
+    EXPECT_EQ(zelt("convert -i /dev/zero --raw 1x1:rgb888 --limit 1 -o - --to ppm").out, ppm(1, 1, std::string(3, 0)));
     EXPECT_TRUE(names().empty());
     // A file without blocks, one byte larger than 32 bits can tell
     expect_success(shell("truncate -s 4294967297 x && \"$Z\" convert -i x --raw 1x1:rgb888 -o - --to ppm --limit 1"));
