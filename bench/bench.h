@@ -47,12 +47,20 @@ struct library {
 };
 const std::vector<library>& libraries();
 
+/// What any code for a run does, of which limits.cpp tells how fast this processor is at most; 0 where none is told
+struct work {
+    double read = 0, written = 0;  // bytes
+    double steps = 0;              // operations, each of which waits for the one before
+    double footprint = 0;          // bytes that a run goes over, which says in which memory they are
+};
+
 struct row {
     std::string family, name;  // the table, and the line of it; the name holds no "/"
     std::string unit;          // what times are given for: "pixel", "block", "byte"
     double units;              // how many of them a run does
     /// Called when the row's turn comes; what the candidates hold is freed after it.
     std::function<std::vector<candidate>()> prepare;
+    bench::work work = {};
 };
 /// Of all files, in no order that matters
 const std::vector<row>& rows();

@@ -83,17 +83,26 @@ template <auto Put> void add_writer(const char* name, std::vector<field> bit_wor
 }
 
 template <auto Get>
-void add_reader(const char* name, std::vector<field> bit_work::*fields, byte_string bit_work::*data,
+void add_reader(const char* name, int steps, std::vector<field> bit_work::*fields, byte_string bit_work::*data,
                 uint32_t bit_work::*sum) {
-    add_row({"bits", name, "value", count, [=]() -> std::vector<candidate> {
+    add_row({"bits",
+             name,
+             "value",
+             count,
+             [=]() -> std::vector<candidate> {
                  return {{"zelt", [=] {
                               if (read<Get>(bits().*fields, bits().*data) != bits().*sum) reject(name, "zelt");
                           }}};
-             }});
+             },
+             {.steps = 1.0 * steps * count}});
 }
 
 void add_scan(const char* name, bool dense) {
-    add_row({"bits", name, "byte", static_cast<double>(unit(dense).size()), [=] {
+    add_row({"bits",
+             name,
+             "byte",
+             static_cast<double>(unit(dense).size()),
+             [=] {
                  std::vector<candidate> list;
                  for (const library& l : libraries()) {
                      const auto test = l.find<decltype(zelt_is_vkeyfrm)>("zelt_is_vkeyfrm");
@@ -114,12 +123,15 @@ void add_scan(const char* name, bool dense) {
                                      }
                                  }});
                  return list;
-             }});
+             },
+             {.read = static_cast<double>(unit(dense).size()), .footprint = static_cast<double>(unit(dense).size())}});
 }
 
 const bool added = [] {
-    add_reader<get_code>("read_ue", &bit_work::geometric, &bit_work::coded_geometric, &bit_work::geometric_sum);
-    add_reader<get_field>("read_fields", &bit_work::plain, &bit_work::coded_plain, &bit_work::plain_sum);
+    // Where a value begins is known when the one before has been shifted out: a count of zeros (3), an addition, a
+    // shift.
+    add_reader<get_code>("read_ue", 5, &bit_work::geometric, &bit_work::coded_geometric, &bit_work::geometric_sum);
+    add_reader<get_field>("read_fields", 1, &bit_work::plain, &bit_work::coded_plain, &bit_work::plain_sum);
     add_writer<put_code>("write_ue", &bit_work::geometric);
     add_writer<put_field>("write_fields", &bit_work::plain);
     add_scan("scan_plain", false);

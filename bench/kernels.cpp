@@ -62,12 +62,23 @@ std::vector<candidate> picture_candidates(const kernel& k, shape s, const std::s
     return all;
 }
 
+/// What the operands are, each of them once
+work work_of(const std::vector<operand>& operands) {
+    work all;
+    for (const operand& o : operands) {
+        const double bytes = static_cast<double>(o.width) * o.rows * o.element;
+        (o.written ? all.written : all.read) += bytes;
+        all.footprint += bytes;
+    }
+    return all;
+}
+
 void add_picture_rows(const kernel& k) {
     const auto [family, rest] = family_and_rest(k.name);
     for (const shape s : pictures) {
         const std::string title = rest + ' ' + std::to_string(s.w) + 'x' + std::to_string(s.h);
-        add_row(
-            {family, title, "pixel", static_cast<double>(s.w) * s.h, [=] { return picture_candidates(k, s, title); }});
+        add_row({family, title, "pixel", static_cast<double>(s.w) * s.h,
+                 [=] { return picture_candidates(k, s, title); }, work_of(k.operands(s))});
     }
 }
 
@@ -204,7 +215,12 @@ std::vector<candidate> block_candidates(const kernel& k, const std::string& titl
 
 void add_block_row(const kernel& k) {
     const auto [family, title] = family_and_rest(k.name);
-    add_row({family, title, "block", places, [=, title = title] { return block_candidates(k, title); }});
+    std::vector<operand> operands = k.operands(k.shapes.front());
+    for (operand& o : operands)  // a row takes as long as whole registers
+        o.width = (o.width * o.element + 31) / 32 * 32, o.element = 1;
+    work all = work_of(operands);
+    all.read *= places, all.written *= places, all.footprint = 0;  // neighbours have most of a block in common
+    add_row({family, title, "block", places, [=, title = title] { return block_candidates(k, title); }, all});
 }
 
 }  // namespace

@@ -36,6 +36,10 @@ void time_row(const row& r, joined_report& report) {
             c.run();  // what a neighbour left in the caches is not to be timed
             for (auto _ : state) c.run();
             state.counters["units"] = r.units;
+            state.counters["read"] = r.work.read;
+            state.counters["written"] = r.work.written;
+            state.counters["steps"] = r.work.steps;
+            state.counters["footprint"] = r.work.footprint;
             state.SetLabel(r.unit);
         });
     benchmark::RunSpecifiedBenchmarks(&report, ".");

@@ -13,25 +13,30 @@ namespace zelt::bench {
 namespace {
 /// A row of our builds, each by make(library), and of one more candidate.
 template <class Make, class... More>
-void add_our_row(const char* family, std::string title, const char* unit, double units, Make make, More... more) {
-    add_row({family, std::move(title), unit, units, [=] {
+void add_our_row(const char* family, std::string title, const char* unit, double units, work work, Make make,
+                 More... more) {
+    add_row({family, std::move(title), unit, units,
+             [=] {
                  std::vector<candidate> list;
                  for (const library& l : libraries()) list.push_back(make(l));
                  (list.push_back(more()), ...);
                  return list;
-             }});
+             },
+             work});
 }
 
 template <class F, class Libc>
 void add_fill(const char* title, const char* name, u32 pattern, const char* peer, Libc libc) {
-    for (const int size : run_sizes)
+    for (const int size : run_sizes) {
+        const double bytes = places({size, 1}, size).bytes();
         add_our_row(
-            "memory", sized(title, size), "byte", places({size, 1}, size).bytes(),
+            "memory", sized(title, size), "byte", bytes, {.written = bytes, .footprint = bytes},
             [=](const library& l) {
                 const auto fill = l.find<F>(name);
                 return fill_candidate(l.name, size, pattern, [=](u8* p, int n) { fill(p, fill_word, n); });
             },
             [=] { return fill_candidate(peer, size, pattern, libc); });
+    }
 }
 
 void add_fills() {
@@ -45,8 +50,9 @@ void add_fills() {
 void add_copies() {
     for (const area_size s : area_sizes) {
         const bool block = s.w <= 64;
+        const double bytes = places(s, stride_of(s)).bytes();
         add_our_row(
-            "memory", sized("copy", s), "byte", places(s, stride_of(s)).bytes(),
+            "memory", sized("copy", s), "byte", bytes, {.read = bytes, .written = bytes, .footprint = 2 * bytes},
             [=](const library& l) {
                 const auto copy = l.find<decltype(zelt_mcpy_pic)>(block ? "zelt_mcpy_blk" : "zelt_mcpy_pic");
                 return copy_candidate(l.name, s, [=](u8* to, const u8* from, int stride, int w, int h) {
@@ -80,7 +86,7 @@ void add_borders() {
         const area_size s = b.size;
         const double written = 1.5 * 4 * b.border * (s.w / 2.0 + s.h / 2.0 + 2.0 * b.border);
         add_our_row(
-            "border", sized("expand", s), "byte", written,
+            "border", sized("expand", s), "byte", written, {.written = written, .footprint = written},
             [=](const library& l) {
                 return border_candidate(
                     l.name, b, [=, expand = l.find<decltype(zelt_imgb_expand)>("zelt_imgb_expand")](ZELT_IMGB* img) {
@@ -93,8 +99,9 @@ void add_borders() {
 }
 
 void add_digests() {
+    constexpr int steps = 5;  // and, exclusive or, add, rotate, add, 64 times for 64 bytes
     for (const int size : message_sizes)
-        add_our_row("digest", sized("MD5", size), "byte", size, [=](const library& l) {
+        add_our_row("digest", sized("MD5", size), "byte", size, {.steps = 1.0 * steps * size}, [=](const library& l) {
             const auto init = l.find<decltype(zelt_md5_init)>("zelt_md5_init");
             const auto update = l.find<decltype(zelt_md5_update)>("zelt_md5_update");
             const auto finish = l.find<decltype(zelt_md5_finish)>("zelt_md5_finish");
@@ -108,13 +115,16 @@ void add_digests() {
 }
 
 void add_rings() {
-    add_our_row("ring", sized("put and get", packet_size), "packet", packets, [=](const library& l) {
-        const auto put = l.find<decltype(zelt_rbuf_put)>("zelt_rbuf_put");
-        const auto get = l.find<decltype(zelt_rbuf_get)>("zelt_rbuf_get");
-        std::shared_ptr<ZELT_RBUF> rb(zelt_rbuf_create(ring_size), zelt_rbuf_delete);
-        return ring_candidate(
-            l.name, [=](const u8* p) { put(rb.get(), p, packet_size); }, [=](u8* p) { get(rb.get(), p, packet_size); });
-    });
+    constexpr double bytes = 2 * packets * packet_size;
+    add_our_row("ring", sized("put and get", packet_size), "packet", packets, {.read = bytes, .written = bytes},
+                [=](const library& l) {
+                    const auto put = l.find<decltype(zelt_rbuf_put)>("zelt_rbuf_put");
+                    const auto get = l.find<decltype(zelt_rbuf_get)>("zelt_rbuf_get");
+                    std::shared_ptr<ZELT_RBUF> rb(zelt_rbuf_create(ring_size), zelt_rbuf_delete);
+                    return ring_candidate(
+                        l.name, [=](const u8* p) { put(rb.get(), p, packet_size); },
+                        [=](u8* p) { get(rb.get(), p, packet_size); });
+                });
 }
 
 const bool added = [] {

@@ -120,20 +120,32 @@ resize_work in_bands(const library& l) {
     };
 }
 
+/// The source or, where there is more of it, four pixels for each of the destination
+work work_of(const format& f, const sizes& s) {
+    const double from = area(s.from), to = area(s.to);
+    return {.read = f.src_bytes * std::min(from, 4 * to),
+            .written = f.dst_bytes * to,
+            .footprint = f.src_bytes * from + f.dst_bytes * to};
+}
+
 const bool added = [] {
     for (const format& f : formats)
         for (const sizes& s : resizings)
-            add_row({"rsz", title(f.name, s), "pixel", static_cast<double>(area(s.to)), [&f, &s] {
+            add_row({"rsz", title(f.name, s), "pixel", static_cast<double>(area(s.to)),
+                     [&f, &s] {
                          std::vector<candidate> list;
                          for (const library& l : libraries()) list.push_back(make(f, s, l.name, ours(f, l)));
                          return list;
-                     }});
+                     },
+                     work_of(f, s)});
     const sizes& s = resizings[0];
-    add_row({"rsz", title("8b in bands of 16", s), "pixel", static_cast<double>(area(s.to)), [&s] {
+    add_row({"rsz", title("8b in bands of 16", s), "pixel", static_cast<double>(area(s.to)),
+             [&s] {
                  std::vector<candidate> list;
                  for (const library& l : libraries()) list.push_back(make(formats[0], s, l.name, in_bands(l)));
                  return list;
-             }});
+             },
+             work_of(formats[0], s)});
     return true;
 }();
 }  // namespace

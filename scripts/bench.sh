@@ -25,9 +25,9 @@ if [[ ${1-} == --level ]]; then
     level=$2
     shift 2
 fi
-filter=${1-} pattern=${1-} output=()
+filter=${1-} pattern="^limit/|${1-}" output=()
 if [[ $filter =~ ^[a-z]*$ ]]; then
-    pattern=^${filter:+$filter/} output=("$document")
+    pattern="^limit/|^${filter:+$filter/}" output=("$document")
 fi
 if [[ $level ]]; then
     measure "build/bench-$level" "$pattern" -DZELT_BENCH_LEVEL="$level"

@@ -81,8 +81,8 @@ class Table:
 
 
 def read_times(path):
-    """family -> row -> candidate -> median nanoseconds a unit, and row -> unit"""
-    samples, units = {}, {}
+    """family -> row -> candidate -> median nanoseconds a unit, (family, row) -> unit, and the limits"""
+    samples, units, work = {}, {}, {}
     for entry in json.loads(path.read_text())["benchmarks"]:
         if entry["run_type"] != "iteration":
             continue
@@ -91,26 +91,51 @@ def read_times(path):
         times = samples.setdefault(family, {}).setdefault(row, {}).setdefault(candidate, [])
         times.append(entry["cpu_time"] / entry["units"])
         units[family, row] = entry["label"]
+        work[family, row] = {kind: entry.get(kind, 0) / entry["units"] for kind in ("read", "written", "steps")}
+        work[family, row]["footprint"] = entry.get("footprint", 0)
     for rows in samples.values():
         for candidates in rows.values():
             candidates.update({name: statistics.median(times) for name, times in candidates.items()})
-    return samples, units
+    return samples, units, Limits(samples.pop("limit", {}), work)
 
 
-def time_table(family, rows, units):
+class Limits:
+    """Times of what the processor can do at most, those of the family `limit`, and of rows by what they do"""
+
+    def __init__(self, rows, work):
+        self.times, self.work = {row: times["processor"] for row, times in rows.items()}, work
+
+    def transfer(self, kind, footprint):
+        """As measured with no more than so many bytes"""
+        sizes = sorted(int(row.split()[1]) for row in self.times if row.startswith(kind))
+        return self.times[f"{kind} {max((size for size in sizes if size <= footprint), default=sizes[0])}"]
+
+    def of(self, family, row):
+        """The least time that a unit of the row can take, and what takes it"""
+        if not self.times:
+            return 0, ""
+        work = self.work[family, row]
+        return max((work["read"] * self.transfer("load", work["footprint"]), "loads"),
+                   (work["written"] * self.transfer("store", work["footprint"]), "stores"),
+                   (work["steps"] * self.times["step"], "steps"))
+
+
+def time_table(family, rows, units, limits):
     bars = Bars(family, 1.0)
-    table = Table("row", "time:", "× scalar:", "best peer", "× peer:", "bar:", "")
+    table = Table("row", "time:", "of the limit:", "× scalar:", "best peer", "× peer:", "bar:", "")
     for row, times in rows.items():
         ours = times["zelt"]
         peers = {name: t for name, t in times.items() if name not in ("zelt", "scalar")}
-        lost, cells = False, [row, f"{ours:.3g} ns/{units[family, row]}", "", "", "", ""]
+        least, kind = limits.of(family, row)
+        share = f"{least / ours:.0%} {kind}" if least else ""
+        lost, cells = False, [row, f"{ours:.3g} ns/{units[family, row]}", share, "", "", "", ""]
         if "scalar" in times:
             ratio = times["scalar"] / ours
-            lost, cells[2] = ratio < NOISE, f"{ratio:.2f}"
+            lost, cells[3] = ratio < NOISE, f"{ratio:.2f}"
         if peers:
             best = min(peers, key=peers.get)
             ratio, bar = peers[best] / ours, bars.bar(row)
-            lost, cells[3:] = lost or ratio < bar * NOISE, [best, f"{ratio:.2f}", f"{bar:g}"]
+            lost, cells[4:] = lost or ratio < bar * NOISE, [best, f"{ratio:.2f}", f"{bar:g}"]
         table.add(lost, *cells, bars.remark(row, lost))
     return table
 
@@ -335,11 +360,11 @@ def main(arguments):
         print(f"{arguments[1]} on {processor()}, {compiler('c++')}:\n")
         print(level_table(read_times(pathlib.Path(arguments[2]))[0]))
     else:
-        families, units = read_times(pathlib.Path(arguments[0]))
+        families, units, limits = read_times(pathlib.Path(arguments[0]))
         made_by = f"`{arguments[1]}` on {processor()}, {compiler('c++')}"
         document = pathlib.Path(arguments[2]) if len(arguments) > 2 else None
         for family, rows in families.items():
-            report("bench", family, time_table(family, rows, units), made_by, document)
+            report("bench", family, time_table(family, rows, units, limits), made_by, document)
         print(peer_means(families))
 
 

@@ -160,7 +160,7 @@ def main(arguments):
         rows = [line.split("\t") for line in pathlib.Path(run).read_text().splitlines()]
         draw_growth([(work, size, int(size_bytes), float(cost)) for work, size, size_bytes, cost in rows]).save(figure)
     else:
-        families, _ = bench_tables.read_times(pathlib.Path(run))
+        families, *_ = bench_tables.read_times(pathlib.Path(run))
         ratios = {family: r for family, rows in families.items() if (r := peer_ratios(rows))}
         draw_ratios(ratios).save(figure)
         bench_tables.insert(pathlib.Path(rest[1]), "bench:ratios", ratio_lines(ratios, rest[0]))

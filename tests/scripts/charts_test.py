@@ -46,6 +46,16 @@ class Charts(unittest.TestCase):
         at = [float(y) for y in re.findall(r'y="([^"]*)"[^>]*>(?:a &lt; b|memcpy)<', "\n".join(figure.parts))]
         self.assertGreaterEqual(abs(at[0] - at[1]), 16, "names of lines that end together lie over each other")
 
+    def test_limits_are_those_of_the_memory_that_is_gone_over(self):
+        times = {f"{kind} {size}": {"processor": t} for kind, by_size in (("load", (1, 2)), ("store", (2, 8)))
+                 for size, t in zip((100, 1000), by_size)} | {"step": {"processor": 5}}
+        work = {("f", row): dict(zip(("read", "written", "steps", "footprint"), values)) for row, values in
+                {"small": (3, 1, 0, 9), "large": (3, 1, 0, 1000), "between": (5, 1, 0, 999), "chain": (3, 1, 2, 0)}.items()}
+        limits = bench_tables.Limits(times, work)
+        self.assertEqual([limits.of("f", row) for row in ("small", "large", "between", "chain")],
+                         [(3, "loads"), (8, "stores"), (5, "loads"), (10, "steps")])
+        self.assertEqual(bench_tables.Limits({}, work).of("f", "small"), (0, ""))
+
     def test_levels_stand_side_by_side(self):
         faster = {"sad": {"a": {"zelt": 0.5, "scalar": 1}, "alone": {"zelt": 1, "scalar": 8}}, "csc": {}}
         lines = str(bench_tables.levels_table({"v2": {"sad": RUN["sad"], "csc": {}}, "v3": faster})).splitlines()
