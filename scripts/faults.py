@@ -774,9 +774,9 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("int32_t media_type; ", "int8_t media_type; ", "media types above 127"),
     ],
     "tools/zelt/container_libav.cpp": [
-        ("return MKTAG('h', 'v', 'c', '1');", "return MKTAG('h', 'e', 'v', '1');", "the usual code of HEVC"),
-        ("case AVMEDIA_TYPE_AUDIO: return zelt_fcc2mt_aud(code);",
-         "case AVMEDIA_TYPE_AUDIO: return zelt_fcc2mt_vid(code);", "audio codes are looked up as video"),
+        ("MKTAG('h', 'v', 'c', '1')", "MKTAG('h', 'e', 'v', '1')", "the usual code of HEVC"),
+        (": audio ? zelt_fcc2mt_aud", ": audio ? zelt_fcc2mt_vid", "audio codes are looked up as video"),
+        ("if (own != unknown || ", "if (", "the container's own code counts last"),
         ("if (par.extradata_size < 1 || par.extradata[0] != 1)",
          "if (par.extradata_size < 1)", "streams that have start codes are filtered"),
         ("(\"file:\" + path).c_str()", "path.c_str()", "a name with a colon is a protocol"),
@@ -863,7 +863,7 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("if (differing) throw", "if (differing > 1) throw", "one difference is forgiven"),
     ],
     "tools/zelt/media_type.cpp": [
-        ("if (!t.code_is_own) return \"none\";", ";", "the usual code counts as the container's"),
+        ("if (!t.code) return \"none\";", ";", "no code is printed as one"),
         ("t.code >> 8 * i & 255", "t.code >> 8 * (3 - i) & 255", "codes have their first character high"),
         ("return printable ? text :",
          "return text.size() ? text :", "codes that are numbers are printed as characters"),

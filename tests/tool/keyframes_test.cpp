@@ -17,12 +17,14 @@ TEST_F(clips, the_rules_agree_with_the_containers) {
     } rows[] = {{"pan_h264.mp4", "104", reordered, 50, 12}, {"pan.h264", "104", "0, 1, 2, 3, ", 50, 12},
                 {"pan_mpeg4.avi", "102", steady, 50, 12},   {"pan_h263.3gp", "103", steady, 50, 12},
                 {"pan_wmv1.avi", "105", steady, 50, 12},    {"pan_wmv2.avi", "106", steady, 50, 12},
-                {"pan_div3.avi", "110", steady, 50, 12},    {"pan_hfyu.avi", "122", steady, 6, 1}};
+                {"pan_div3.avi", "110", steady, 50, 12},    {"pan_hfyu.avi", "122", steady, 6, 1},
+                {"pan_h264.ts", "104", "", 13, 12}};
     for (const auto& row : rows) {
         const outcome result = shell("\"$Z\" keyframes --csv -i " + sample(row.name) +
                                      ">csv && cut -d, -f1,2 csv | head -5 | tr '\\n' ' ' && cut -d, -f4- csv");
         expect_success(result);
-        std::string wanted = std::string("unit,time ") + row.times + "media_type,key,container_key\n";
+        const std::string times = *row.times ? row.times : "0,1.480 1,1.600 2,1.520 3,1.560 ";
+        std::string wanted = "unit,time " + times + "media_type,key,container_key\n";
         for (int i = 0; i < row.units; ++i)
             wanted += row.media_type + std::string(i % row.distance ? ",0,0\n" : ",1,1\n");
         EXPECT_EQ(result.out, wanted) << row.name;
@@ -47,6 +49,15 @@ TEST_F(clips, tracks_and_units) {
          ": Matroska / WebM" + head +
              "audio      7        MULAW (302)         pcm_mulaw, 8000 Hz, 1 channel\n"
              "1      video      I420     unknown (299)       rawvideo, 176x144, 23.976 frames/s\n"},
+        {"probe", sample("pan_hevc.ts"),
+         ": MPEG-TS (MPEG-2 Transport Stream)" + head +
+             "video      HEVC     HEVC (120)          hevc, 176x144, 25 frames/s\n"},
+        {"probe", sample("pan_hev1.mp4"),
+         ": QuickTime / MOV" + head + "video      hev1     HEVC (120)          hevc, 176x144, 25 frames/s\n"},
+        {"probe", sample("pan_vp8_aac.mkv"),
+         ": Matroska / WebM" + head +
+             "video      none     VP8 (119)           vp8, 176x144, 25 frames/s\n"
+             "1      audio      none     AAC (306)           aac, 8000 Hz, 1 channel\n"},
         {"keyframes", sound,
          ": I420, unknown (299)\n  unit       time      bytes  key  container\n"
          "     0      0.000      38016  no   yes\n     1      0.042      38016  no   yes\n"

@@ -10,9 +10,8 @@ namespace zelt::tool {
 
 struct track {
     std::string kind;     // video, audio, subtitle, or what else the container has
-    uint32_t code;        // FourCC or format tag; where the container has none, the usual one of the coding
-    bool code_is_own;     // whether it stands in the container
-    int32_t media_type;   // ZELT_MT_*
+    uint32_t code;        // FourCC or number that the container has for the coding, or 0
+    int32_t media_type;   // ZELT_MT_*, by the coding's usual code where that one is unknown
     std::string details;  // coding, size, rate
 };
 
@@ -42,7 +41,7 @@ using container_opener = container*(const std::string& path);
 
 /// Name and number of a media type: "H264 (104)".
 std::string media_type_text(int32_t media_type);
-/// The container's code: a FourCC as its characters, anything else as a number.
+/// The container's code: a FourCC as its characters, anything else as a number, or "none".
 std::string code_text(const track& t);
 
 }  // namespace zelt::tool

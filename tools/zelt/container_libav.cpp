@@ -25,24 +25,19 @@ std::string error_text(int error) {
     return av_strerror(error, text, sizeof text) == 0 ? text : "unknown error";
 }
 
-/// What a raw stream of a coding would be called in a container.
-uint32_t usual_code(AVCodecID coding) {
-    switch (coding) {
-    case AV_CODEC_ID_H264: return MKTAG('a', 'v', 'c', '1');
-    case AV_CODEC_ID_HEVC: return MKTAG('h', 'v', 'c', '1');
-    case AV_CODEC_ID_MPEG4: return MKTAG('m', 'p', '4', 'v');
-    case AV_CODEC_ID_H263: return MKTAG('h', '2', '6', '3');
-    default: return 0;
-    }
-}
-
-int32_t media_type_of(AVMediaType kind, uint32_t code) {
-    switch (kind) {
-    case AVMEDIA_TYPE_VIDEO: return zelt_fcc2mt_vid(code);
-    case AVMEDIA_TYPE_AUDIO: return zelt_fcc2mt_aud(code);
-    case AVMEDIA_TYPE_SUBTITLE: return zelt_fcc2mt_sub(code);
-    default: return zelt_fcc2mt(code);
-    }
+/// By the code that a track has in its container or, where that says nothing, by those of its coding in MP4 and AVI
+int32_t media_type_of(const AVCodecParameters& par) {
+    const bool video = par.codec_type == AVMEDIA_TYPE_VIDEO, audio = par.codec_type == AVMEDIA_TYPE_AUDIO;
+    const bool subtitle = par.codec_type == AVMEDIA_TYPE_SUBTITLE;
+    const auto lookup = video ? zelt_fcc2mt_vid : audio ? zelt_fcc2mt_aud : subtitle ? zelt_fcc2mt_sub : zelt_fcc2mt;
+    const int32_t unknown = lookup(0), own = lookup(par.codec_tag);
+    if (own != unknown || !(video || audio)) return own;
+    if (par.codec_id == AV_CODEC_ID_HEVC) return lookup(MKTAG('h', 'v', 'c', '1'));  // both have another one first
+    using table = const AVCodecTag* const[2];
+    const table of_mp4 = {video ? avformat_get_mov_video_tags() : avformat_get_mov_audio_tags(), nullptr};
+    const table of_avi = {video ? avformat_get_riff_video_tags() : avformat_get_riff_audio_tags(), nullptr};
+    const int32_t in_mp4 = lookup(av_codec_get_tag(of_mp4, par.codec_id));
+    return in_mp4 != unknown ? in_mp4 : lookup(av_codec_get_tag(of_avi, par.codec_id));
 }
 
 std::string details_of(const AVStream& stream) {
@@ -65,8 +60,7 @@ std::string details_of(const AVStream& stream) {
 track describe(const AVStream& stream) {
     const AVCodecParameters& par = *stream.codecpar;
     const char* kind = av_get_media_type_string(par.codec_type);
-    const uint32_t code = par.codec_tag ? par.codec_tag : usual_code(par.codec_id);
-    return {kind ? kind : "unknown", code, par.codec_tag != 0, media_type_of(par.codec_type, code), details_of(stream)};
+    return {kind ? kind : "unknown", par.codec_tag, media_type_of(par), details_of(stream)};
 }
 
 /// The filter for a track whose units have lengths in front: its extra data is a configuration record of version 1.

@@ -32,7 +32,7 @@ std::string media_type_text(int32_t media_type) {
 }
 
 std::string code_text(const track& t) {
-    if (!t.code_is_own) return "none";
+    if (!t.code) return "none";
     std::string text;
     for (int i = 0; i < 4; ++i) text += static_cast<char>(t.code >> 8 * i & 255);
     const bool printable = std::ranges::all_of(text, [](unsigned char c) { return std::isprint(c); });
