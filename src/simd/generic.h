@@ -125,9 +125,10 @@ inline u8xn low_q2_ordered(s16x2n v) {
     return make<u8xn>([=](int i) { return sample(v, i) >> 2; });
 }
 
-inline s16x2n mul_q15(s16x2n v, int b) {
-    return make_words([=](int i) { return (sample(v, i) * b + (1 << 14)) >> 15; });
+inline s16xn mul_q15(s16xn v, int b) {
+    return make<s16xn>([=](int i) { return (v[i] * b + (1 << 14)) >> 15; });
 }
+inline s16x2n mul_q15(s16x2n v, int b) { return {mul_q15(v.lo, b), mul_q15(v.hi, b)}; }
 inline s16x2n add_sat(s16x2n v, s16x2n w) {
     return make_words([=](int i) { return saturated(sample(v, i) + sample(w, i)); });
 }
@@ -148,6 +149,26 @@ inline bool any(u8xn mask) {
     for (int i = 0; i < lanes; ++i) bits |= mask[i];
     return bits != 0;
 }
+
+/// In memory order
+template <int Step, bool Packed> struct pixels {
+    static void load_luma(const u8* p, s16x2n& y) { y = centred_even_odd(load_as<u8xn>(p)); }
+    static void load_chroma(const u8* p, s16xn& c) {
+        c = make<s16xn>([=](int i) { return (p[i] - 128) << 8; });
+    }
+    static void load_chroma2(const u8* p, s16xn& a, s16xn& b) {
+        const s16x2n v = centred_even_odd(load_as<u8xn>(p));
+        a = v.lo, b = v.hi;
+    }
+    static void load_packed(const u8* p, s16x2n& a, s16x2n& b) {
+        a = centred_even_odd(load_channel<2>(p, 0)), b = centred_even_odd(load_channel<2>(p, 1));
+    }
+    static u8xn narrow_q6(s16x2n v) { return narrow_q6_even_odd(v); }
+    static void store(u8* p, u8xn a) { std::memcpy(p, &a, sizeof a); }
+    static void store(u8* p, u8xn a, u8xn b) { store2(p, a, b); }
+    static void store(u8* p, u8xn a, u8xn b, u8xn c) { store3(p, a, b, c); }
+    static void store(u8* p, u8xn a, u8xn b, u8xn c, u8xn d) { store4(p, a, b, c, d); }
+};
 
 // --------------------------------------------------------------------------------------------------------------- pairs
 

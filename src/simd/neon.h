@@ -257,11 +257,43 @@ template <int F> s16x2n centred_product(u8xn a) {
     return {(s16xn)vqrdmulhq_lane_s16(vshll_n_s8(vget_low_s8(centred), 7), factor, 0),
             (s16xn)vqrdmulhq_lane_s16(vshll_n_s8(vget_high_s8(centred), 7), factor, 0)};
 }
+inline s16xn mul_q15(s16xn a, int b) { return (s16xn)vqrdmulhq_lane_s16((int16x8_t)a, lane_factor(b), 0); }
 inline s16x2n mul_q15(s16x2n a, int b) {
     const int16x4_t factor = lane_factor(b);
     return {(s16xn)vqrdmulhq_lane_s16((int16x8_t)a.lo, factor, 0),
             (s16xn)vqrdmulhq_lane_s16((int16x8_t)a.hi, factor, 0)};
 }
+
+/// In memory order
+template <int Step, bool Packed> struct pixels {
+    static const u8* load_luma(const u8* p, s16x2n& y) {
+        u8xn v;
+        p = load(p, v);
+        y = centred_even_odd(v);
+        return p;
+    }
+    static const u8* load_chroma(const u8* p, s16xn& c) {
+        c = (s16xn)(vmovl_u8(vld1_u8(p) ^ vdup_n_u8(128)) << 8);
+        return p + 8;
+    }
+    static const u8* load_chroma2(const u8* p, s16xn& a, s16xn& b) {
+        s16x2n v;
+        p = load_luma(p, v);
+        a = v.lo, b = v.hi;
+        return p;
+    }
+    static const u8* load_packed(const u8* p, s16x2n& a, s16x2n& b) {
+        u8xn v, w;
+        p = load2(p, v, w);
+        a = centred_even_odd(v), b = centred_even_odd(w);
+        return p;
+    }
+    static u8xn narrow_q6(s16x2n v) { return narrow_q6_even_odd(v); }
+    static u8* store(u8* p, u8xn a) { return vec::store(p, a); }
+    static u8* store(u8* p, u8xn a, u8xn b) { return store2(p, a, b); }
+    static u8* store(u8* p, u8xn a, u8xn b, u8xn c) { return store3(p, a, b, c); }
+    static u8* store(u8* p, u8xn a, u8xn b, u8xn c, u8xn d) { return store4(p, a, b, c, d); }
+};
 template <int N> s16x2n shift_add(s16x2n a, s16x2n b) {
     return {(s16xn)vsraq_n_s16((int16x8_t)a.lo, (int16x8_t)b.lo, N),
             (s16xn)vsraq_n_s16((int16x8_t)a.hi, (int16x8_t)b.hi, N)};

@@ -41,6 +41,16 @@
 //   dot_q10<A, B, C>(u, v, w)    (A u + B v + C w + 512) >> 10, where that fits 16 bits; as dot_q10_fits() says
 //   any(mask)                    whether a byte is set, of bytes that are 0 or 255
 //
+// PIXELS of which two share chroma, `lanes` of them: pixels<Step, Packed>, where Step is the bytes of each that are
+// stored, and Packed says that they come from load_packed. Their order is even-odd or what the back end likes better.
+//   load_luma(p, y)              bytes to s16x2n: (a - 128) << 8, as everything that follows
+//   load_chroma(p, c)            lanes_16 bytes, of two pixels each, to s16xn
+//   load_chroma2(p, a, b)        the same of two channels in turn
+//   load_packed(p, a, b)         of each four bytes of two pixels the first and the third to lo and hi of a, the second
+//                                and the fourth to those of b
+//   narrow_q6(v)                 v >> 6, with saturation to 0..255
+//   store(p, a, ...)             1 to 4 channels, in memory order
+//
 // PAIRS of bytes from anywhere in a row, for half of the samples of s16x2n. Samples are dealt with in eights, whose
 // bytes are in Windows * 16 bytes of the row, Windows from 1 to 8. Tables give an eight 16 bytes.
 //   reach                        bytes of the windows, 16 or 32, that a mask deals with

@@ -52,6 +52,11 @@ inline u8xn load_register(const u8* p) { return load_unaligned<u8xn>(p); }
 #if ZELT_LANES == 32
 using reg = __m256i;
 constexpr int eight_at(int i) { return i % 2 * 2 + i / 2; }
+/// lanes_16 bytes from p on, in the beginning of each 16 bytes
+inline reg load_half(const u8* p) { return _mm256_broadcastsi128_si256((__m128i)load_unaligned<u8x16>(p)); }
+/// Of eights of 4 or of 2 neighbouring pieces the even ones, then the odd ones
+inline reg cross_32(reg v) { return _mm256_permutevar8x32_epi32(v, _mm256_setr_epi32(0, 2, 4, 6, 1, 3, 5, 7)); }
+inline reg cross_64(reg v) { return _mm256_permute4x64_epi64(v, 0xD8); }
 /// 16 bytes from each of lanes / 16 places
 inline reg load_blocks(const u8* first, const u8* last) {
     return _mm256_inserti128_si256(_mm256_castsi128_si256((__m128i)load_unaligned<u8x16>(first)),
@@ -73,6 +78,9 @@ template <class V> u8xn in_order(V packed) { return (u8xn)_mm256_permute4x64_epi
 #else
 using reg = __m128i;
 constexpr int eight_at(int i) { return i; }
+inline reg load_half(const u8* p) { return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)); }
+inline reg cross_32(reg v) { return v; }
+inline reg cross_64(reg v) { return v; }
 inline reg load_blocks(const u8* first, const u8*) { return (reg)load_register(first); }
 template <class... V> void store_blocks(u8* p, V... registers) { ((store_register(p, (u8xn)registers), p += 16), ...); }
 template <class V> u8xn in_order(V packed) { return (u8xn)packed; }
@@ -134,16 +142,25 @@ template <int N> void load_next(const u8*& p, u8xn (&v)[N]) {
 
 inline void store(u8* p, u8xn a) { store_register(p, a); }
 inline void store2(u8* p, u8xn a, u8xn b) { store_blocks(p, unpacklo_epi8(a, b), unpackhi_epi8(a, b)); }
-inline void store3(u8* p, u8xn a, u8xn b, u8xn c) {
-    const reg va = shuffle_epi8(a, reg(spread3<0>)), vb = shuffle_epi8(b, reg(spread3<1>));
-    const reg vc = shuffle_epi8(c, reg(spread3<2>));
-    store_blocks(p, blend3(va, vb, vc), blend3(vb, vc, va), blend3(vc, va, vb));
+inline void store_spread3(u8* p, reg a, reg b, reg c) {
+    store_blocks(p, blend3(a, b, c), blend3(b, c, a), blend3(c, a, b));
 }
-inline void store4(u8* p, u8xn a, u8xn b, u8xn c, u8xn d) {
+inline void store3(u8* p, u8xn a, u8xn b, u8xn c) {
+    store_spread3(p, shuffle_epi8(a, reg(spread3<0>)), shuffle_epi8(b, reg(spread3<1>)),
+                  shuffle_epi8(c, reg(spread3<2>)));
+}
+struct fours {
+    reg v0, v1, v2, v3;
+};
+/// Four bytes of each of four pixels in each 16 bytes
+inline fours interleave(u8xn a, u8xn b, u8xn c, u8xn d) {
     const reg ab0 = unpacklo_epi8(a, b), ab1 = unpackhi_epi8(a, b);
     const reg cd0 = unpacklo_epi8(c, d), cd1 = unpackhi_epi8(c, d);
-    store_blocks(p, unpacklo_epi16(ab0, cd0), unpackhi_epi16(ab0, cd0), unpacklo_epi16(ab1, cd1),
-                 unpackhi_epi16(ab1, cd1));
+    return {unpacklo_epi16(ab0, cd0), unpackhi_epi16(ab0, cd0), unpacklo_epi16(ab1, cd1), unpackhi_epi16(ab1, cd1)};
+}
+inline void store4(u8* p, u8xn a, u8xn b, u8xn c, u8xn d) {
+    const fours v = interleave(a, b, c, d);
+    store_blocks(p, v.v0, v.v1, v.v2, v.v3);
 }
 inline void load_16(const u8* p, s16x2n& v) { v = {(s16xn)load_register(p), (s16xn)load_register(p + lanes)}; }
 inline void store_16(u8* p, s16x2n v) { store_register(p, (u8xn)v.lo), store_register(p + lanes, (u8xn)v.hi); }
@@ -180,10 +197,67 @@ inline u8xn narrow_q6_even_odd(s16x2n v) {
 
 inline s16x2n add_sat(s16x2n v, s16x2n w) { return {(s16xn)adds_epi16(v.lo, w.lo), (s16xn)adds_epi16(v.hi, w.hi)}; }
 inline s16x2n sub_sat(s16x2n v, s16x2n w) { return {(s16xn)subs_epi16(v.lo, w.lo), (s16xn)subs_epi16(v.hi, w.hi)}; }
-inline s16x2n mul_q15(s16x2n v, int b) {
-    const s16x2n factor = splat(b);
-    return {(s16xn)mulhrs_epi16(v.lo, factor.lo), (s16xn)mulhrs_epi16(v.hi, factor.hi)};
-}
+inline s16xn mul_q15(s16xn v, int b) { return (s16xn)mulhrs_epi16(v, splat(b).lo); }
+inline s16x2n mul_q15(s16x2n v, int b) { return {mul_q15(v.lo, b), mul_q15(v.hi, b)}; }
+
+/// Two to a word, the place of each word in each 16 bytes its own, but for `Packed` ones: there words of two registers
+/// take turns. Where four bytes are stored of each, 16 bytes have every second four pixels, so that stores need not
+/// bring them together.
+template <int Step, bool Packed> struct pixels {
+    static void load_luma(const u8* p, s16x2n& y) {
+        const reg v = (reg)load_register(p);
+        y = centred_even_odd((u8xn)(crossed ? cross_32(v) : v));
+    }
+    static void load_chroma(const u8* p, s16xn& c) {
+        static constexpr byte_table<lanes> words = make_table<lanes>([](int i) {
+            const int word = i / 2, in_16 = word % 8;
+            const int pair = crossed ? in_16 / 2 * 4 + in_16 % 2 + word / 8 * 2 : word;
+            return i % 2 ? pair : -1;
+        });
+        c = (s16xn)((u16xn)shuffle_epi8(load_half(p), reg(words)) ^ 0x8000);
+    }
+    static void load_chroma2(const u8* p, s16xn& a, s16xn& b) {
+        s16x2n v;
+        load_luma(p, v);
+        a = v.lo, b = v.hi;
+    }
+    static void load_packed(const u8* p, s16x2n& a, s16x2n& b) {
+        const reg v = crossed ? cross_64((reg)load_register(p)) : load_blocks(p, 32);
+        const reg w = crossed ? cross_64((reg)load_register(p + lanes)) : load_blocks(p + 16, 32);
+        const s16x2n first = centred_even_odd((u8xn)blend_epi16<0xAA>(v, (reg)((u32xn)w << 16)));
+        const s16x2n second = centred_even_odd((u8xn)blend_epi16<0xAA>((reg)((u32xn)v >> 16), w));
+        a = {first.lo, second.lo}, b = {first.hi, second.hi};
+    }
+    static u8xn narrow_q6(s16x2n v) { return (u8xn)packus_epi16(v.lo >> 6, v.hi >> 6); }
+
+    static void store(u8* p, u8xn a) { vec::store(p, ordered(a)); }
+    static void store(u8* p, u8xn a, u8xn b) { store2(p, ordered(a), ordered(b)); }
+    static void store(u8* p, u8xn a, u8xn b, u8xn c) {
+        static constexpr byte_table<lanes> spread[] = {spread3_from<0>(), spread3_from<1>(), spread3_from<2>()};
+        store_spread3(p, shuffle_epi8(a, reg(spread[0])), shuffle_epi8(b, reg(spread[1])),
+                      shuffle_epi8(c, reg(spread[2])));
+    }
+    static void store(u8* p, u8xn a, u8xn b, u8xn c, u8xn d) {
+        a = ordered(a), b = ordered(b), c = ordered(c), d = ordered(d);
+        if constexpr (!crossed) return store4(p, a, b, c, d);
+        const fours v = interleave(a, b, c, d);
+        int i = 0;
+        for (const reg part : {v.v0, v.v1, v.v2, v.v3}) store_register(p + lanes * i++, (u8xn)part);
+    }
+
+private:
+    static constexpr bool crossed = lanes == 32 && Step == 4;
+    /// Where pixel i of 16 bytes is
+    static constexpr int place(int i) { return i % 2 * 8 + (Packed ? i / 2 % 4 * 2 + i / 8 : i / 2); }
+    static u8xn ordered(u8xn v) {
+        static constexpr byte_table<lanes> in_turn = per_place([](int i) { return place(i); });
+        return (u8xn)shuffle_epi8(v, reg(in_turn));
+    }
+    template <int Channel> static consteval byte_table<lanes> spread3_from() {
+        return per_place([](int i) { return place(11 * (i + 16 - Channel) % 16); });
+    }
+};
+
 template <int N> s16x2n shift_add(s16x2n v, s16x2n w) { return v + (w >> N); }
 template <int N> u8xn shift_insert(u8xn a, u8xn b) {
     const u8xn low = u8xn{} + static_cast<u8>(255 >> N);

@@ -16,11 +16,10 @@ inline void convert_band(const plan& p, void* const* src_a, const s32* src_s, vo
         dst.format.rgb->full_range_bt601(from, static_cast<int>(b.w), static_cast<int>(b.end - b.begin), from_s, to,
                                          to_s);
     } else if (dst.format.rgb) {
+        const std::ptrdiff_t x = convert_shared(p, src, dst, b);
+        if (x == b.w) return;
         to_pixels convert(p, src, dst, b.w);
-        for (std::ptrdiff_t y = b.begin, rows; y < b.end; y += rows) {
-            rows = convert.shares_chroma() && y % 2 == 0 && y + 1 < b.end ? 2 : 1;
-            convert.convert(b, y, rows);
-        }
+        for (std::ptrdiff_t y = b.begin; y < b.end; ++y) convert.convert(b, x, y);
     } else {
         to_yuv convert(p, src, dst, b.w);
         convert.copy_luma(b);

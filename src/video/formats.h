@@ -1,5 +1,5 @@
 #pragma once  // the table of formats, and what writes those of RGB
-#include "video/rows.h"
+#include "video/direct.h"
 #include "zelt/video.h"
 
 namespace zelt::inline ZELT_LEVEL::video {
@@ -8,8 +8,9 @@ enum class kind { grey, planar, paired, packed, rgb };
 /// What writes an RGB format
 struct writer {
     int planes;
-    const int* step;                                                           // bytes per pixel in each plane
-    decltype(&put_row<rgb888, chroma_of::pair>) put[3];                        // by chroma_of
+    const int* step;                                     // bytes per pixel in each plane
+    decltype(&put_row<rgb888, chroma_of::pair>) put[3];  // by chroma_of
+    const shared_converter (*shared)[2];
     decltype(&csc::convert<planar<3>, csc::to_rgb, rgb888>) full_range_bt601;  // from 4:4:4
 };
 template <class Dest>
@@ -17,6 +18,7 @@ constexpr writer writer_of = {
     Dest::count,
     Dest::step,
     {put_row<Dest, chroma_of::pair>, put_row<Dest, chroma_of::pixel>, put_row<Dest, chroma_of::neighbours>},
+    shared_converters<Dest>,
     csc::convert<planar<3>, csc::to_rgb, Dest>};
 
 struct format {

@@ -34,8 +34,8 @@ struct strip {
     std::ptrdiff_t x, pixels;
     std::ptrdiff_t pairs() const { return (pixels + 1) / 2; }
 };
-template <class Body> void for_strips(std::ptrdiff_t w, Body body) {
+template <class Body> void for_strips(std::ptrdiff_t x, std::ptrdiff_t w, Body body) {
     constexpr std::ptrdiff_t most = 2 * strip_pairs;
-    for (std::ptrdiff_t x = 0; x < w; x += most) body(strip{x, std::min(most, w - x)});
+    for (; x < w; x += most) body(strip{x, std::min(most, w - x)});
 }
 }  // namespace zelt::inline ZELT_LEVEL::video

@@ -44,6 +44,9 @@ void put_row(const terms& even, const terms& odd, int luma, const u8* y, u8* con
         const pixel<V> v = {component(even.r, odd.r), component(even.g, odd.g), component(even.b, odd.b), opaque<V>};
         dst.put(at{x}, v);
     };
-    for_pixels(n, put);
+    if constexpr (Kind == chroma_of::pair)  // narrower than a register: direct.h has the others
+        for (std::ptrdiff_t x = 0; x < n; ++x) put(u8{}, x);
+    else
+        for_pixels(n, put);
 }
 }  // namespace zelt::inline ZELT_LEVEL::video

@@ -2,6 +2,32 @@
 #include "video/source.h"
 
 namespace zelt::inline ZELT_LEVEL::video {
+/// Converts pixels that share chroma, as many of each row as it gives back.
+inline std::ptrdiff_t convert_shared(const plan& p, const picture& src, const picture& dst, const band& b) {
+    const format& f = src.format;
+    const std::ptrdiff_t pixels = b.w & -2;
+    if (sizeof(widest) == 1 || pixels < static_cast<std::ptrdiff_t>(sizeof(widest))) return 0;
+    if (f.kind != kind::grey && (!f.half_w || p.smooth)) return 0;
+    const sharing first[] = {sharing::grey, sharing::planes, sharing::paired, sharing::packed};  // by kind
+    const auto& converters = dst.format.rgb->shared[static_cast<int>(first[static_cast<int>(f.kind)]) + f.second];
+    const auto convert = [&](std::ptrdiff_t y, std::ptrdiff_t rows, std::ptrdiff_t count) {
+        shared_rows r{src.row(0, y), {}, {}, src.s[0], {}, {}, pixels, count};
+        for (int i = 0; i < 2; ++i)
+            if (src.p[1 + i]) r.chroma[i] = src.row(1 + i, f.half_h ? y / 2 : y), r.chroma_stride[i] = src.s[1 + i];
+        for (int i = 0; i < dst.format.rgb->planes; ++i) r.out[i] = dst.row(i, y), r.out_stride[i] = dst.s[i];
+        converters[rows - 1](p.matrix, r);
+    };
+    if (!f.half_h) {
+        convert(b.begin, 1, b.end - b.begin);
+        return pixels;
+    }
+    const std::ptrdiff_t y = b.begin + b.begin % 2, end = b.end & -2;
+    if (y > b.begin) convert(b.begin, 1, 1);
+    if (y < end) convert(y, 2, (end - y) / 2);
+    if (end < b.end) convert(end, 1, 1);
+    return pixels;
+}
+
 class to_pixels {
 public:
     to_pixels(const plan& p, const picture& src, const picture& dst, std::ptrdiff_t w)
@@ -11,15 +37,14 @@ public:
         for (s16* component : {even_.r, even_.g, even_.b}) std::fill_n(component, n, p.matrix.constant);
     }
 
-    /// Rows that share their chroma
-    void convert(const band& b, std::ptrdiff_t y, std::ptrdiff_t rows) {
+    /// A row from pixel x on, which is even
+    void convert(const band& b, std::ptrdiff_t x, std::ptrdiff_t y) {
         const pair_of_rows from = rows_for(y, b.h, src_.format.half_h, false, plan_.smooth);
-        for_strips(b.w, [&](strip s) {
+        for_strips(x, b.w, [&](strip s) {
             make_terms(from, s);
-            for (std::ptrdiff_t i = 0; i < rows; ++i) put(y + i, s);
+            put(y, s);
         });
     }
-    bool shares_chroma() const { return src_.format.half_h && !plan_.smooth; }
 
 private:
     static chroma_of which_terms(const plan& p, const picture& src) {

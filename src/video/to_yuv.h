@@ -19,7 +19,7 @@ public:
         const bool with_chroma = to.kind != kind::grey && !(to.half_h && y % 2);
         if (!with_chroma && !packed()) return;
         const pair_of_rows rows = rows_for(y, b.h, from.half_h, to.half_h, plan_.smooth);
-        for_strips(b.w, [&](strip s) {
+        for_strips(0, b.w, [&](strip s) {
             if (with_chroma) put_chroma(rows, to.half_h ? y / 2 : y, s);
             if (packed()) put_luma(y, s);
         });

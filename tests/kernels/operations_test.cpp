@@ -110,6 +110,24 @@ TEST(operations, of_bytes) {
     NARROWED(narrow_q6(v - (widen(y & 192) << 8)));
 }
 
+TEST(operations, of_pixels) {
+    const memory xs = random_bytes(1 << 14), ys = random_bytes(1 << 14);
+#define PIXELS(step, packed, read, loads, ...)                                                   \
+    SAME(whole, read, 16 * step, xs, ys, using order = pixels<step, packed>; s16x2n y, z; loads; \
+         const u8xn u = order::narrow_q6(add_sat(y >> 1, z >> 1)), v = order::narrow_q6(y);      \
+         order::store(out, __VA_ARGS__))
+#define ALL_STEPS(packed, read, loads)           \
+    PIXELS(1, packed, read, loads, u ^ v);       \
+    PIXELS(2, packed, read, loads, u, v);        \
+    PIXELS(3, packed, read, loads, u, v, u ^ v); \
+    PIXELS(4, packed, read, loads, u, v, u ^ v, u + v)
+    ALL_STEPS(false, 16, (order::load_luma(a, y), order::load_chroma2(b, z.lo, z.hi)));
+    ALL_STEPS(false, 8, (order::load_chroma(a, z.lo), order::load_chroma(b, z.hi), y = z >> 1));
+    ALL_STEPS(true, 32, order::load_packed(a, y, z));
+    for (const int factor : {-32767, 1436})
+        SAME(whole, 16, 16, all_words, all_words, to(out, mul_q15(load_as<s16xn>(a), factor)));
+}
+
 TEST(operations, of_words) {
 #define WORDS(v_in, w_in, ...) \
     SAME(whole, 32, 32, v_in, w_in, s16x2n v, w; load_16(a, v), load_16(b, w); store_16(out, __VA_ARGS__))

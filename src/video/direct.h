@@ -1,0 +1,131 @@
+#pragma once
+// Pixels of which two share chroma, replicated: from the planes of a source to those of a destination, with nothing
+// kept in memory between. Where two rows share chroma, too, they are converted together. Rows are at least a register
+// wide; what is narrower, and the last pixel of an odd row, goes the way of all other pixels.
+#include "video/rows.h"
+
+namespace zelt::inline ZELT_LEVEL::video {
+/// How luma and chroma lie
+enum class sharing { grey, planes, paired, paired_v_first, packed, packed_luma_second };
+constexpr int sharings = 6;
+
+/// Rows that share chroma, `pixels` of each, which are even; and their strides, those of luma and of the destination
+/// being the distance of neighbouring rows
+struct shared_rows {
+    const u8 *luma, *chroma[2];
+    u8* out[3];
+    std::ptrdiff_t luma_stride, chroma_stride[2], out_stride[3];
+    std::ptrdiff_t pixels, count;  // of rows, or of pairs of them
+};
+
+#if ZELT_SIMD
+/// The pixels from x on
+template <class Order> struct pixels_at {
+    std::ptrdiff_t x;
+
+    /// What op(p) deals with, so many bytes for each two pixels
+    template <int Bytes, class P, class Op> void deal(P* p, Op op) const {
+        op(p + (Bytes % 2 ? Bytes * (x >> 1) : Bytes / 2 * x));
+    }
+    template <class... V> void store(u8* plane, V... v) const { Order::store(plane + sizeof...(V) * x, v...); }
+};
+/// The next pixels of planes that step on
+template <class Order> struct next_pixels {
+    template <int, class P, class Op> void deal(P*& p, Op op) const {
+        p = op(p);
+        hide_step_from_optimizer(p);
+    }
+    template <class... V> void store(u8*& plane, V... v) const {
+        deal<0>(plane, [=](u8* p) { return Order::store(p, v...); });
+    }
+};
+
+template <sharing Sharing, int Rows, class Dest> struct shared_pixels {
+    static constexpr bool packed = Sharing == sharing::packed || Sharing == sharing::packed_luma_second;
+    using order = pixels<Dest::step[0], packed>;
+
+    const u8 *luma[Rows], *chroma[2];
+    Dest out[Rows];
+
+    explicit shared_pixels(const shared_rows& r) : chroma{r.chroma[0], r.chroma[1]} {
+        for (int i = 0; i < Rows; ++i) {
+            luma[i] = r.luma + i * r.luma_stride;
+            for (int plane = 0; plane < Dest::count; ++plane) out[i].p[plane] = r.out[plane] + i * r.out_stride[plane];
+        }
+    }
+
+    /// A register of them
+    template <class Place> [[gnu::always_inline]] void convert(const matrix& m, Place place) {
+        s16x2n y[Rows];
+        s16xn d, e, r, g, b;
+        load(place, y, d, e);
+        if constexpr (Sharing != sharing::grey)
+            r = m.red(d, e) + m.constant, g = m.green(d, e) + m.constant, b = m.blue(d, e) + m.constant;
+        for (int i = 0; i < Rows; ++i) {
+            const s16x2n term = mul_q15(y[i], m.luma);
+            const auto sum = [&](s16xn c) { return order::narrow_q6(add_sat(term, {c, c})); };
+            if constexpr (Sharing == sharing::grey) {
+                const u8xn v = order::narrow_q6(term + m.constant);
+                out[i].put(place, pixel<u8xn>{v, v, v, csc::opaque<u8xn>});
+            } else {
+                out[i].put(place, pixel<u8xn>{sum(r), sum(g), sum(b), csc::opaque<u8xn>});
+            }
+        }
+    }
+
+private:
+    template <class Place> void load(Place place, s16x2n (&y)[Rows], s16xn& d, s16xn& e) {
+        if constexpr (packed) {
+            s16x2n first, second;
+            place.template deal<4>(luma[0], [&](const u8* p) { return order::load_packed(p, first, second); });
+            const s16x2n c = Sharing == sharing::packed ? second : first;
+            y[0] = Sharing == sharing::packed ? first : second, d = c.lo, e = c.hi;
+            return;
+        }
+        if constexpr (Sharing == sharing::planes) {
+            place.template deal<1>(chroma[0], [&](const u8* p) { return order::load_chroma(p, d); });
+            place.template deal<1>(chroma[1], [&](const u8* p) { return order::load_chroma(p, e); });
+        } else if constexpr (Sharing != sharing::grey) {
+            s16xn &first = Sharing == sharing::paired ? d : e, &second = Sharing == sharing::paired ? e : d;
+            place.template deal<2>(chroma[0], [&](const u8* p) { return order::load_chroma2(p, first, second); });
+        }
+        for (int i = 0; i < Rows; ++i)
+            place.template deal<2>(luma[i], [&](const u8* p) { return order::load_luma(p, y[i]); });
+    }
+};
+
+template <sharing Sharing, int Rows, class Dest> void put_shared(const matrix& given, shared_rows r) {
+    using row = shared_pixels<Sharing, Rows, Dest>;
+    using order = typename row::order;
+    constexpr std::ptrdiff_t step = lanes;
+    const matrix m = given;
+    for (; r.count > 0; --r.count) {
+        if constexpr (loads_step) {
+            row next(r);
+            for (std::ptrdiff_t n = r.pixels / step; n != 0; --n) next.convert(m, next_pixels<order>{});
+            if (r.pixels % step) row(r).convert(m, pixels_at<order>{r.pixels - step});
+        } else {
+            row all(r);
+            for (std::ptrdiff_t x = 0; x < r.pixels; x += step)
+                all.convert(m, pixels_at<order>{std::min(x, r.pixels - step)});
+        }
+        r.luma += Rows * r.luma_stride;
+        for (int i = 0; i < 2; ++i) r.chroma[i] += r.chroma_stride[i];
+        for (int i = 0; i < Dest::count; ++i) r.out[i] += Rows * r.out_stride[i];
+    }
+}
+#else
+template <sharing, int, class> constexpr void (*put_shared)(const matrix&, shared_rows) = nullptr;
+#endif
+
+using shared_converter = void (*)(const matrix&, shared_rows);
+/// By sharing, of one row and of two
+template <class Dest>
+constexpr shared_converter shared_converters[sharings][2] = {
+    {put_shared<sharing::grey, 1, Dest>},
+    {put_shared<sharing::planes, 1, Dest>, put_shared<sharing::planes, 2, Dest>},
+    {put_shared<sharing::paired, 1, Dest>, put_shared<sharing::paired, 2, Dest>},
+    {put_shared<sharing::paired_v_first, 1, Dest>, put_shared<sharing::paired_v_first, 2, Dest>},
+    {put_shared<sharing::packed, 1, Dest>},
+    {put_shared<sharing::packed_luma_second, 1, Dest>}};
+}  // namespace zelt::inline ZELT_LEVEL::video
