@@ -144,6 +144,9 @@ template <int A, int B, int C> s16x2n dot_q10(s16x2n u, s16x2n v, s16x2n w) {
     static_assert(dot_q10_fits(A, B, C));
     return make_words([=](int i) { return (A * sample(u, i) + B * sample(v, i) + C * sample(w, i) + 512) >> 10; });
 }
+inline u8xn average(u8xn a, u8xn b) {
+    return make<u8xn>([=](int i) { return (a[i] + b[i] + 1) / 2; });
+}
 inline bool any(u8xn mask) {
     u8 bits = 0;
     for (int i = 0; i < lanes; ++i) bits |= mask[i];

@@ -299,6 +299,7 @@ template <int N> s16x2n shift_add(s16x2n a, s16x2n b) {
             (s16xn)vsraq_n_s16((int16x8_t)a.hi, (int16x8_t)b.hi, N)};
 }
 template <int N> u8xn shift_insert(u8xn a, u8xn b) { return (u8xn)vsriq_n_u8((uint8x16_t)a, (uint8x16_t)b, N); }
+inline u8xn average(u8xn a, u8xn b) { return (u8xn)vrhaddq_u8((uint8x16_t)a, (uint8x16_t)b); }
 inline bool any(u8xn mask) { return vget_lane_u64((uint64x1_t)(low8(mask) | high8(mask)), 0) != 0; }
 
 template <int F> byte_factor magnitude() {

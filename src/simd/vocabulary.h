@@ -39,6 +39,7 @@
 //   shift_add<N>(v, w)           v + (w >> N)
 //   shift_insert<N>(a, b)        of bytes, the high N bits of a above b >> N; N from 1 to 7
 //   dot_q10<A, B, C>(u, v, w)    (A u + B v + C w + 512) >> 10, where that fits 16 bits; as dot_q10_fits() says
+//   average(a, b)                of bytes, (a + b + 1) / 2
 //   any(mask)                    whether a byte is set, of bytes that are 0 or 255
 //
 // PIXELS of which two share chroma, `lanes` of them: pixels<Step, Packed>, where Step is the bytes of each that are

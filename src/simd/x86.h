@@ -29,6 +29,7 @@ constexpr int stores_ahead = lanes == 32 ? 1024 : 0;  // a fetch per 16 bytes co
 // clang-format off
 ZELT_UNARY(abs_epi16)        ZELT_UNARY(movemask_epi8)
 ZELT_BINARY(adds_epi16)      ZELT_BINARY(adds_epu16)      ZELT_BINARY(subs_epi16)      ZELT_BINARY(avg_epu16)
+ZELT_BINARY(avg_epu8)
 ZELT_BINARY(max_epu16)       ZELT_BINARY(sad_epu8)        ZELT_BINARY(madd_epi16)      ZELT_BINARY(maddubs_epi16)
 ZELT_BINARY(mulhi_epi16)     ZELT_BINARY(mulhi_epu16)     ZELT_BINARY(mulhrs_epi16)    ZELT_BINARY(shuffle_epi8)
 ZELT_BINARY(packs_epi16)     ZELT_BINARY(packus_epi16)    ZELT_BINARY(packs_epi32)
@@ -264,6 +265,7 @@ template <int N> u8xn shift_insert(u8xn a, u8xn b) {
     const u8xn shifted = (u8xn)((u16xn)b >> N);
     return (a & ~low) | (shifted & low);
 }
+inline u8xn average(u8xn a, u8xn b) { return (u8xn)avg_epu8(a, b); }
 inline bool any(u8xn mask) { return movemask_epi8(mask) != 0; }
 
 /// The factors of pairs of bytes, times what unpacking left side by side

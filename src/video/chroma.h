@@ -27,6 +27,25 @@ template <class Body> void for_pixels(std::ptrdiff_t n, Body body) {
     for (std::ptrdiff_t x = whole; x < n; ++x) body(u8{}, x);
 }
 
+#if ZELT_SIMD
+/// The pixels from x on, which is even, of planes that stay where they are
+struct pixels_at {
+    std::ptrdiff_t x;
+
+    /// What op(p) deals with, so many bytes for each two pixels
+    template <int Bytes, class P, class Op> void deal(P* p, Op op) const {
+        op(p + (Bytes % 2 ? Bytes * (x >> 1) : Bytes / 2 * x));
+    }
+};
+/// The next pixels of planes that step on
+struct next_pixels {
+    template <int, class P, class Op> void deal(P*& p, Op op) const {
+        p = op(p);
+        hide_step_from_optimizer(p);
+    }
+};
+#endif
+
 // ---------------------------------------------------------------------------------------------------------------- down
 
 /// Of a sample in one row and of that in another: A + B is 4, so that what follows has quarters.

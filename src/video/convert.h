@@ -1,4 +1,5 @@
 #pragma once  // from any source to any destination
+#include "video/repack.h"
 #include "video/to_rgb.h"
 #include "video/to_yuv.h"
 
@@ -23,7 +24,10 @@ inline void convert_band(const plan& p, void* const* src_a, const s32* src_s, vo
     } else {
         to_yuv convert(p, src, dst, b.w);
         convert.copy_luma(b);
-        for (std::ptrdiff_t y = b.begin; y < b.end; ++y) convert.convert(b, y);
+        const repacker whole(p, src, dst, b);
+        if (whole.convert_run()) return;
+        for (std::ptrdiff_t y = b.begin; y < b.end; ++y)
+            if (const std::ptrdiff_t x = whole.convert(y); x < b.w) convert.convert(b, x, y);
     }
 }
 }  // namespace zelt::inline ZELT_LEVEL::video

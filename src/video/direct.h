@@ -19,24 +19,10 @@ struct shared_rows {
 };
 
 #if ZELT_SIMD
-/// The pixels from x on
-template <class Order> struct pixels_at {
-    std::ptrdiff_t x;
-
-    /// What op(p) deals with, so many bytes for each two pixels
-    template <int Bytes, class P, class Op> void deal(P* p, Op op) const {
-        op(p + (Bytes % 2 ? Bytes * (x >> 1) : Bytes / 2 * x));
-    }
-    template <class... V> void store(u8* plane, V... v) const { Order::store(plane + sizeof...(V) * x, v...); }
-};
-/// The next pixels of planes that step on
-template <class Order> struct next_pixels {
-    template <int, class P, class Op> void deal(P*& p, Op op) const {
-        p = op(p);
-        hide_step_from_optimizer(p);
-    }
+/// A place for what destinations put
+template <class Order, class Place> struct in_order_of : Place {
     template <class... V> void store(u8*& plane, V... v) const {
-        deal<0>(plane, [=](u8* p) { return Order::store(p, v...); });
+        Place::template deal<2 * sizeof...(V)>(plane, [=](u8* p) { return Order::store(p, v...); });
     }
 };
 
@@ -56,6 +42,7 @@ template <sharing Sharing, int Rows, class Dest> struct shared_pixels {
 
     /// A register of them
     template <class Place> [[gnu::always_inline]] void convert(const matrix& m, Place place) {
+        const in_order_of<order, Place> dealt{place};
         s16x2n y[Rows];
         s16xn d, e, r, g, b;
         load(place, y, d, e);
@@ -66,9 +53,9 @@ template <sharing Sharing, int Rows, class Dest> struct shared_pixels {
             const auto sum = [&](s16xn c) { return order::narrow_q6(add_sat(term, {c, c})); };
             if constexpr (Sharing == sharing::grey) {
                 const u8xn v = order::narrow_q6(term + m.constant);
-                out[i].put(place, pixel<u8xn>{v, v, v, csc::opaque<u8xn>});
+                out[i].put(dealt, pixel<u8xn>{v, v, v, csc::opaque<u8xn>});
             } else {
-                out[i].put(place, pixel<u8xn>{sum(r), sum(g), sum(b), csc::opaque<u8xn>});
+                out[i].put(dealt, pixel<u8xn>{sum(r), sum(g), sum(b), csc::opaque<u8xn>});
             }
         }
     }
@@ -96,18 +83,16 @@ private:
 
 template <sharing Sharing, int Rows, class Dest> void put_shared(const matrix& given, shared_rows r) {
     using row = shared_pixels<Sharing, Rows, Dest>;
-    using order = typename row::order;
     constexpr std::ptrdiff_t step = lanes;
     const matrix m = given;
     for (; r.count > 0; --r.count) {
         if constexpr (loads_step) {
             row next(r);
-            for (std::ptrdiff_t n = r.pixels / step; n != 0; --n) next.convert(m, next_pixels<order>{});
-            if (r.pixels % step) row(r).convert(m, pixels_at<order>{r.pixels - step});
+            for (std::ptrdiff_t n = r.pixels / step; n != 0; --n) next.convert(m, next_pixels{});
+            if (r.pixels % step) row(r).convert(m, pixels_at{r.pixels - step});
         } else {
             row all(r);
-            for (std::ptrdiff_t x = 0; x < r.pixels; x += step)
-                all.convert(m, pixels_at<order>{std::min(x, r.pixels - step)});
+            for (std::ptrdiff_t x = 0; x < r.pixels; x += step) all.convert(m, pixels_at{std::min(x, r.pixels - step)});
         }
         r.luma += Rows * r.luma_stride;
         for (int i = 0; i < 2; ++i) r.chroma[i] += r.chroma_stride[i];

@@ -11,15 +11,20 @@ public:
     /// Luma of all rows, between planes of it
     void copy_luma(const band& b) {
         if (packed()) return;
+        if (dst_.s[0] == b.w && src_.s[0] == b.w) {  // no gaps: one run
+            copy(dst_.row(0, b.begin), src_.row(0, b.begin), static_cast<std::size_t>(b.w * (b.end - b.begin)));
+            return;
+        }
         for (std::ptrdiff_t y = b.begin; y < b.end; ++y)
             copy(dst_.row(0, y), src_.row(0, y), static_cast<std::size_t>(b.w));
     }
-    void convert(const band& b, std::ptrdiff_t y) {
+    /// A row from pixel x on, which is even
+    void convert(const band& b, std::ptrdiff_t x, std::ptrdiff_t y) {
         const format &from = src_.format, &to = dst_.format;
         const bool with_chroma = to.kind != kind::grey && !(to.half_h && y % 2);
         if (!with_chroma && !packed()) return;
         const pair_of_rows rows = rows_for(y, b.h, from.half_h, to.half_h, plan_.smooth);
-        for_strips(0, b.w, [&](strip s) {
+        for_strips(x, b.w, [&](strip s) {
             if (with_chroma) put_chroma(rows, to.half_h ? y / 2 : y, s);
             if (packed()) put_luma(y, s);
         });

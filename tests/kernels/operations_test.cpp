@@ -87,6 +87,7 @@ TEST(operations, of_bytes) {
     BYTES(48, store3(out, x, y, x + y));
     BYTES(64, store4(out, x, y, x + y, x - y));
     BYTES(16, store(out, shift_insert<1>(x, y) ^ shift_insert<7>(y, x)));
+    BYTES(16, store(out, average(x, y)));
     BYTES(16, store(out, shift_insert<3>(x, y) ^ shift_insert<5>(y, x)));
 
 #define WIDENED(...) BYTES(32, store_widened(words(out), __VA_ARGS__))
