@@ -11,20 +11,23 @@ using namespace fast;
 
 constexpr int strip_pairs = 512;
 
+/// Keeps compilers from vectorising what registers leave, and what is rare.
+inline std::ptrdiff_t one_by_one(std::ptrdiff_t i) { return sizeof(widest) > 1 ? hide_from_optimizer(i) : i; }
+
 /// Calls body(V{}, i) for all of n elements, by registers if there are enough; the last one may overlap the one before.
-template <class Body> void for_each(std::ptrdiff_t n, Body body) {
+template <class Body> [[gnu::always_inline]] inline void for_each(std::ptrdiff_t n, const Body& body) {
     constexpr std::ptrdiff_t step = sizeof(widest);
     if (step > 1 && n >= step)
         for (std::ptrdiff_t i = 0; i < n; i += step) body(widest{}, std::min(i, n - step));
     else
-        for (std::ptrdiff_t i = 0; i < n; ++i) body(u8{}, i);
+        for (std::ptrdiff_t i = 0; i < n; ++i) body(u8{}, one_by_one(i));
 }
 /// The same of pixels, where registers begin at even ones
-template <class Body> void for_pixels(std::ptrdiff_t n, Body body) {
+template <class Body> [[gnu::always_inline]] inline void for_pixels(std::ptrdiff_t n, const Body& body) {
     constexpr std::ptrdiff_t step = sizeof(widest);
     const std::ptrdiff_t whole = step > 1 && n >= step ? n & -2 : 0;
     for (std::ptrdiff_t x = 0; x < whole; x += step) body(widest{}, std::min(x, whole - step));
-    for (std::ptrdiff_t x = whole; x < n; ++x) body(u8{}, x);
+    for (std::ptrdiff_t x = whole; x < n; ++x) body(u8{}, one_by_one(x));
 }
 
 #if ZELT_SIMD
@@ -77,13 +80,13 @@ template <class V> wide_of<V> words_at(const s16* p) {
     return v;
 }
 /// Quarters as they are
-template <bool Halves> struct quarters {
-    static constexpr bool halves = Halves;
+struct single {
+    static constexpr int rows = 1;
+    static constexpr bool halves = false;
     const s16 *first, *second;
-    template <class V> void centred(std::ptrdiff_t i, wide_of<V>& d, wide_of<V>& e) const {
-        constexpr int shift = halves ? 5 : 6;
-        d = (words_at<V>(first + i) << shift) + -(512 << shift);
-        e = (words_at<V>(second + i) << shift) + -(512 << shift);
+    template <class V> void centred(std::ptrdiff_t i, wide_of<V>* d, wide_of<V>* e) const {
+        *d = (words_at<V>(first + i) << 6) + -(512 << 6);
+        *e = (words_at<V>(second + i) << 6) + -(512 << 6);
     }
     template <class V> static void put(s16* p, wide_of<V> v) { store_words(p, v); }
     template <class V> void bytes(std::ptrdiff_t i, V& a, V& b) const {
@@ -91,9 +94,24 @@ template <bool Halves> struct quarters {
         b = narrow_ordered((words_at<V>(second + i) + 2) >> 2);
     }
 };
-using single = quarters<false>;
-/// For the sum with the neighbour's
-using halved = quarters<true>;
+/// Sums of two rows, for those with the neighbour's: Near + Far is 4. Of two rows between them the second one is nearer
+/// to the other.
+template <int Near, int Far, int Rows, class Samples> struct between_rows {
+    static constexpr int rows = Rows;
+    static constexpr bool halves = true;
+    Samples near, far;
+    template <class V> void centred(std::ptrdiff_t i, wide_of<V>* d, wide_of<V>* e) const {
+        V u, v, u_far, v_far;
+        near.bytes(i, u, v), far.bytes(i, u_far, v_far);
+        d[0] = dot<32 * Near, 32 * Far>(u, u_far) + -(512 << 5);
+        e[0] = dot<32 * Near, 32 * Far>(v, v_far) + -(512 << 5);
+        if constexpr (Rows == 2) {
+            d[1] = dot<32 * Far, 32 * Near>(u, u_far) + -(512 << 5);
+            e[1] = dot<32 * Far, 32 * Near>(v, v_far) + -(512 << 5);
+        }
+    }
+    template <class V> static void put(s16* p, wide_of<V> v) { store_widened(p, v); }
+};
 
 /// The mean of even and odd samples
 struct mean {
@@ -114,22 +132,24 @@ struct doubled {
 
 /// Two planes as they are
 struct plane_samples {
+    static constexpr int rows = 1;
     static constexpr bool halves = false;
     const u8 *u, *v;
-    template <class V> void centred(std::ptrdiff_t i, wide_of<V>& d, wide_of<V>& e) const {
+    template <class V> void centred(std::ptrdiff_t i, wide_of<V>* d, wide_of<V>* e) const {
         V a, b;
         bytes(i, a, b);
-        d = (widen(a) + -128) << 8, e = (widen(b) + -128) << 8;
+        *d = (widen(a) + -128) << 8, *e = (widen(b) + -128) << 8;
     }
     template <class V> static void put(s16* p, wide_of<V> v) { store_widened(p, v); }
     template <class V> void bytes(std::ptrdiff_t i, V& a, V& b) const { load(u + i, a), load(v + i, b); }
 };
 /// One plane of both
 template <bool VFirst> struct paired_samples {
+    static constexpr int rows = 1;
     static constexpr bool halves = false;
     const u8* uv;
-    template <class V> void centred(std::ptrdiff_t i, wide_of<V>& d, wide_of<V>& e) const {
-        VFirst ? load_centred2(uv + 2 * i, e, d) : load_centred2(uv + 2 * i, d, e);
+    template <class V> void centred(std::ptrdiff_t i, wide_of<V>* d, wide_of<V>* e) const {
+        VFirst ? load_centred2(uv + 2 * i, *e, *d) : load_centred2(uv + 2 * i, *d, *e);
     }
     template <class V> static void put(s16* p, wide_of<V> v) { store_words(p, v); }
     template <class V> void bytes(std::ptrdiff_t i, V& a, V& b) const {
@@ -146,16 +166,19 @@ struct terms {
     alignas(64) s16 b[strip_pairs + 1];
 };
 
-template <class Chroma> void multiply(const matrix& given, Chroma c, terms& t, std::ptrdiff_t n) {
+/// Of as many rows as Chroma has
+template <class Chroma> void multiply(const matrix& given, Chroma c, terms* rows, std::ptrdiff_t n) {
     const matrix m = given;
     const int constant = Chroma::halves ? m.constant >> 1 : m.constant;
-    for_each(n, [=, &t](auto v, std::ptrdiff_t i) {
+    for_each(n, [=](auto v, std::ptrdiff_t i) {
         using V = decltype(v);
-        wide_of<V> d, e;
+        wide_of<V> d[Chroma::rows], e[Chroma::rows];
         c.template centred<V>(i, d, e);
-        c.template put<V>(t.r + i, m.red(d, e) + constant);
-        c.template put<V>(t.g + i, m.green(d, e) + constant);
-        c.template put<V>(t.b + i, m.blue(d, e) + constant);
+        for (int row = 0; row < Chroma::rows; ++row) {
+            c.template put<V>(rows[row].r + i, m.red(d[row], e[row]) + constant);
+            c.template put<V>(rows[row].g + i, m.green(d[row], e[row]) + constant);
+            c.template put<V>(rows[row].b + i, m.blue(d[row], e[row]) + constant);
+        }
     });
 }
 /// Of planes with chroma for each pixel

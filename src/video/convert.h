@@ -20,7 +20,7 @@ inline void convert_band(const plan& p, void* const* src_a, const s32* src_s, vo
         const std::ptrdiff_t x = convert_shared(p, src, dst, b);
         if (x == b.w) return;
         to_pixels convert(p, src, dst, b.w);
-        for (std::ptrdiff_t y = b.begin; y < b.end; ++y) convert.convert(b, x, y);
+        for (std::ptrdiff_t y = b.begin; y < b.end;) y += convert.convert(b, x, y);
     } else {
         to_yuv convert(p, src, dst, b.w);
         convert.copy_luma(b);

@@ -42,13 +42,21 @@ public:
             body(paired_samples<false>{paired(row, s, s.pairs(), near_)});
     }
 
+    /// Samples between two rows where they are halved across, for one row of pixels or for both between them
+    template <class Body> void between(pair_of_rows rows, bool both, strip s, Body body) {
+        if (!rows.apart)
+            between<2, 2, 1>(rows, s, body);
+        else
+            both ? between<3, 1, 2>(rows, s, body) : between<3, 1, 1>(rows, s, body);
+    }
+    /// How many samples there are for a strip and the pixel after it
+    std::ptrdiff_t with_next(strip s) const { return std::min(s.pairs() + 1, (w_ + 1 - s.x) / 2); }
+
     /// Makes the sums over the two rows.
     void add_up(pair_of_rows rows, strip s) { rows.apart ? add_up<3, 1>(rows, s) : add_up<2, 2>(rows, s); }
 
     /// Chroma halved across, U first or V
     single samples(bool v_first = false) const { return {even_[v_first], even_[!v_first]}; }
-    /// The same for sums with neighbours, one more than there are
-    halved halves() const { return {even_[0], even_[1]}; }
     /// Chroma of all pixels
     single odd_samples() const { return {odd_[0], odd_[1]}; }
     mean means(bool v_first) const { return {even_[v_first], odd_[v_first], even_[!v_first], odd_[!v_first]}; }
@@ -65,6 +73,21 @@ private:
         return scratch;
     }
 
+    template <int A, int B, int Rows, class Body> void between(pair_of_rows rows, strip s, Body body) {
+        if (src_.format.kind == kind::planar) {
+            const auto row = [&](std::ptrdiff_t y) { return plane_samples{plane(0, y, s), plane(1, y, s)}; };
+            body(between_rows<A, B, Rows, plane_samples>{row(rows.near), row(rows.far)});
+            return;
+        }
+        const std::ptrdiff_t n = with_next(s);
+        const u8* near = paired(rows.near, s, n, near_);
+        const u8* far = rows.far == rows.near ? near : paired(rows.far, s, n, far_);
+        if (v_first())
+            body(between_rows<A, B, Rows, paired_samples<true>>{{near}, {far}});
+        else
+            body(between_rows<A, B, Rows, paired_samples<false>>{{near}, {far}});
+    }
+
     template <int A, int B> void add_up(pair_of_rows rows, strip s) {
         if (!src_.format.half_w) {
             for (int c = 0; c < 2; ++c) {
@@ -77,7 +100,7 @@ private:
             return;
         }
         // and the next one, which in the last strip there is not
-        const std::ptrdiff_t n = s.pairs(), there = std::min(n + 1, (w_ + 1 - s.x) / 2);
+        const std::ptrdiff_t n = s.pairs(), there = with_next(s);
         if (src_.format.kind == kind::planar) {
             for (int c = 0; c < 2; ++c) weigh<A, B>(plane(c, rows.near, s), plane(c, rows.far, s), even_[c], there);
         } else {

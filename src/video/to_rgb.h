@@ -34,16 +34,19 @@ public:
         : plan_(p), src_(src), dst_(dst), chroma_of_(which_terms(p, src)), chroma_(src, w) {
         if (src.format.kind != kind::grey) return;
         const std::ptrdiff_t n = std::min<std::ptrdiff_t>(w / 2 + 1, strip_pairs);
-        for (s16* component : {even_.r, even_.g, even_.b}) std::fill_n(component, n, p.matrix.constant);
+        for (s16* component : {rows_[0].r, rows_[0].g, rows_[0].b}) std::fill_n(component, n, p.matrix.constant);
     }
 
-    /// A row from pixel x on, which is even
-    void convert(const band& b, std::ptrdiff_t x, std::ptrdiff_t y) {
+    /// Converts rows from pixel x on, which is even: as many as are given back.
+    std::ptrdiff_t convert(const band& b, std::ptrdiff_t x, std::ptrdiff_t y) {
         const pair_of_rows from = rows_for(y, b.h, src_.format.half_h, false, plan_.smooth);
+        const bool both = chroma_of_ == chroma_of::neighbours && from.apart && y % 2 == 1 && y + 1 < b.end;
         for_strips(x, b.w, [&](strip s) {
-            make_terms(from, s);
-            put(y, s);
+            make_terms(from, both, s);
+            put(y, rows_[0], s);
+            if (both) put(y + 1, rows_[1], s);
         });
+        return 1 + both;
     }
 
 private:
@@ -52,23 +55,32 @@ private:
         if (!src.format.half_w) return chroma_of::pixel;
         return p.smooth ? chroma_of::neighbours : chroma_of::pair;
     }
-    void make_terms(pair_of_rows from, strip s) {
+    void make_terms(pair_of_rows from, bool both, strip s) {
         if (src_.format.kind == kind::grey) return;
         const std::ptrdiff_t n = s.pairs();
         const matrix& m = plan_.matrix;
         if (chroma_of_ == chroma_of::pixel && from.near == from.far)
-            return multiply(m, chroma_.plane(0, from.near, s), chroma_.plane(1, from.near, s), even_, odd_, s.pixels);
+            return multiply(m, chroma_.plane(0, from.near, s), chroma_.plane(1, from.near, s), rows_[0], rows_[1],
+                            s.pixels);
         if (chroma_of_ == chroma_of::pair && src_.format.kind == kind::paired && src_.format.second)
-            return multiply(m, paired_samples<true>{src_.row(1, from.near) + s.x}, even_, n);
+            return multiply(m, paired_samples<true>{src_.row(1, from.near) + s.x}, &rows_[0], n);
         if (chroma_of_ == chroma_of::pair)
-            return chroma_.samples(from.near, s, [&](auto c) { multiply(m, c, even_, n); });
+            return chroma_.samples(from.near, s, [&](auto c) { multiply(m, c, &rows_[0], n); });
+        if (chroma_of_ == chroma_of::neighbours) {
+            const std::ptrdiff_t there = chroma_.with_next(s);
+            terms* const rows = rows_;
+            chroma_.between(from, both, s, [=, &m](auto c) { multiply(m, c, rows, there); });
+            if (there == n)
+                for (int i = 0; i <= both; ++i)
+                    for (s16* component : {rows[i].r, rows[i].g, rows[i].b}) component[n] = component[n - 1];
+            return;
+        }
         chroma_.add_up(from, s);
-        if (chroma_of_ == chroma_of::neighbours) return multiply(m, chroma_.halves(), even_, n + 1);
-        multiply(m, chroma_.samples(), even_, n);
-        if (chroma_of_ == chroma_of::pixel) multiply(m, chroma_.odd_samples(), odd_, n);
+        multiply(m, chroma_.samples(), &rows_[0], n);
+        if (chroma_of_ == chroma_of::pixel) multiply(m, chroma_.odd_samples(), &rows_[1], n);
     }
 
-    void put(std::ptrdiff_t y, strip s) {
+    void put(std::ptrdiff_t y, const terms& even, strip s) {
         const u8* luma = src_.row(0, y) + s.x;
         if (src_.format.kind == kind::packed) {
             take(src_.row(0, y) + 2 * s.x, src_.format.second, luma_, s.pixels);
@@ -77,14 +89,14 @@ private:
         const writer& rgb = *dst_.format.rgb;
         u8* p[3];
         for (int i = 0; i < rgb.planes; ++i) p[i] = dst_.row(i, y) + s.x * rgb.step[i];
-        rgb.put[static_cast<int>(chroma_of_)](even_, odd_, plan_.matrix.luma, luma, p, s.pixels);
+        rgb.put[static_cast<int>(chroma_of_)](even, rows_[1], plan_.matrix.luma, luma, p, s.pixels);
     }
 
     const plan& plan_;
     const picture &src_, &dst_;
     const chroma_of chroma_of_;
     chroma_reader chroma_;
-    terms even_, odd_;
+    terms rows_[2];  // of two rows of pixels, or of the even and the odd pixels of one
     u8 luma_[2 * strip_pairs];
 };
 }  // namespace zelt::inline ZELT_LEVEL::video
