@@ -144,6 +144,16 @@ template <int A, int B, int C> s16x2n dot_q10(s16x2n u, s16x2n v, s16x2n w) {
     static_assert(dot_q10_fits(A, B, C));
     return make_words([=](int i) { return (A * sample(u, i) + B * sample(v, i) + C * sample(w, i) + 512) >> 10; });
 }
+inline void zip(u8xn& a, u8xn& b) {
+    u8 all[2 * lanes];
+    for (int i = 0; i < lanes; ++i) all[2 * i] = a[i], all[2 * i + 1] = b[i];
+    a = load_as<u8xn>(all), b = load_as<u8xn>(all + lanes);
+}
+inline void unzip(u8xn& a, u8xn& b) {
+    u8 all[2 * lanes];
+    std::memcpy(all, &a, lanes), std::memcpy(all + lanes, &b, lanes);
+    a = load_channel<2>(all, 0), b = load_channel<2>(all, 1);
+}
 inline u8xn average(u8xn a, u8xn b) {
     return make<u8xn>([=](int i) { return (a[i] + b[i] + 1) / 2; });
 }

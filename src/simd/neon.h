@@ -164,6 +164,14 @@ inline u8* store4(u8* p, u8xn a, u8xn b, u8xn c, u8xn d) {
 #endif
 #endif
 
+inline void zip(u8xn& a, u8xn& b) {
+    const uint8x16x2_t v = vzipq_u8((uint8x16_t)a, (uint8x16_t)b);
+    a = (u8xn)v.val[0], b = (u8xn)v.val[1];
+}
+inline void unzip(u8xn& a, u8xn& b) {
+    const uint8x16x2_t v = vuzpq_u8((uint8x16_t)a, (uint8x16_t)b);
+    a = (u8xn)v.val[0], b = (u8xn)v.val[1];
+}
 inline uint8x8_t low8(u8xn a) { return vget_low_u8((uint8x16_t)a); }
 inline uint8x8_t high8(u8xn a) { return vget_high_u8((uint8x16_t)a); }
 

@@ -39,6 +39,7 @@
 //   shift_add<N>(v, w)           v + (w >> N)
 //   shift_insert<N>(a, b)        of bytes, the high N bits of a above b >> N; N from 1 to 7
 //   dot_q10<A, B, C>(u, v, w)    (A u + B v + C w + 512) >> 10, where that fits 16 bits; as dot_q10_fits() says
+//   zip(a, b), unzip(a, b)       as storing with store2 and loading both registers, and as the other way round
 //   average(a, b)                of bytes, (a + b + 1) / 2
 //   any(mask)                    whether a byte is set, of bytes that are 0 or 255
 //

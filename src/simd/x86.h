@@ -113,6 +113,17 @@ inline void load2(const u8* p, u8xn& a, u8xn& b) {
     a = (u8xn)packus_epi16(v & 255, w & 255);
     b = (u8xn)packus_epi16(v >> 8, w >> 8);
 }
+inline void zip(u8xn& a, u8xn& b) {
+    const reg lo = unpacklo_epi8(a, b), hi = unpackhi_epi8(a, b);
+    a = (u8xn)lo, b = (u8xn)hi;
+#if ZELT_LANES == 32
+    a = (u8xn)_mm256_permute2x128_si256(lo, hi, 0x20), b = (u8xn)_mm256_permute2x128_si256(lo, hi, 0x31);
+#endif
+}
+inline void unzip(u8xn& a, u8xn& b) {
+    const u16xn v = (u16xn)a, w = (u16xn)b;
+    a = in_order(packus_epi16(v & 255, w & 255)), b = in_order(packus_epi16(v >> 8, w >> 8));
+}
 // Three channels: sample i of channel c is byte 3 i + c, so it stands at place (3 i + c) % 16 of whichever of three
 // registers; blends by the place modulo 3 sort registers, shuffles sort places. 11 is the inverse of 3 modulo 16.
 template <int Channel> constexpr byte_table<lanes> gather3 = per_place([](int i) { return (3 * i + Channel) % 16; });

@@ -35,14 +35,14 @@ template <class Body> [[gnu::always_inline]] inline void for_pixels(std::ptrdiff
 struct pixels_at {
     std::ptrdiff_t x;
 
-    /// What op(p) deals with, so many bytes for each two pixels
-    template <int Bytes, class P, class Op> void deal(P* p, Op op) const {
-        op(p + (Bytes % 2 ? Bytes * (x >> 1) : Bytes / 2 * x));
+    /// What op(p) deals with, so many bytes for each two pixels, after bytes that were dealt with here
+    template <int Bytes, int After = 0, class P, class Op> void deal(P* p, Op op) const {
+        op(p + (Bytes % 2 ? Bytes * (x >> 1) : Bytes / 2 * x) + After);
     }
 };
 /// The next pixels of planes that step on
 struct next_pixels {
-    template <int, class P, class Op> void deal(P*& p, Op op) const {
+    template <int, int = 0, class P, class Op> void deal(P*& p, Op op) const {
         p = op(p);
         hide_step_from_optimizer(p);
     }

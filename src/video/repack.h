@@ -13,77 +13,102 @@ template <class T> struct yuv_row { T *luma, *first, *second; };
 using repack_rows = void (*)(const yuv_row<const u8>* from, const yuv_row<u8>* to, std::ptrdiff_t pairs);
 
 #if ZELT_SIMD
-/// Registers of pairs of pixels
-struct pairs_of_pixels {
-    u8xn y0, first, y1, second;
+/// Chroma of `lanes` pairs of pixels: two channels, or to and from packed rows samples of both in turn
+struct chroma_registers {
+    u8xn first, second;
 };
 
 struct as_planes {
     static constexpr bool packed = false;
-    template <class Place> static void get(Place place, yuv_row<const u8>& r, pairs_of_pixels& v) {
+    template <bool InTurn, class Place> static void get(Place place, yuv_row<const u8>& r, chroma_registers& v) {
         place.template deal<1>(r.first, [&](const u8* p) { return load(p, v.first); });
         place.template deal<1>(r.second, [&](const u8* p) { return load(p, v.second); });
+        if (InTurn) zip(v.first, v.second);
     }
-    template <class Place> static void put(Place place, yuv_row<u8>& r, const pairs_of_pixels& v) {
+    template <bool InTurn, class Place> static void put(Place place, yuv_row<u8>& r, chroma_registers v) {
+        if (InTurn) unzip(v.first, v.second);
         place.template deal<1>(r.first, [&](u8* p) { return store(p, v.first); });
         place.template deal<1>(r.second, [&](u8* p) { return store(p, v.second); });
     }
 };
 struct as_pairs {
     static constexpr bool packed = false;
-    template <class Place> static void get(Place place, yuv_row<const u8>& r, pairs_of_pixels& v) {
-        place.template deal<2>(r.first, [&](const u8* p) { return load2(p, v.first, v.second); });
+    template <bool InTurn, class Place> static void get(Place place, yuv_row<const u8>& r, chroma_registers& v) {
+        if constexpr (InTurn) {
+            place.template deal<2>(r.first, [&](const u8* p) { return load(p, v.first); });
+            place.template deal<2, lanes>(r.first, [&](const u8* p) { return load(p, v.second); });
+        } else {
+            place.template deal<2>(r.first, [&](const u8* p) { return load2(p, v.first, v.second); });
+        }
     }
-    template <class Place> static void put(Place place, yuv_row<u8>& r, const pairs_of_pixels& v) {
-        place.template deal<2>(r.first, [&](u8* p) { return store2(p, v.first, v.second); });
+    template <bool InTurn, class Place> static void put(Place place, yuv_row<u8>& r, chroma_registers v) {
+        if constexpr (InTurn) {
+            place.template deal<2>(r.first, [&](u8* p) { return store(p, v.first); });
+            place.template deal<2, lanes>(r.first, [&](u8* p) { return store(p, v.second); });
+        } else {
+            place.template deal<2>(r.first, [&](u8* p) { return store2(p, v.first, v.second); });
+        }
     }
 };
 struct as_swapped_pairs : as_pairs {
-    template <class Place> static void put(Place place, yuv_row<u8>& r, const pairs_of_pixels& v) {
-        as_pairs::put(place, r, {v.y0, v.second, v.y1, v.first});
+    template <bool InTurn, class Place> static void put(Place place, yuv_row<u8>& r, chroma_registers v) {
+        as_pairs::put<InTurn>(place, r, {v.second, v.first});
     }
 };
+/// And of luma, which is from or for planes
 template <bool LumaSecond> struct as_packed {
     static constexpr bool packed = true;
-    template <class Place> static void get(Place place, yuv_row<const u8>& r, pairs_of_pixels& v) {
-        place.template deal<4>(r.first, [&](const u8* p) {
-            return LumaSecond ? load4(p, v.first, v.y0, v.second, v.y1) : load4(p, v.y0, v.first, v.y1, v.second);
-        });
+    template <class Place> static void get(Place place, yuv_row<const u8>& r, yuv_row<u8>& luma, chroma_registers& v) {
+        const auto half = [&]<int After>(std::integral_constant<int, After>, u8xn& chroma) {
+            u8xn y;
+            place.template deal<4, 2 * After>(
+                r.first, [&](const u8* p) { return LumaSecond ? load2(p, chroma, y) : load2(p, y, chroma); });
+            place.template deal<2, After>(luma.luma, [&](u8* p) { return store(p, y); });
+        };
+        half(std::integral_constant<int, 0>{}, v.first), half(std::integral_constant<int, lanes>{}, v.second);
     }
-    template <class Place> static void put(Place place, yuv_row<u8>& r, const pairs_of_pixels& v) {
-        place.template deal<4>(r.first, [&](u8* p) {
-            return LumaSecond ? store4(p, v.first, v.y0, v.second, v.y1) : store4(p, v.y0, v.first, v.y1, v.second);
-        });
+    template <class Place> static void put(Place place, yuv_row<u8>& r, yuv_row<const u8>& luma, chroma_registers v) {
+        const auto half = [&]<int After>(std::integral_constant<int, After>, u8xn chroma) {
+            u8xn y;
+            place.template deal<2, After>(luma.luma, [&](const u8* p) { return load(p, y); });
+            place.template deal<4, 2 * After>(
+                r.first, [&](u8* p) { return LumaSecond ? store2(p, chroma, y) : store2(p, y, chroma); });
+        };
+        half(std::integral_constant<int, 0>{}, v.first), half(std::integral_constant<int, lanes>{}, v.second);
     }
 };
 
 /// One row to one row, or the mean of the chroma of two
 template <class From, class To, int Rows>
 void repack(const yuv_row<const u8>* from, const yuv_row<u8>* to, std::ptrdiff_t pairs) {
-    const auto turn = [](auto place, yuv_row<const u8>* src, yuv_row<u8>* dst) __attribute__((always_inline)) {
-        pairs_of_pixels v[Rows];
-        for (int i = 0; i < Rows; ++i) {
-            From::get(place, src[i], v[i]);
-            if constexpr (To::packed)
-                place.template deal<2>(src[i].luma, [&](const u8* p) { return load2(p, v[i].y0, v[i].y1); });
-            if constexpr (From::packed)
-                place.template deal<2>(dst[i].luma, [&](u8* p) { return store2(p, v[i].y0, v[i].y1); });
-        }
-        if constexpr (Rows == 2)
-            v[0].first = average(v[0].first, v[1].first), v[0].second = average(v[0].second, v[1].second);
-        To::put(place, *dst, v[0]);
+    yuv_row<const u8> src = from[0], next_src = from[1];
+    yuv_row<u8> dst = to[0], next_dst = to[1];
+    const auto get = [](auto place, auto& row, auto& luma) __attribute__((always_inline)) {
+        chroma_registers v;
+        if constexpr (From::packed)
+            From::get(place, row, luma, v);
+        else
+            From::template get<To::packed>(place, row, v);
+        return v;
     };
-    yuv_row<const u8> src[Rows];
-    yuv_row<u8> dst[Rows];
-    const auto start = [&] { std::copy_n(from, Rows, src), std::copy_n(to, Rows, dst); };
-    start();
+    const auto turn = [&](auto place) __attribute__((always_inline)) {
+        chroma_registers v = get(place, src, dst);
+        if constexpr (Rows == 2) {
+            const chroma_registers w = get(place, next_src, next_dst);
+            v = {average(v.first, w.first), average(v.second, w.second)};
+        }
+        if constexpr (To::packed)
+            To::put(place, dst, src, v);
+        else
+            To::template put<From::packed>(place, dst, v);
+    };
     if constexpr (loads_step) {
-        for (std::ptrdiff_t n = pairs / lanes; n != 0; --n) turn(next_pixels{}, src, dst);
+        for (std::ptrdiff_t n = pairs / lanes; n != 0; --n) turn(next_pixels{});
         if (pairs % lanes == 0) return;
-        start();
-        turn(pixels_at{2 * (pairs - lanes)}, src, dst);
+        src = from[0], next_src = from[1], dst = to[0], next_dst = to[1];
+        turn(pixels_at{2 * (pairs - lanes)});
     } else {
-        for (std::ptrdiff_t i = 0; i < pairs; i += lanes) turn(pixels_at{2 * std::min(i, pairs - lanes)}, src, dst);
+        for (std::ptrdiff_t i = 0; i < pairs; i += lanes) turn(pixels_at{2 * std::min(i, pairs - lanes)});
     }
 }
 /// The same format

@@ -86,6 +86,11 @@ TEST(operations, of_bytes) {
     BYTES(32, store2(out, x, y));
     BYTES(48, store3(out, x, y, x + y));
     BYTES(64, store4(out, x, y, x + y, x - y));
+    for (const memory& bytes : {xs, ys}) {  // two registers that follow one another
+        SAME(whole, 32, 32, bytes, bytes, u8xn x, y; load2(a, x, y), zip(x, y); store_16(out, {(s16xn)x, (s16xn)y}));
+        SAME(whole, 32, 32, bytes, bytes, s16x2n v; load_16(a, v); u8xn x = (u8xn)v.lo, y = (u8xn)v.hi; unzip(x, y);
+             store2(out, x, y));
+    }
     BYTES(16, store(out, shift_insert<1>(x, y) ^ shift_insert<7>(y, x)));
     BYTES(16, store(out, average(x, y)));
     BYTES(16, store(out, shift_insert<3>(x, y) ^ shift_insert<5>(y, x)));
