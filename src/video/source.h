@@ -42,12 +42,9 @@ public:
             body(paired_samples<false>{paired(row, s, s.pairs(), near_)});
     }
 
-    /// Samples between two rows where they are halved across, for one row of pixels or for both between them
-    template <class Body> void between(pair_of_rows rows, bool both, strip s, Body body) {
-        if (!rows.apart)
-            between<2, 2, 1>(rows, s, body);
-        else
-            both ? between<3, 1, 2>(rows, s, body) : between<3, 1, 1>(rows, s, body);
+    /// Samples of two rows where they are halved across: if those are apart for both rows of pixels between them
+    template <class Body> void between(pair_of_rows rows, strip s, Body body) {
+        rows.apart ? between<3, 1, 2>(rows, s, body) : between<2, 2, 1>(rows, s, body);
     }
     /// How many samples there are for a strip and the pixel after it
     std::ptrdiff_t with_next(strip s) const { return std::min(s.pairs() + 1, (w_ + 1 - s.x) / 2); }

@@ -42,7 +42,7 @@ public:
         const pair_of_rows from = rows_for(y, b.h, src_.format.half_h, false, plan_.smooth);
         const bool both = chroma_of_ == chroma_of::neighbours && from.apart && y % 2 == 1 && y + 1 < b.end;
         for_strips(x, b.w, [&](strip s) {
-            make_terms(from, both, s);
+            make_terms(from, s);
             put(y, rows_[0], s);
             if (both) put(y + 1, rows_[1], s);
         });
@@ -55,7 +55,7 @@ private:
         if (!src.format.half_w) return chroma_of::pixel;
         return p.smooth ? chroma_of::neighbours : chroma_of::pair;
     }
-    void make_terms(pair_of_rows from, bool both, strip s) {
+    void make_terms(pair_of_rows from, strip s) {
         if (src_.format.kind == kind::grey) return;
         const std::ptrdiff_t n = s.pairs();
         const matrix& m = plan_.matrix;
@@ -69,9 +69,9 @@ private:
         if (chroma_of_ == chroma_of::neighbours) {
             const std::ptrdiff_t there = chroma_.with_next(s);
             terms* const rows = rows_;
-            chroma_.between(from, both, s, [=, &m](auto c) { multiply(m, c, rows, there); });
+            chroma_.between(from, s, [=, &m](auto c) { multiply(m, c, rows, there); });
             if (there == n)
-                for (int i = 0; i <= both; ++i)
+                for (int i = 0; i <= from.apart; ++i)
                     for (s16* component : {rows[i].r, rows[i].g, rows[i].b}) component[n] = component[n - 1];
             return;
         }
