@@ -15,7 +15,7 @@ struct shared_rows {
     const u8 *luma, *chroma[2];
     u8* out[3];
     std::ptrdiff_t luma_stride, chroma_stride[2], out_stride[3];
-    std::ptrdiff_t pixels, count;  // of rows, or of pairs of them
+    std::ptrdiff_t pixels, count;  // of rows, or of pairs of them; 1 or more
 };
 
 #if ZELT_SIMD
@@ -85,7 +85,7 @@ template <sharing Sharing, int Rows, class Dest> void put_shared(const matrix& g
     using row = shared_pixels<Sharing, Rows, Dest>;
     constexpr std::ptrdiff_t step = lanes;
     const matrix m = given;
-    for (; r.count > 0; --r.count) {
+    for (;;) {
         if constexpr (loads_step) {
             row next(r);
             for (std::ptrdiff_t n = r.pixels / step; n != 0; --n) next.convert(m, next_pixels{});
@@ -94,6 +94,7 @@ template <sharing Sharing, int Rows, class Dest> void put_shared(const matrix& g
             row all(r);
             for (std::ptrdiff_t x = 0; x < r.pixels; x += step) all.convert(m, pixels_at{std::min(x, r.pixels - step)});
         }
+        if (--r.count == 0) return;  // strides lead nowhere after the last row
         r.luma += Rows * r.luma_stride;
         for (int i = 0; i < 2; ++i) r.chroma[i] += r.chroma_stride[i];
         for (int i = 0; i < Dest::count; ++i) r.out[i] += Rows * r.out_stride[i];
