@@ -73,6 +73,14 @@ inline void store3(u8* p, u8xn a, u8xn b, u8xn c) { store_channels(p, a, b, c); 
 inline void store4(u8* p, u8xn a, u8xn b, u8xn c, u8xn d) { store_channels(p, a, b, c, d); }
 inline void load_16(const u8* p, s16x2n& v) { v = {load_as<s16xn>(p), load_as<s16xn>(p + 16)}; }
 inline void store_16(u8* p, s16x2n v) { std::memcpy(p, &v, sizeof v); }
+inline void load_even_odd_16(const u8* p, s16x2n& v) {
+    s16x2n in;
+    load_16(p, in);
+    v = make_words([=](int i) { return sample(in, i < 8 ? 2 * i : 2 * i - 15); });
+}
+inline void store_even_odd_16(u8* p, s16x2n v) {
+    store_16(p, make_words([=](int i) { return sample(v, i % 2 * 8 + i / 2); }));
+}
 inline void store_widened(s16* p, s16x2n v) { std::memcpy(p, &v, sizeof v); }
 
 inline s16x2n widen(u8xn a) {

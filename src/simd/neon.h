@@ -368,6 +368,16 @@ inline u8* store_16(u8* p, s16x2n a) {
     vst1q_u8(p, (uint8x16_t)a.hi);
     return p + 16;
 }
+// From and to bytes, which may stand at any address
+inline void load_even_odd_16(const u8* p, s16x2n& a) {
+    load_16(p, a);
+    const uint16x8x2_t v = vuzpq_u16((uint16x8_t)a.lo, (uint16x8_t)a.hi);
+    a = {(s16xn)v.val[0], (s16xn)v.val[1]};
+}
+inline void store_even_odd_16(u8* p, s16x2n a) {
+    const uint16x8x2_t v = vzipq_u16((uint16x8_t)a.lo, (uint16x8_t)a.hi);
+    store_16(p, {(s16xn)v.val[0], (s16xn)v.val[1]});
+}
 inline void store_widened(s16* p, s16x2n a) { vst1q_s16(p, (int16x8_t)a.lo), vst1q_s16(p + 8, (int16x8_t)a.hi); }
 
 template <int A, int B, int C> int32x4_t add_products(int16x4_t a, int16x4_t b, int16x4_t c) {

@@ -17,6 +17,8 @@
 //   load, load2, load3, load4    `lanes` samples of 1 to 4 interleaved channels; store, store2, store3, store4 alike
 //   load_next<N>(p, v)           N registers that follow one another; p is then beyond them
 //   load_16, store_16            `lanes` samples of 16 bits in memory order
+//   load_even_odd_16, store_even_odd_16
+//                                the same in even-odd order, which is that of two channels in turn
 //   store_widened(p, v)          samples of 16 bits, widened to memory
 //   splat(int)                   an s16x2n of one value
 //   widen                        bytes to words, memory to widened; so are difference, dot and centred_product

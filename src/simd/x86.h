@@ -176,6 +176,14 @@ inline void store4(u8* p, u8xn a, u8xn b, u8xn c, u8xn d) {
 }
 inline void load_16(const u8* p, s16x2n& v) { v = {(s16xn)load_register(p), (s16xn)load_register(p + lanes)}; }
 inline void store_16(u8* p, s16x2n v) { store_register(p, (u8xn)v.lo), store_register(p + lanes, (u8xn)v.hi); }
+inline void load_even_odd_16(const u8* p, s16x2n& v) {
+    static constexpr byte_table<lanes> apart = per_place([](int i) { return i % 8 / 2 * 4 + i / 8 * 2 + i % 2; });
+    const reg x = shuffle_epi8(load_blocks(p, 32), reg(apart)), y = shuffle_epi8(load_blocks(p + 16, 32), reg(apart));
+    v = {(s16xn)unpacklo_epi64(x, y), (s16xn)unpackhi_epi64(x, y)};
+}
+inline void store_even_odd_16(u8* p, s16x2n v) {
+    store_blocks(p, unpacklo_epi16(v.lo, v.hi), unpackhi_epi16(v.lo, v.hi));
+}
 inline void store_widened(s16* p, s16x2n v) { store_blocks(reinterpret_cast<u8*>(p), v.lo, v.hi); }
 
 /// Of each 16 bytes the low and the high half

@@ -151,6 +151,9 @@ TEST(operations, of_words) {
     ORDERED(narrow_ordered(v));
     ORDERED(narrow_q6_ordered(v - ((v >> 14) << 14)));
     ORDERED(low_q2_ordered(v));
+    SAME(whole, 32, 16, all_words, all_words, s16x2n v; load_even_odd_16(a, v); to(out, v.lo ^ (v.hi >> 1)));
+    SAME(whole, 16, 32, all_words, random_words(1 << 16, 16), const s16x2n v{load_as<s16xn>(a), load_as<s16xn>(b)};
+         store_even_odd_16(out, v));
     SAME(whole, 16, 16, all_words, random_words(1 << 16, 16), s16x2n v{load_as<s16xn>(a), load_as<s16xn>(b)};
          store(out, narrow_q6_even_odd(v)));
     SAME(whole, 16, 16, all_words, all_words, u8xn x; load(a, x); const s16x2n v = centred_even_odd(x);
