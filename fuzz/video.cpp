@@ -31,7 +31,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     v.matrix = value(in, 3), v.range = value(in, 2), v.chroma = value(in, 2);
     if (in.byte() == 255) v.reserved[in.byte() % 11] = in.wild();
     const auto below = [](int value, int count) { return value >= 0 && value < count; };
-    const bool supported = from && to && from->channels() && below(v.matrix, 3) && below(v.range, 2) &&
+    const bool supported = from && to && converts(*from, *to) && below(v.matrix, 3) && below(v.range, 2) &&
                            below(v.chroma, 2) && std::ranges::count(v.reserved, 0) == 11;
     fuzz::require(zelt_video_init(&v) == (supported ? ZELT_OK : ZELT_ERR_UNSUPPORTED));
     if (!supported) return 0;

@@ -184,6 +184,8 @@ template <int Step, bool Packed> struct pixels {
     static void load_packed(const u8* p, s16x2n& a, s16x2n& b) {
         a = centred_even_odd(load_channel<2>(p, 0)), b = centred_even_odd(load_channel<2>(p, 1));
     }
+    static void load_words(const u8* p, s16x2n& v) { load_even_odd_16(p, v); }
+    static void load_words(const u8* p, s16xn& v) { v = load_as<s16xn>(p); }
     static u8xn narrow_q6(s16x2n v) { return narrow_q6_even_odd(v); }
     static void store(u8* p, u8xn a) { std::memcpy(p, &a, sizeof a); }
     static void store(u8* p, u8xn a, u8xn b) { store2(p, a, b); }

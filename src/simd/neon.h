@@ -272,6 +272,30 @@ inline s16x2n mul_q15(s16x2n a, int b) {
             (s16xn)vqrdmulhq_lane_s16((int16x8_t)a.hi, factor, 0)};
 }
 
+inline const u8* load_16(const u8* p, s16x2n& a) {
+    a.lo = (s16xn)vld1q_u8(p), p += 16;
+    hide_step_from_optimizer(p);
+    a.hi = (s16xn)vld1q_u8(p);
+    return p + 16;
+}
+inline u8* store_16(u8* p, s16x2n a) {
+    vst1q_u8(p, (uint8x16_t)a.lo), p += 16;
+    hide_step_from_optimizer(p);
+    vst1q_u8(p, (uint8x16_t)a.hi);
+    return p + 16;
+}
+// From and to bytes, which may stand at any address
+inline const u8* load_even_odd_16(const u8* p, s16x2n& a) {
+    p = load_16(p, a);
+    const uint16x8x2_t v = vuzpq_u16((uint16x8_t)a.lo, (uint16x8_t)a.hi);
+    a = {(s16xn)v.val[0], (s16xn)v.val[1]};
+    return p;
+}
+inline u8* store_even_odd_16(u8* p, s16x2n a) {
+    const uint16x8x2_t v = vzipq_u16((uint16x8_t)a.lo, (uint16x8_t)a.hi);
+    return store_16(p, {(s16xn)v.val[0], (s16xn)v.val[1]});
+}
+
 /// In memory order
 template <int Step, bool Packed> struct pixels {
     static const u8* load_luma(const u8* p, s16x2n& y) {
@@ -295,6 +319,11 @@ template <int Step, bool Packed> struct pixels {
         p = load2(p, v, w);
         a = centred_even_odd(v), b = centred_even_odd(w);
         return p;
+    }
+    static const u8* load_words(const u8* p, s16x2n& v) { return load_even_odd_16(p, v); }
+    static const u8* load_words(const u8* p, s16xn& v) {
+        v = (s16xn)vld1q_u8(p);
+        return p + 16;
     }
     static u8xn narrow_q6(s16x2n v) { return narrow_q6_even_odd(v); }
     static u8* store(u8* p, u8xn a) { return vec::store(p, a); }
@@ -356,28 +385,6 @@ template <int A, int B, int C> s16x2n dot(triples v) {
             (s16xn)multiply_add<true, C>(add_products<true, A, B>(v.a, v.b), v.c)};
 }
 
-inline const u8* load_16(const u8* p, s16x2n& a) {
-    a.lo = (s16xn)vld1q_u8(p), p += 16;
-    hide_step_from_optimizer(p);
-    a.hi = (s16xn)vld1q_u8(p);
-    return p + 16;
-}
-inline u8* store_16(u8* p, s16x2n a) {
-    vst1q_u8(p, (uint8x16_t)a.lo), p += 16;
-    hide_step_from_optimizer(p);
-    vst1q_u8(p, (uint8x16_t)a.hi);
-    return p + 16;
-}
-// From and to bytes, which may stand at any address
-inline void load_even_odd_16(const u8* p, s16x2n& a) {
-    load_16(p, a);
-    const uint16x8x2_t v = vuzpq_u16((uint16x8_t)a.lo, (uint16x8_t)a.hi);
-    a = {(s16xn)v.val[0], (s16xn)v.val[1]};
-}
-inline void store_even_odd_16(u8* p, s16x2n a) {
-    const uint16x8x2_t v = vzipq_u16((uint16x8_t)a.lo, (uint16x8_t)a.hi);
-    store_16(p, {(s16xn)v.val[0], (s16xn)v.val[1]});
-}
 inline void store_widened(s16* p, s16x2n a) { vst1q_s16(p, (int16x8_t)a.lo), vst1q_s16(p + 8, (int16x8_t)a.hi); }
 
 template <int A, int B, int C> int32x4_t add_products(int16x4_t a, int16x4_t b, int16x4_t c) {

@@ -46,12 +46,16 @@
 //   any(mask)                    whether a byte is set, of bytes that are 0 or 255
 //
 // PIXELS of which two share chroma, `lanes` of them: pixels<Step, Packed>, where Step is the bytes of each that are
-// stored, and Packed says that they come from load_packed. Their order is even-odd or what the back end likes better.
+// stored, and Packed says that they come from load_packed or load_words. Their order is even-odd or what the back end
+// likes better.
 //   load_luma(p, y)              bytes to s16x2n: (a - 128) << 8, as everything that follows
 //   load_chroma(p, c)            lanes_16 bytes, of two pixels each, to s16xn
 //   load_chroma2(p, a, b)        the same of two channels in turn
 //   load_packed(p, a, b)         of each four bytes of two pixels the first and the third to lo and hi of a, the second
 //                                and the fourth to those of b
+//   load_words(p, v)             words as they are: to s16x2n those of each two pixels, or of two channels, the first
+//   to
+//                                lo, the second to hi; to s16xn one of each two pixels
 //   narrow_q6(v)                 v >> 6, with saturation to 0..255
 //   store(p, a, ...)             1 to 4 channels, in memory order
 //

@@ -242,11 +242,23 @@ template <int Step, bool Packed> struct pixels {
         a = v.lo, b = v.hi;
     }
     static void load_packed(const u8* p, s16x2n& a, s16x2n& b) {
+        s16x2n v;
+        load_words(p, v);
+        const s16x2n first = centred_even_odd((u8xn)v.lo), second = centred_even_odd((u8xn)v.hi);
+        a = {first.lo, second.lo}, b = {first.hi, second.hi};
+    }
+    static void load_words(const u8* p, s16x2n& even_odd) {
+        static_assert(Packed);
         const reg v = crossed ? cross_64((reg)load_register(p)) : load_blocks(p, 32);
         const reg w = crossed ? cross_64((reg)load_register(p + lanes)) : load_blocks(p + 16, 32);
-        const s16x2n first = centred_even_odd((u8xn)blend_epi16<0xAA>(v, (reg)((u32xn)w << 16)));
-        const s16x2n second = centred_even_odd((u8xn)blend_epi16<0xAA>((reg)((u32xn)v >> 16), w));
-        a = {first.lo, second.lo}, b = {first.hi, second.hi};
+        even_odd = {(s16xn)blend_epi16<0xAA>(v, (reg)((u32xn)w << 16)),
+                    (s16xn)blend_epi16<0xAA>((reg)((u32xn)v >> 16), w)};
+    }
+    static void load_words(const u8* p, s16xn& c) {
+        static constexpr byte_table<lanes> in_turn =
+            per_place([](int i) { return (i / 2 % 2 * 4 + i / 4) * 2 + i % 2; });
+        const reg v = (reg)load_register(p);
+        c = (s16xn)shuffle_epi8(crossed ? cross_32(v) : v, reg(in_turn));
     }
     static u8xn narrow_q6(s16x2n v) { return (u8xn)packus_epi16(v.lo >> 6, v.hi >> 6); }
 

@@ -14,7 +14,8 @@ namespace {
 s32 make_plan(const ZELT_VIDEO& v, plan& p) {
     const format *src = find(v.src_cs), *dst = find(v.dst_cs);
     const auto below = [](s32 value, s32 count) { return value >= 0 && value < count; };
-    if (!src || !dst || src->rgb || !below(v.matrix, 3) || !below(v.range, 2) || !below(v.chroma, 2))
+    if (!src || !dst || src->rgb || (dst->ten && !src->ten) || !below(v.matrix, 3) || !below(v.range, 2) ||
+        !below(v.chroma, 2))
         return ZELT_ERR_UNSUPPORTED;
     for (const s32 later : v.reserved)
         if (later) return ZELT_ERR_UNSUPPORTED;
@@ -22,7 +23,7 @@ s32 make_plan(const ZELT_VIDEO& v, plan& p) {
     p.dst = static_cast<s32>(dst - formats);
     p.smooth = v.chroma == ZELT_VIDEO_SMOOTH;
     p.as_csc = dst->rgb && v.src_cs == ZELT_CS_YUV444 && v.range == ZELT_VIDEO_FULL && v.matrix == ZELT_VIDEO_BT601;
-    p.matrix = matrices[v.matrix][v.range];
+    p.matrix = matrices.of[src->ten + (src->ten && dst->ten)][v.matrix][v.range];
     p.ready = 1;
     return ZELT_OK;
 }

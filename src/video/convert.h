@@ -1,4 +1,5 @@
 #pragma once  // from any source to any destination
+#include "video/from_ten.h"
 #include "video/repack.h"
 #include "video/to_rgb.h"
 #include "video/to_yuv.h"
@@ -16,9 +17,13 @@ inline void convert_band(const plan& p, void* const* src_a, const s32* src_s, vo
         }
         dst.format.rgb->full_range_bt601(from, static_cast<int>(b.w), static_cast<int>(b.end - b.begin), from_s, to,
                                          to_s);
+    } else if (src.format.ten && !dst.format.rgb) {
+        tens_to_yuv convert(p, src, dst, b.w);
+        for (std::ptrdiff_t y = b.begin; y < b.end; ++y) convert.convert(b, y);
     } else if (dst.format.rgb) {
         const std::ptrdiff_t x = convert_shared(p, src, dst, b);
         if (x == b.w) return;
+        if (src.format.ten) return tens_to_pixels(p, src, dst, b.w).convert(b, x);
         to_pixels convert(p, src, dst, b.w);
         for (std::ptrdiff_t y = b.begin; y < b.end;) y += convert.convert(b, x, y);
     } else {

@@ -6,8 +6,8 @@
 
 namespace zelt::inline ZELT_LEVEL::video {
 /// How luma and chroma lie
-enum class sharing { grey, planes, paired, paired_v_first, packed, packed_luma_second };
-constexpr int sharings = 6;
+enum class sharing { grey, planes, paired, paired_v_first, packed, packed_luma_second, ten_planes, ten_paired };
+constexpr int sharings = 8;
 
 /// Rows that share chroma, `pixels` of each, which are even; and their strides, those of luma and of the destination
 /// being the distance of neighbouring rows
@@ -28,7 +28,8 @@ template <class Order, class Place> struct in_order_of : Place {
 
 template <sharing Sharing, int Rows, class Dest> struct shared_pixels {
     static constexpr bool packed = Sharing == sharing::packed || Sharing == sharing::packed_luma_second;
-    using order = pixels<Dest::step[0], packed>;
+    static constexpr bool ten = Sharing == sharing::ten_planes || Sharing == sharing::ten_paired;
+    using order = pixels<Dest::step[0], packed || ten>;
 
     const u8 *luma[Rows], *chroma[2];
     Dest out[Rows];
@@ -69,6 +70,7 @@ private:
             y[0] = Sharing == sharing::packed ? first : second, d = c.lo, e = c.hi;
             return;
         }
+        if constexpr (ten) return load_tens(place, y, d, e);
         if constexpr (Sharing == sharing::planes) {
             place.template deal<1>(chroma[0], [&](const u8* p) { return order::load_chroma(p, d); });
             place.template deal<1>(chroma[1], [&](const u8* p) { return order::load_chroma(p, e); });
@@ -78,6 +80,22 @@ private:
         }
         for (int i = 0; i < Rows; ++i)
             place.template deal<2>(luma[i], [&](const u8* p) { return order::load_luma(p, y[i]); });
+    }
+    template <class Place> void load_tens(Place place, s16x2n (&y)[Rows], s16xn& d, s16xn& e) {
+        constexpr bool high = Sharing == sharing::ten_paired;
+        if constexpr (high) {
+            s16x2n c;
+            place.template deal<4>(chroma[0], [&](const u8* p) { return order::load_words(p, c); });
+            d = c.lo, e = c.hi;
+        } else {
+            place.template deal<2>(chroma[0], [&](const u8* p) { return order::load_words(p, d); });
+            place.template deal<2>(chroma[1], [&](const u8* p) { return order::load_words(p, e); });
+        }
+        d = centred_ten(d, high), e = centred_ten(e, high);
+        for (int i = 0; i < Rows; ++i) {
+            place.template deal<4>(luma[i], [&](const u8* p) { return order::load_words(p, y[i]); });
+            y[i] = centred_ten(y[i], high);
+        }
     }
 };
 
@@ -113,5 +131,7 @@ constexpr shared_converter shared_converters[sharings][2] = {
     {put_shared<sharing::paired, 1, Dest>, put_shared<sharing::paired, 2, Dest>},
     {put_shared<sharing::paired_v_first, 1, Dest>, put_shared<sharing::paired_v_first, 2, Dest>},
     {put_shared<sharing::packed, 1, Dest>},
-    {put_shared<sharing::packed_luma_second, 1, Dest>}};
+    {put_shared<sharing::packed_luma_second, 1, Dest>},
+    {put_shared<sharing::ten_planes, 1, Dest>, put_shared<sharing::ten_planes, 2, Dest>},
+    {put_shared<sharing::ten_paired, 1, Dest>, put_shared<sharing::ten_paired, 2, Dest>}};
 }  // namespace zelt::inline ZELT_LEVEL::video

@@ -8,8 +8,8 @@ enum class kind { grey, planar, paired, packed, rgb };
 /// What writes an RGB format
 struct writer {
     int planes;
-    const int* step;                                     // bytes per pixel in each plane
-    decltype(&put_row<rgb888, chroma_of::pair>) put[3];  // by chroma_of
+    const int* step;                                                  // bytes per pixel in each plane
+    decltype(&put_row<rgb888, chroma_of::pair>) put[3], put_tens[3];  // by chroma_of
     const shared_converter (*shared)[2];
     decltype(&csc::convert<planar<3>, csc::to_rgb, rgb888>) full_range_bt601;  // from 4:4:4
 };
@@ -18,8 +18,19 @@ constexpr writer writer_of = {
     Dest::count,
     Dest::step,
     {put_row<Dest, chroma_of::pair>, put_row<Dest, chroma_of::pixel>, put_row<Dest, chroma_of::neighbours>},
+    {put_row<Dest, chroma_of::pair, tens>, put_row<Dest, chroma_of::pixel, tens>,
+     put_row<Dest, chroma_of::neighbours, tens>},
     shared_converters<Dest>,
     csc::convert<planar<3>, csc::to_rgb, Dest>};
+template <>
+constexpr writer writer_of<r10g10b10> = {r10g10b10::count,
+                                         r10g10b10::step,
+                                         {},
+                                         {put_row<r10g10b10, chroma_of::pair, tens>,
+                                          put_row<r10g10b10, chroma_of::pixel, tens>,
+                                          put_row<r10g10b10, chroma_of::neighbours, tens>},
+                                         nullptr,
+                                         nullptr};
 
 struct format {
     s32 cs;
@@ -27,6 +38,7 @@ struct format {
     bool half_w = false, half_h = false;
     bool second = false;  // V comes first in pairs, or luma second in packed ones
     const writer* rgb = nullptr;
+    bool ten = false;  // words of 10 bits: in the low end of planes, in the high end of pairs
 };
 // clang-format off
 constexpr format formats[] = {
@@ -40,6 +52,11 @@ constexpr format formats[] = {
     {ZELT_CS_NV16,     kind::paired, true,  false},
     {ZELT_CS_YUYV,     kind::packed, true,  false},
     {ZELT_CS_UYVY,     kind::packed, true,  false, true},
+    {ZELT_CS_P010,     kind::planar, true,  true,  false, nullptr, true},
+    {ZELT_CS_P210,     kind::planar, true,  false, false, nullptr, true},
+    {ZELT_CS_P410,     kind::planar, false, false, false, nullptr, true},
+    {ZELT_CS_P010LE,   kind::paired, true,  true,  false, nullptr, true},
+    {ZELT_CS_P210LE,   kind::paired, true,  false, false, nullptr, true},
     {ZELT_CS_RGB888,   kind::rgb, false, false, false, &writer_of<rgb888>},
     {ZELT_CS_BGR888,   kind::rgb, false, false, false, &writer_of<bgr888>},
     {ZELT_CS_RGBA8888, kind::rgb, false, false, false, &writer_of<rgba8888>},
@@ -47,6 +64,7 @@ constexpr format formats[] = {
     {ZELT_CS_ARGB8888, kind::rgb, false, false, false, &writer_of<argb8888_packed>},
     {ZELT_CS_RGB565,   kind::rgb, false, false, false, &writer_of<rgb565>},
     {ZELT_CS_R8G8B8,   kind::rgb, false, false, false, &writer_of<planar<3>>},
+    {ZELT_CS_R10G10B10, kind::rgb, false, false, false, &writer_of<r10g10b10>, true},
 };
 // clang-format on
 

@@ -13,20 +13,34 @@ struct matrix {
     template <class W> W blue(W d, W) const { return mul_q15(d, blue_u); }
 };
 
-constexpr matrix make_matrix(double kr, double kb, bool full) {
-    const double kg = 1 - kr - kb, luma = full ? 1 : 255.0 / 219, chroma = full ? 1 : 255.0 / 224;
+/// What stands for 1 in 8 bits, and in 10 with 2 of them fractional
+constexpr double white(bool ten) { return ten ? 1023 / 4.0 : 255; }
+constexpr matrix make_matrix(double kr, double kb, bool full, bool from_ten, bool to_ten) {
+    const double kg = 1 - kr - kb;
+    const double luma = white(to_ten) / (full ? white(from_ten) : 219), chroma = luma * (full ? 1 : 219 / 224.0);
     const double red_v = 2 * (1 - kr) * chroma, blue_u = 2 * (1 - kb) * chroma;
-    const auto fixed = [](double v, int one) { return static_cast<s16>(v * one + (v < 0 ? -0.5 : 0.5)); };
-    // Luma is centred, too. Of full range the product of luma is exact, and those of chroma are rounded up as often as
-    // down: the rounding is a little less than a half, as if they were not.
-    const int constant = fixed(luma * (full ? 128 : 112), 64) + (full ? 31 : 32);
-    return {
-        fixed(luma, 8192),   fixed(red_v, 8192),        fixed(-blue_u * kb / kg, 8192), fixed(-red_v * kr / kg, 8192),
-        fixed(blue_u, 8192), static_cast<s16>(constant)};
+    const auto fixed = [](double v) { return static_cast<s16>(v * 8192 + (v < 0 ? -0.5 : 0.5)); };
+    // Luma is centred, too. Products are rounded up as often as down, so that a sum just short of a half is as good as
+    // one just beyond.
+    const double constant = luma * (full ? 128 : 112) * 64 + (to_ten ? 8 : 32) - 1e-6;
+    return {fixed(luma),
+            fixed(red_v),
+            fixed(-blue_u * kb / kg),
+            fixed(-red_v * kr / kg),
+            fixed(blue_u),
+            static_cast<s16>(constant)};
 }
-constexpr matrix matrices[][2] = {
-    {make_matrix(0.299, 0.114, false), make_matrix(0.299, 0.114, true)},
-    {make_matrix(0.2126, 0.0722, false), make_matrix(0.2126, 0.0722, true)},
-    {make_matrix(0.2627, 0.0593, false), make_matrix(0.2627, 0.0593, true)},
+struct matrix_table {
+    matrix of[3][3][2];  // from 8 bits to 8, from 10 to 8, from 10 to 10; BT.601, BT.709, BT.2020; limited, full range
 };
+constexpr matrix_table matrices = [] {
+    constexpr double of_red_and_blue[][2] = {{0.299, 0.114}, {0.2126, 0.0722}, {0.2627, 0.0593}};
+    matrix_table all{};
+    for (int depths = 0; depths < 3; ++depths)
+        for (int i = 0; i < 3; ++i)
+            for (int full = 0; full < 2; ++full)
+                all.of[depths][i][full] =
+                    make_matrix(of_red_and_blue[i][0], of_red_and_blue[i][1], full, depths > 0, depths > 1);
+    return all;
+}();
 }  // namespace zelt::inline ZELT_LEVEL::video

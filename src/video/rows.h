@@ -15,20 +15,46 @@ struct bgra8888 : planes<1> {
     template <class V, class Place> void put(Place place, pixel<V> v) { place.store(p[0], v.c2, v.c1, v.c0, v.a); }
 };
 
+/// Planes of words of 10 bits
+struct r10g10b10 : planes<3> {
+    using planes::planes;
+    static constexpr int step[] = {2, 2, 2};
+    template <class W, class Place> void put(Place place, pixel<W> v) {
+        store_pixels_16(p[0] + 2 * place.x, v.c0);
+        store_pixels_16(p[1] + 2 * place.x, v.c1);
+        store_pixels_16(p[2] + 2 * place.x, v.c2);
+    }
+};
+
+/// Luma in bytes, and in words that have 10 bits in the high end
+struct bytes {
+    template <class V> static wide_of<V> term(const u8* y, std::ptrdiff_t x, int factor) {
+        V v;
+        load(y + x, v);
+        return luma_term(v, factor);
+    }
+};
+struct tens {
+    template <class V> static wide_of<V> term(const u8* y, std::ptrdiff_t x, int factor) {
+        wide_of<V> v;
+        load_ten_pixels<true>(y + 2 * x, v);
+        return mul_q15(v, factor);
+    }
+};
+
 /// Which terms belong to a pixel: those of its pair, of its own, or the sum of its pair's with themselves or with the
 /// next pair's
 enum class chroma_of { pair, pixel, neighbours };
 
 /// A row of a strip to the planes at p
-template <class Dest, chroma_of Kind>
+template <class Dest, chroma_of Kind, class Luma = bytes>
 void put_row(const terms& even, const terms& odd, int luma, const u8* y, u8* const* p, std::ptrdiff_t n) {
     Dest row;
     for (int i = 0; i < Dest::count; ++i) row.p[i] = p[i];
-    const auto put = [ =, &even, &odd ](auto samples, std::ptrdiff_t x) __attribute__((always_inline)) {
+    const auto put = [ =, &even, &odd ](auto kind, std::ptrdiff_t x) __attribute__((always_inline)) {
         Dest dst = row;
-        using V = decltype(samples);
-        load(y + x, samples);
-        const wide_of<V> term = luma_term(samples, luma);
+        using V = decltype(kind);
+        const wide_of<V> term = Luma::template term<V>(y, x, luma);
         const auto component = [&](const s16* e, const s16* o) __attribute__((always_inline)) {
             wide_of<V> chroma, next;
             if constexpr (Kind == chroma_of::pixel)
@@ -39,12 +65,18 @@ void put_row(const terms& even, const terms& odd, int luma, const u8* y, u8* con
                 load_term(e, e + 1, x, next);
                 chroma = chroma + next;
             }
-            return sum_of_terms(term, chroma);
+            if constexpr (std::is_same_v<Dest, r10g10b10>)
+                return ten_of_terms(term, chroma);
+            else
+                return sum_of_terms(term, chroma);
         };
-        const pixel<V> v = {component(even.r, odd.r), component(even.g, odd.g), component(even.b, odd.b), opaque<V>};
+        pixel<decltype(component(even.r, odd.r))> v = {
+            component(even.r, odd.r), component(even.g, odd.g), component(even.b, odd.b), {}};
+        if constexpr (std::is_same_v<decltype(v), pixel<V>>) v.a = opaque<V>;
         dst.put(at{x}, v);
     };
-    if constexpr (Kind == chroma_of::pair)  // narrower than a register: direct.h has the others
+    // narrower than a register: direct.h has the others
+    if constexpr (Kind == chroma_of::pair && !std::is_same_v<Dest, r10g10b10>)
         for (std::ptrdiff_t x = 0; x < n; ++x) put(u8{}, x);
     else
         for_pixels(n, put);

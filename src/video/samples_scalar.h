@@ -31,4 +31,18 @@ inline void load_term(const s16* even, const s16* odd, std::ptrdiff_t x, int& v)
 inline void load_shared_term(const s16* terms, std::ptrdiff_t x, int& v) { v = terms[x / 2]; }
 inline void store_term(s16* even, s16* odd, std::ptrdiff_t x, int v) { term_of(even, odd, x) = static_cast<s16>(v); }
 inline u8 sum_of_terms(int luma, int chroma) { return static_cast<u8>(std::clamp((luma + chroma) >> 6, 0, 255)); }
+
+// Words of 10 bits in their low or high end, whatever else is in them, as (c - 512) << 6: the scale of bytes
+
+inline int centred_ten(int word, bool high) { return ((high ? word >> 6 : word & 1023) - 512) << 6; }
+template <bool High> void load_ten(const u8* p, int& v) { load_16(p, v), v = centred_ten(v, High); }
+/// Of two channels in turn
+template <bool High> void load_two_tens(const u8* p, int& a, int& b) { load_ten<High>(p, a), load_ten<High>(p + 2, b); }
+inline void store_two_16(u8* p, int a, int b) { store_16(p, a), store_16(p + 2, b); }
+
+/// Of each pixel
+template <bool High> void load_ten_pixels(const u8* p, int& v) { load_ten<High>(p, v); }
+inline void store_pixels_16(u8* p, int v) { store_16(p, v); }
+/// The sum of terms as 10 bits
+inline int ten_of_terms(int luma, int chroma) { return std::clamp((luma + chroma) >> 4, 0, 1023); }
 }  // namespace zelt::inline ZELT_LEVEL::scalar

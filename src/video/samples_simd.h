@@ -6,6 +6,8 @@
 namespace zelt::inline ZELT_LEVEL::simd {
 using scalar::centred_pixels, scalar::dot, scalar::load_centred2, scalar::store_term, scalar::load_shared_term,
     scalar::load_term, scalar::load_words, scalar::luma_term, scalar::mul_q15;
+using scalar::load_ten, scalar::load_ten_pixels, scalar::load_two_tens, scalar::store_pixels_16, scalar::store_two_16,
+    scalar::ten_of_terms;
 using scalar::narrow_ordered, scalar::store_widened, scalar::store_words, scalar::sum_of_terms, scalar::widen;
 using vec::dot, vec::mul_q15, vec::narrow_ordered, vec::store_widened, vec::widen;
 
@@ -36,4 +38,22 @@ inline void store_term(s16* even, s16* odd, std::ptrdiff_t x, s16x2n v) {
     store_rows_16<lanes_16, 1>(even + x / 2, 0, (u16xn)v.lo), store_rows_16<lanes_16, 1>(odd + x / 2, 0, (u16xn)v.hi);
 }
 inline u8xn sum_of_terms(s16x2n luma, s16x2n chroma) { return narrow_q6_even_odd(add_sat(luma, chroma)); }
+
+inline s16xn centred_ten(s16xn v, bool high) {
+    const u16xn words = (u16xn)v;
+    return (s16xn)((high ? words & 0xFFC0 : words << 6) ^ 0x8000);
+}
+inline s16x2n centred_ten(s16x2n v, bool high) { return {centred_ten(v.lo, high), centred_ten(v.hi, high)}; }
+template <bool High> void load_ten(const u8* p, s16x2n& v) { load_16(p, v), v = centred_ten(v, High); }
+template <bool High> void load_ten_pixels(const u8* p, s16x2n& v) { load_even_odd_16(p, v), v = centred_ten(v, High); }
+template <bool High> void load_two_tens(const u8* p, s16x2n& a, s16x2n& b) {
+    s16x2n v, w;
+    load_ten_pixels<High>(p, v), load_ten_pixels<High>(p + 2 * lanes, w);
+    a = {v.lo, w.lo}, b = {v.hi, w.hi};
+}
+inline void store_two_16(u8* p, s16x2n a, s16x2n b) {
+    store_even_odd_16(p, {a.lo, b.lo}), store_even_odd_16(p + 2 * lanes, {a.hi, b.hi});
+}
+inline void store_pixels_16(u8* p, s16x2n v) { store_even_odd_16(p, v); }
+inline s16x2n ten_of_terms(s16x2n luma, s16x2n chroma) { return clamp(add_sat(luma, chroma) >> 4, 0, 1023); }
 }  // namespace zelt::inline ZELT_LEVEL::simd

@@ -6,9 +6,13 @@ namespace zelt::inline ZELT_LEVEL::video {
 inline std::ptrdiff_t convert_shared(const plan& p, const picture& src, const picture& dst, const band& b) {
     const format& f = src.format;
     const std::ptrdiff_t pixels = b.w & -2;
-    if (sizeof(widest) == 1 || pixels < static_cast<std::ptrdiff_t>(sizeof(widest))) return 0;
+    if (sizeof(widest) == 1 || !dst.format.rgb->shared || pixels < static_cast<std::ptrdiff_t>(sizeof(widest)))
+        return 0;
     if (f.kind != kind::grey && (!f.half_w || p.smooth)) return 0;
-    const sharing first[] = {sharing::grey, sharing::planes, sharing::paired, sharing::packed};  // by kind
+    // by kind
+    constexpr sharing bytes[] = {sharing::grey, sharing::planes, sharing::paired, sharing::packed};
+    constexpr sharing tens[] = {{}, sharing::ten_planes, sharing::ten_paired};
+    const sharing* const first = f.ten ? tens : bytes;
     const auto& converters = dst.format.rgb->shared[static_cast<int>(first[static_cast<int>(f.kind)]) + f.second];
     const auto convert = [&](std::ptrdiff_t y, std::ptrdiff_t rows, std::ptrdiff_t count) {
         shared_rows r{src.row(0, y), {}, {}, src.s[0], {}, {}, pixels, count};

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
+#include <random>
 
 using namespace zelt::test;
 
@@ -86,4 +87,66 @@ TEST(exhaustive, video_matrices) {
             }
             std::printf("\n");
         }
+}
+
+// Of 10 bits every pair of samples beside a third in the middle, and 2^24 random triples, of which the shares are
+TEST(exhaustive, video_matrices_of_10_bits) {
+    constexpr int n = 1 << 16, pairs = 3 * 16, triples = 256;
+    std::vector<u16> in(3 * n), words(3 * n);
+    std::vector<u8> bytes(3 * n);
+    void* const src[] = {&in[0], &in[n], &in[2 * n]};
+#ifdef ZELT_SAMPLED
+    constexpr int every = 19;
+#else
+    constexpr int every = 1;
+#endif
+    const auto measure = [&](int matrix, int range, int bits) {
+        ZELT_VIDEO v = {};
+        v.src_cs = ZELT_CS_P410, v.dst_cs = bits == 8 ? ZELT_CS_R8G8B8 : ZELT_CS_R10G10B10;
+        v.matrix = matrix, v.range = range;
+        ASSERT_EQ(zelt_video_init(&v), ZELT_OK);
+        u8* const start = bits == 8 ? bytes.data() : reinterpret_cast<u8*>(words.data());
+        const int src_s[] = {2 * n, 2 * n, 2 * n}, stride = bits == 8 ? n : 2 * n, dst_s[] = {stride, stride, stride};
+        void* const dst[] = {start, start + stride, start + 2 * stride};
+        const double most = (1 << bits) - 1;
+        double zero[3], factor[3][3];  // [Y, U, V][R, G, B]
+        real_rgb(matrix, range, {0, 0, 0}, zero, 10);
+        for (int of = 0; of < 3; ++of) real_rgb(matrix, range, {of == 0, of == 1, of == 2}, factor[of], 10);
+        double worst[3] = {}, inexact[3] = {}, count = 0;
+        std::minstd_rand random;
+        for (int batch = 0; batch < pairs + triples; batch += every) {
+            for (int i = 0; i < n; ++i) {
+                const int index = batch % 16 * n + i, at = batch / 16;
+                const u32 any = batch < pairs ? 0 : random();  // 31 bits
+                for (int c = 0; c < 3; ++c) {
+                    const int of_pair = c == (at + 1) % 3 ? index >> 10 : c == (at + 2) % 3 ? index & 1023 : 512;
+                    in[c * n + i] = static_cast<u16>(batch < pairs ? of_pair : any >> 10 * c & 1023);
+                }
+            }
+            zelt_video_convert(&v, src, src_s, dst, dst_s, n, 1);
+            for (int c = 0; c < 3; ++c)
+                for (int i = 0; i < n; ++i) {
+                    double real = zero[c];
+                    for (int of = 0; of < 3; ++of) real += (factor[of][c] - zero[c]) * in[of * n + i];
+                    const double error = std::abs((bits == 8 ? bytes[c * n + i] : words[c * n + i]) -
+                                                  std::clamp(real * most, 0.0, most));
+                    worst[c] = std::max(worst[c], error);
+                    if (error <= 0.5 + 1e-9) continue;
+                    inexact[c] += batch < pairs ? 0 : 100;
+                    const bool end = in[i] == (range ? 0 : 64) || in[i] == (range ? 1023 : 940);
+                    ASSERT_FALSE(end && in[n + i] == 512 && in[2 * n + i] == 512) << "of black or white";
+                }
+            count += batch < pairs ? 0 : n;
+        }
+        std::printf("10 to %d bits, %d %d", bits, matrix, range);
+        for (int c = 0; c < 3; ++c) {
+            EXPECT_LT(worst[c], bits == 8 ? 0.54 : 0.65);  // within 1 of what is rounded, therefore
+            EXPECT_LT(inexact[c] / count, bits == 8 ? 0.8 : 3);
+            std::printf("  %.3f %.2f %%", worst[c], inexact[c] / count);
+        }
+        std::printf("\n");
+    };
+    for (const int bits : {8, 10})
+        for (int matrix = 0; matrix < 3; ++matrix)
+            for (int range = 0; range < 2; ++range) measure(matrix, range, bits);
 }

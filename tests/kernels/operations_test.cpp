@@ -130,6 +130,8 @@ TEST(operations, of_pixels) {
     ALL_STEPS(false, 16, (order::load_luma(a, y), order::load_chroma2(b, z.lo, z.hi)));
     ALL_STEPS(false, 8, (order::load_chroma(a, z.lo), order::load_chroma(b, z.hi), y = z >> 1));
     ALL_STEPS(true, 32, order::load_packed(a, y, z));
+    ALL_STEPS(true, 32, (order::load_words(a, y), order::load_words(b, z)));
+    ALL_STEPS(true, 16, (order::load_words(a, z.lo), order::load_words(b, z.hi), y = z >> 1));
     for (const int factor : {-32767, 1436})
         SAME(whole, 16, 16, all_words, all_words, to(out, mul_q15(load_as<s16xn>(a), factor)));
 }

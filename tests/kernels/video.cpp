@@ -25,13 +25,27 @@ const std::vector<video_format>& video_formats() {
         {"argb8888", ZELT_CS_ARGB8888, {}, 0, 0},
         {"rgb565", ZELT_CS_RGB565, {}, 0, 0},
         {"r8g8b8", ZELT_CS_R8G8B8, {}, 0, 0},
+        {"p010", ZELT_CS_P010, {{0, 0, 2}, {1, 0, 2}, {2, 0, 2}}, 1, 1, 10, 0},
+        {"p210", ZELT_CS_P210, {{0, 0, 2}, {1, 0, 2}, {2, 0, 2}}, 1, 0, 10, 0},
+        {"p410", ZELT_CS_P410, {{0, 0, 2}, {1, 0, 2}, {2, 0, 2}}, 0, 0, 10, 0},
+        {"p010le", ZELT_CS_P010LE, {{0, 0, 2}, {1, 0, 4}, {1, 2, 4}}, 1, 1, 10, 6},
+        {"p210le", ZELT_CS_P210LE, {{0, 0, 2}, {1, 0, 4}, {1, 2, 4}}, 1, 0, 10, 6},
+        {"r10g10b10", ZELT_CS_R10G10B10, {}, 0, 0, 10, 0},
     };
     return all;
 }
 
 int video_format::channels() const { return cs == ZELT_CS_YUV400 ? 1 : samples[0].step ? 3 : 0; }
 
+bool converts(const video_format& from, const video_format& to) {
+    return from.channels() && (from.bits == 10 || to.bits == 8);
+}
+
+// Words are operands of two bytes, since they may stand at any address and have any bits beside their 10.
 std::vector<operand> video_format::operands(shape s, bool written) const {
+    const int bytes = bits > 8 ? 2 : 1;
+    if (!channels() && bytes == 2)
+        return std::vector<operand>(3, {.width = s.w * bytes, .rows = s.h, .written = written});
     if (!channels()) {
         const layout& l = layout_of(name);
         std::vector<operand> all = operands_of(l, s, l, s);
@@ -43,42 +57,49 @@ std::vector<operand> video_format::operands(shape s, bool written) const {
     for (int c = 0; c < channels(); ++c) {  // the last channel of a plane says how large it is
         const std::size_t plane = static_cast<std::size_t>(samples[c].plane);
         const int w = c ? (s.w + half_w) >> half_w : s.w, h = c ? (s.h + half_h) >> half_h : s.h;
-        const bool pairs = c && samples[c].step > 1;  // both bytes of a pair, all four of two packed pixels
         all.resize(std::max(all.size(), plane + 1));
-        all[plane] = {.width = w * (pairs ? samples[c].step : 1), .rows = h, .written = written};
+        // both samples of a pair, all four bytes of two packed pixels
+        all[plane] = {.width = w * (c ? samples[c].step : bytes), .rows = h, .written = written};
     }
     return all;
 }
 
-void real_rgb(int matrix, int range, const int (&yuv)[3], double (&rgb)[3]) {
+void real_rgb(int matrix, int range, const int (&yuv)[3], double (&rgb)[3], int bits) {
     constexpr double constants[][2] = {{0.299, 0.114}, {0.2126, 0.0722}, {0.2627, 0.0593}};  // of red and blue
     const double red = constants[matrix][0], blue = constants[matrix][1], green = 1 - red - blue;
-    const double y = range ? yuv[0] / 255.0 : (yuv[0] - 16) / 219.0;
-    const double pb = (yuv[1] - 128) / (range ? 255.0 : 224.0), pr = (yuv[2] - 128) / (range ? 255.0 : 224.0);
+    const int one = 1 << (bits - 8), most = (1 << bits) - 1;  // of limited range the steps are those of 8 bits
+    const double y = range ? yuv[0] * 1.0 / most : (yuv[0] - 16 * one) / (219.0 * one);
+    const double unit = range ? most : 224 * one, pb = (yuv[1] - 128 * one) / unit, pr = (yuv[2] - 128 * one) / unit;
     rgb[0] = y + 2 * (1 - red) * pr;
     rgb[2] = y + 2 * (1 - blue) * pb;
     rgb[1] = (y - red * rgb[0] - blue * rgb[2]) / green;  // y is the weighted sum of all three
 }
 
 namespace {
-/// The same as it is done: factors of 13 fractional bits, products and sums of 6. Chroma has fractions of its own.
+/// The same as it is done: factors of 13 fractional bits, products and sums of 6. Chroma has fractions of its own, and
+/// samples of 10 bits have 2, so that the result is of 4.
 struct integer_matrix {
-    double factors[3][3], constant;  // [R, G, B][Y, U, V]
+    double factors[3][3], constant, unit;  // [R, G, B][Y, U, V]; what a result is a multiple of
+    int most;
 
-    integer_matrix(int matrix, int range) : constant(std::round((range ? 128 : 112 * 255 / 219.0) * 64)) {
-        constant += range ? 31 : 32;
+    integer_matrix(int matrix, int range, int from_bits, int to_bits)
+        : unit(to_bits == 10 ? 16 : 64), most((1 << to_bits) - 1) {
+        const int zero = 1 << (from_bits - 1), one = 1 << (from_bits - 8);
         double base[3], more[3];
-        real_rgb(matrix, range, {128, 128, 128}, base);
+        real_rgb(matrix, range, {zero, zero, zero}, base, from_bits);
         for (int of = 0; of < 3; ++of) {
-            real_rgb(matrix, range, {128 + (of == 0), 128 + (of == 1), 128 + (of == 2)}, more);
-            for (int i = 0; i < 3; ++i) factors[i][of] = std::round((more[i] - base[i]) * 255 * 8192);
+            real_rgb(matrix, range, {zero + (of == 0), zero + (of == 1), zero + (of == 2)}, more, from_bits);
+            for (int i = 0; i < 3; ++i)
+                factors[i][of] = std::round((more[i] - base[i]) * one * most * unit / 64 * 8192);
         }
+        const double grey = base[0] * most * unit;
+        constant = std::ceil(grey + unit / 2 - 1 - 1e-6);
     }
     static double product(double f, double v, double one = 64) { return std::floor(f * (v - 128) * one / 8192 + 0.5); }
     components operator()(const double (&sums)[3], double y) const {
         components c = {{0, 0, 0, 255}};
         for (int i = 0; i < 3; ++i)
-            c.v[i] = std::clamp(static_cast<int>(std::floor((sums[i] + product(factors[i][0], y)) / 64)), 0, 255);
+            c.v[i] = std::clamp(static_cast<int>(std::floor((sums[i] + product(factors[i][0], y)) / unit)), 0, most);
         return c;
     }
     components operator()(double y, double u, double v) const {
@@ -119,47 +140,66 @@ u8* sample(const video_format& f, const view* planes, int channel, int x, int y)
     const auto& at = f.samples[channel];
     return planes[at.plane].p + y * planes[at.plane].stride + at.first + x * at.step;
 }
+/// A sample in steps of 8 bits
+double read(const video_format& f, const view* planes, int channel, int x, int y) {
+    const u8* p = sample(f, planes, channel, x, y);
+    return f.bits == 8 ? p[0] : ((p[0] | p[1] << 8) >> f.above & 1023) / 4.0;
+}
+void write_word(u8* p, int word) { p[0] = static_cast<u8>(word), p[1] = static_cast<u8>(word >> 8); }
+void write(const video_format& f, const view* planes, int channel, int x, int y, double value) {
+    u8* p = sample(f, planes, channel, x, y);
+    if (f.bits == 8)
+        *p = static_cast<u8>(std::min(value + 0.5, 255.0));
+    else
+        write_word(p, static_cast<int>(value * 4 + 0.5) << f.above);
+}
 }  // namespace
 
 void model_video(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes) {
     const view* out = planes + from.operands(s, false).size();
     const bool smooth = v.chroma == ZELT_VIDEO_SMOOTH;
-    const integer_matrix rgb(v.matrix, v.range);
+    const integer_matrix rgb(v.matrix, v.range, from.bits, to.bits);
     const auto chroma = [&](int channel, int x, int y, int half_w, int half_h) {
         if (from.channels() == 1) return 128.0;
         double sum = 0;
         for (const weighted& row : sources(y, s.h, from.half_h, half_h, smooth, true))
             for (const weighted& column : sources(x, s.w, from.half_w, half_w, smooth, false))
-                sum += row.weight * column.weight * *sample(from, planes, channel, column.at, row.at);
+                sum += row.weight * column.weight * read(from, planes, channel, column.at, row.at);
         return sum;
     };
     for (int y = 0; y < s.h; ++y)
         for (int x = 0; x < s.w; ++x) {
-            const u8 luma = *sample(from, planes, 0, x, y);
+            const double luma = read(from, planes, 0, x, y);
             if (to.channels()) {
-                *sample(to, out, 0, x, y) = luma;
-                const bool alone = to.samples[0].step == 2 && x % 2 == 0 && x + 1 == s.w;  // of a packed pair
-                if (alone) *sample(to, out, 0, x + 1, y) = luma;
+                const bool packed = to.bits == 8 && to.samples[0].step == 2;
+                write(to, out, 0, x, y, luma);
+                if (packed && x % 2 == 0 && x + 1 == s.w) write(to, out, 0, x + 1, y, luma);
                 continue;
             }
             const bool as_csc = from.cs == ZELT_CS_YUV444 && v.matrix == ZELT_VIDEO_BT601 && v.range == ZELT_VIDEO_FULL;
-            const layout& l = layout_of(to.name);
-            u8* p[4] = {};
-            for (std::size_t i = 0; i < l.planes.size(); ++i) p[i] = out[i].p + y * out[i].stride + x * l.bytes[i];
             const auto at = [&](int c) { return chroma(c, x, y, 0, 0); };
             const auto near = [&](int c) { return chroma(c, x / 2, y, 1, 0); };
             const auto next = [&](int c) { return chroma(c, std::min((x + 1) / 2, (s.w - 1) / 2), y, 1, 0); };
+            components pixel;
             if (as_csc)
-                l.write(p, rgb_of({{luma, static_cast<int>(at(1)), static_cast<int>(at(2)), 255}}));
+                pixel = rgb_of({{static_cast<int>(luma), static_cast<int>(at(1)), static_cast<int>(at(2)), 255}});
             else if (from.half_w && smooth)
-                l.write(p, rgb(luma, {near(1), next(1)}, {near(2), next(2)}));
+                pixel = rgb(luma, {near(1), next(1)}, {near(2), next(2)});
             else
-                l.write(p, rgb(luma, at(1), at(2)));
+                pixel = rgb(luma, at(1), at(2));
+            if (to.bits == 10) {
+                for (int i = 0; i < 3; ++i) write_word(out[i].p + y * out[i].stride + 2 * x, pixel.v[i]);
+                continue;
+            }
+            const layout& l = layout_of(to.name);
+            u8* p[4] = {};
+            for (std::size_t i = 0; i < l.planes.size(); ++i) p[i] = out[i].p + y * out[i].stride + x * l.bytes[i];
+            l.write(p, pixel);
         }
     for (int c = 1; c < to.channels(); ++c)
         for (int y = 0; y < (s.h + to.half_h) >> to.half_h; ++y)
             for (int x = 0; x < (s.w + to.half_w) >> to.half_w; ++x)
-                *sample(to, out, c, x, y) = static_cast<u8>(std::floor(chroma(c, x, y, to.half_w, to.half_h) + 0.5));
+                write(to, out, c, x, y, chroma(c, x, y, to.half_w, to.half_h));
 }
 
 void call_video(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes,
@@ -179,7 +219,7 @@ void call_video(const ZELT_VIDEO& v, const video_format& from, const video_forma
 std::vector<kernel> video_kernels() {
     std::vector<kernel> rows;
     const std::vector<shape> long_rows = {{2, 2}, {31, 2}, {1057, 2}};
-    const auto add = [&](const video_format& from, const video_format& to, int chroma) {
+    const auto add = [&](const std::string& name, const video_format& from, const video_format& to, int chroma) {
         const int i = static_cast<int>(rows.size());
         // every matrix and range, whole and in bands, whatever the formats
         ZELT_VIDEO v = {};
@@ -200,17 +240,19 @@ std::vector<kernel> video_kernels() {
             model_video(v, from, to, s, planes);
             return u64{0};
         };
-        rows.push_back({"zelt_video_convert " + from.name + " to " + to.name + (chroma ? " smooth" : ""),
+        rows.push_back({name + from.name + " to " + to.name + (chroma ? " smooth" : ""),
                         reinterpret_cast<function>(zelt_video_convert),
                         i % 4 ? std::vector<shape>{{1, 1}, {3, 5}, {32, 3}, {66, 4}, {129, 3}} : long_rows, operands,
                         call, model});
     };
-    for (const video_format& from : video_formats())
-        for (const video_format& to : video_formats()) {
-            if (!from.channels()) continue;
-            add(from, to, ZELT_VIDEO_REPLICATED);
-            if (from.half_w > to.half_w || from.half_h > to.half_h) add(from, to, ZELT_VIDEO_SMOOTH);
-        }
+    for (const int bits : {8, 10})
+        for (const video_format& from : video_formats())
+            for (const video_format& to : video_formats()) {
+                if (from.bits != bits || !converts(from, to)) continue;
+                const std::string name = bits == 8 ? "zelt_video_convert " : "zelt_video_convert 10 bits ";
+                add(name, from, to, ZELT_VIDEO_REPLICATED);
+                if (from.half_w > to.half_w || from.half_h > to.half_h) add(name, from, to, ZELT_VIDEO_SMOOTH);
+            }
     return rows;
 }
 }  // namespace zelt::test

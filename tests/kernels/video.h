@@ -10,12 +10,16 @@ struct video_format {
     struct {
         int plane, first, step;
     } samples[3];
-    int half_w, half_h;  // 1 if chroma is halved
+    int half_w, half_h;       // 1 if chroma is halved
+    int bits = 8, above = 0;  // of a sample; those of 10 are in words, above so many others
 
     int channels() const;  // 0 of RGB formats
     std::vector<operand> operands(shape s, bool written) const;
 };
 const std::vector<video_format>& video_formats();
+
+/// Whether there is a conversion
+bool converts(const video_format& from, const video_format& to);
 
 /// What a record gives of a picture, its planes in front of the destination's
 void model_video(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes);
@@ -23,6 +27,6 @@ void model_video(const ZELT_VIDEO& v, const video_format& from, const video_form
 void call_video(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes,
                 const std::vector<int>& bands);
 
-/// R, G, B in 0..1, of Y, U, V in bytes, by the standard
-void real_rgb(int matrix, int range, const int (&yuv)[3], double (&rgb)[3]);
+/// R, G, B in 0..1, of Y, U, V in so many bits, by the standard
+void real_rgb(int matrix, int range, const int (&yuv)[3], double (&rgb)[3], int bits = 8);
 }  // namespace zelt::test

@@ -12,7 +12,7 @@ ZELT_VIDEO request(int32_t src, int32_t dst, int32_t matrix = 0, int32_t range =
 }
 
 struct pixels {
-    uint8_t y[8] = {}, u[4] = {}, v[4] = {}, out[16];
+    uint8_t y[16] = {}, u[8] = {}, v[8] = {}, out[16];
     void* src[3] = {y, u, v};
     void* dst[3] = {out, out + 4, out + 8};
     int32_t src_s[3] = {2, 1, 1}, dst_s[3] = {8, 1, 1};
@@ -26,7 +26,7 @@ struct pixels {
 
 TEST(video, pairs_and_values) {
     const std::vector<int32_t> yuv = {10, 11, 12, 13, 18, 800, 801, 802, 820, 821};
-    const std::vector<int32_t> rgb = {200, 400, 500, 501, 502, 600, 840};
+    const std::vector<int32_t> rgb = {200, 400, 500, 501, 502, 600, 840}, ten = {60, 61, 62, 810, 811};
     const auto has = [](const std::vector<int32_t>& all, int32_t cs) { return std::ranges::count(all, cs) > 0; };
     const auto expect = [](ZELT_VIDEO v, bool supported) {
         std::fill_n(v.state, 48, -1);
@@ -36,10 +36,13 @@ TEST(video, pairs_and_values) {
         EXPECT_NE(p.untouched(), supported) << v.src_cs << " to " << v.dst_cs;
     };
     for (int32_t src = -1; src < 900; ++src)
-        for (const int32_t dst : {-1,  0,   10,  11,  12,  13,  18,  20,  41,  43,  60,  200, 400, 401, 430, 500,
-                                  501, 502, 503, 600, 603, 650, 700, 800, 801, 802, 803, 820, 821, 840, 841})
-            if (has(yuv, src) || src % 7 == 0 || has(rgb, src))
-                expect(request(src, dst), has(yuv, src) && (has(yuv, dst) || has(rgb, dst)));
+        for (const int32_t dst :
+             {-1,  0,   10,  11,  12,  13,  18,  20,  41,  43,  60,  61,  62,  63,  64,  200, 400, 401, 430,
+              500, 501, 502, 503, 600, 603, 650, 700, 800, 801, 802, 803, 810, 811, 820, 821, 840, 841})
+            if (has(yuv, src) || has(ten, src) || src % 7 == 0 || has(rgb, src)) {
+                const bool bytes = has(yuv, dst) || has(rgb, dst), words = has(ten, dst) || dst == 603;
+                expect(request(src, dst), has(ten, src) ? bytes || words : has(yuv, src) && bytes);
+            }
     for (const int32_t value : {-1, 0, 1, 2, 3, INT32_MAX, INT32_MIN}) {
         expect(request(11, 500, value), value >= 0 && value < 3);
         expect(request(11, 500, 0, value), value >= 0 && value < 2);
@@ -77,6 +80,38 @@ TEST(video, known_colours) {
         const std::vector<int> got(p.out, p.out + 5), want = {c.rgb[2], c.rgb[1], c.rgb[0], 255, 7};
         EXPECT_EQ(got, want) << int{c.yuv[0]} << " of matrix " << c.matrix << ", range " << c.range;
     }
+}
+
+// Whatever is in the bits that are no part of a sample
+TEST(video, known_colours_of_10_bits) {
+    const struct {
+        int32_t matrix, range, yuv[3];
+        std::vector<int> rgb, bytes;
+    } colours[] = {
+        {ZELT_VIDEO_BT709, ZELT_VIDEO_LIMITED, {64, 512, 512}, {0, 0, 0}, {0, 0, 0}},
+        {ZELT_VIDEO_BT709, ZELT_VIDEO_LIMITED, {940, 512, 512}, {1023, 1023, 1023}, {255, 255, 255}},
+        {ZELT_VIDEO_BT709, ZELT_VIDEO_LIMITED, {503, 512, 512}, {513, 513, 513}, {128, 128, 128}},
+        {ZELT_VIDEO_BT709, ZELT_VIDEO_LIMITED, {250, 409, 960}, {1023, 0, 0}, {255, 0, 0}},
+        {ZELT_VIDEO_BT601, ZELT_VIDEO_LIMITED, {164, 960, 439}, {0, 0, 1023}, {0, 0, 255}},
+        {ZELT_VIDEO_BT2020, ZELT_VIDEO_FULL, {1023, 512, 512}, {1023, 1023, 1023}, {255, 255, 255}},
+        {ZELT_VIDEO_BT2020, ZELT_VIDEO_FULL, {693, 143, 36}, {0, 1023, 0}, {0, 255, 0}},
+    };
+    for (const auto& c : colours)
+        for (const int32_t src_cs : std::vector<int32_t>{ZELT_CS_P410, ZELT_CS_P210LE}) {
+            const bool low = src_cs == ZELT_CS_P410;
+            uint16_t in[4], words[3] = {}, bytes[3] = {};
+            for (int i = 0; i < 3; ++i) in[i] = static_cast<uint16_t>(low ? c.yuv[i] | 0xA400 : c.yuv[i] << 6 | 0x29);
+            void *const src[] = {in, in + 1, in + 2}, *const ten[] = {words, words + 1, words + 2};
+            void* const eight[] = {bytes, bytes + 1, bytes + 2};
+            const int32_t none[3] = {};
+            ZELT_VIDEO v = request(src_cs, ZELT_CS_R10G10B10, c.matrix, c.range);
+            ZELT_VIDEO w = request(src_cs, ZELT_CS_R8G8B8, c.matrix, c.range);
+            ASSERT_TRUE(zelt_video_init(&v) == ZELT_OK && zelt_video_init(&w) == ZELT_OK);
+            zelt_video_convert(&v, src, none, ten, none, 1, 1);
+            zelt_video_convert(&w, src, none, eight, none, 1, 1);
+            EXPECT_EQ(std::vector<int>(words, words + 3), c.rgb) << c.yuv[0] << " of matrix " << c.matrix;
+            EXPECT_EQ(std::vector<int>(bytes, bytes + 3), c.bytes) << c.yuv[0] << " of matrix " << c.matrix;
+        }
 }
 
 TEST(video, rows_outside_the_picture_do_not_count) {
