@@ -39,6 +39,19 @@ video_work pairs_then(packed_to_packed* second) {
         });
     };
 }
+/// Words of 10 bits, with strides in words
+void p010_to_argb(const video_job& j, int y, video_plane to, int rows) {
+    const auto at = [&](std::size_t i, int row) { return reinterpret_cast<const uint16_t*>(below(j.src[i], row).p); };
+    libyuv::P010ToARGBMatrix(at(0, y), j.src[0].stride / 2, at(1, y / 2), j.src[1].stride / 2, AT(to),
+                             &libyuv::kYuvI601Constants, j.size.w, rows);
+}
+void p010_to_bgra8888(video_job& j) { p010_to_argb(j, 0, j.dst[0], j.size.h); }
+void p010_to_rgba8888(video_job& j) {
+    in_strips(j, [&](video_plane strip, int y, int rows) {
+        p010_to_argb(j, y, strip, rows);
+        libyuv::ARGBToABGR(AT(strip), AT(below(j.dst[0], y)), j.size.w, rows);
+    });
+}
 video_work yuyv_then(packed_to_packed* second) {
     return [second](video_job& j) {
         in_strips(j, [&](video_plane strip, int y, int rows) {
@@ -86,6 +99,9 @@ const bool added[] = {
     add_video_peer("yuv422_to_argb8888", "libyuv I422ToBGRA", planar(libyuv::I422ToBGRA)),
     add_video_peer("yuv422_to_rgb888", "libyuv I422ToRAW", planar(libyuv::I422ToRAW)),
     add_video_peer("yuv422_to_rgb565", "libyuv I422ToRGB565", planar(libyuv::I422ToRGB565)),
+
+    add_video_peer("p010le_to_rgba8888", "libyuv P010ToARGB + ARGBToABGR", p010_to_rgba8888),
+    add_video_peer("p010le_to_bgra8888", "libyuv P010ToARGB", p010_to_bgra8888),
 
     // U and V exchanged and the mirrored constants give the reversed byte order.
     add_video_peer("yuv420_to_rgba8888 smooth", "libyuv I420ToARGBMatrixFilter",

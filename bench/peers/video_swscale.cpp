@@ -39,7 +39,8 @@ using named_format = std::pair<const char*, AVPixelFormat>;
 constexpr named_format sources[] = {{"yuv420", AV_PIX_FMT_YUV420P},
                                     {"nv12", AV_PIX_FMT_NV12},
                                     {"yuyv", AV_PIX_FMT_YUYV422},
-                                    {"yuv422", AV_PIX_FMT_YUV422P}};
+                                    {"yuv422", AV_PIX_FMT_YUV422P},
+                                    {"p010le", AV_PIX_FMT_P010LE}};
 constexpr named_format targets[] = {{"rgba8888", AV_PIX_FMT_RGBA},   {"bgra8888", AV_PIX_FMT_BGRA},
                                     {"argb8888", AV_PIX_FMT_ARGB},   {"rgb888", AV_PIX_FMT_RGB24},
                                     {"rgb565", AV_PIX_FMT_RGB565LE}, {"yuv420", AV_PIX_FMT_YUV420P},
@@ -57,7 +58,7 @@ const bool added = [] {
                 add(src, dst, "libswscale point", SWS_POINT);
             add(src, dst, "libswscale point, accurate", SWS_POINT | SWS_ACCURATE_RND);
         }
-    for (const auto& [src, dst] : {std::pair{0, 0}, {1, 0}, {0, 7}})
+    for (const auto& [src, dst] : {std::pair{0, 0}, {1, 0}, {4, 0}, {0, 7}})
         add(sources[src], targets[dst], "libswscale bilinear", SWS_BILINEAR | SWS_FULL_CHR_H_INT | SWS_ACCURATE_RND,
             " smooth");
     return true;
