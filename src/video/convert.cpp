@@ -14,7 +14,8 @@ namespace {
 s32 make_plan(const ZELT_VIDEO& v, plan& p) {
     const format *src = find(v.src_cs), *dst = find(v.dst_cs);
     const auto below = [](s32 value, s32 count) { return value >= 0 && value < count; };
-    if (!src || !dst || src->rgb || (dst->ten && !src->ten) || !below(v.matrix, 3) || !below(v.range, 2) ||
+    const bool back = src && dst && src->rgb && src->ten && dst->ten && !dst->rgb;
+    if (!src || !dst || (src->rgb && !back) || (dst->ten && !src->ten) || !below(v.matrix, 3) || !below(v.range, 2) ||
         !below(v.chroma, 2))
         return ZELT_ERR_UNSUPPORTED;
     for (const s32 later : v.reserved)
@@ -24,6 +25,7 @@ s32 make_plan(const ZELT_VIDEO& v, plan& p) {
     p.smooth = v.chroma == ZELT_VIDEO_SMOOTH;
     p.as_csc = dst->rgb && v.src_cs == ZELT_CS_YUV444 && v.range == ZELT_VIDEO_FULL && v.matrix == ZELT_VIDEO_BT601;
     p.matrix = matrices.of[src->ten + (src->ten && dst->ten)][v.matrix][v.range];
+    p.ten_back = ten_back_matrices[v.matrix][v.range];
     p.ready = 1;
     return ZELT_OK;
 }

@@ -2,6 +2,7 @@
 #include "video/from_ten.h"
 #include "video/repack.h"
 #include "video/to_rgb.h"
+#include "video/to_ten.h"
 #include "video/to_yuv.h"
 
 namespace zelt::inline ZELT_LEVEL::video {
@@ -17,6 +18,9 @@ inline void convert_band(const plan& p, void* const* src_a, const s32* src_s, vo
         }
         dst.format.rgb->full_range_bt601(from, static_cast<int>(b.w), static_cast<int>(b.end - b.begin), from_s, to,
                                          to_s);
+    } else if (src.format.rgb) {
+        const to_ten convert(p, src, dst, b.w);
+        for (std::ptrdiff_t y = b.begin; y < b.end; ++y) convert.convert(b, y);
     } else if (src.format.ten && !dst.format.rgb) {
         tens_to_yuv convert(p, src, dst, b.w);
         for (std::ptrdiff_t y = b.begin; y < b.end; ++y) convert.convert(b, y);

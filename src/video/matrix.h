@@ -43,4 +43,28 @@ constexpr matrix_table matrices = [] {
                     make_matrix(of_red_and_blue[i][0], of_red_and_blue[i][1], full, depths > 0, depths > 1);
     return all;
 }();
+
+/// Back to YUV, of 10 bits: factors with 15 fractional bits. Luma has a middle and, in 6 bits, its fraction and a half.
+struct ten_back_matrix {
+    s16 y[3], u[3], v[3], y_middle, y_rounding;
+};
+constexpr ten_back_matrix make_ten_back_matrix(double kr, double kb, bool full) {
+    const double k[] = {kr, 1 - kr - kb, kb}, luma = full ? 1 : 876 / 1023.0, chroma = full ? 1 : 896 / 1023.0;
+    const auto fixed = [](double v) { return static_cast<s16>(v * 32768 + (v < 0 ? -0.5 : 0.5)); };
+    ten_back_matrix m{};
+    for (int i = 0; i < 3; ++i) {
+        m.y[i] = fixed(k[i] * luma);
+        m.u[i] = fixed(((i == 2) - k[i]) / (2 - 2 * kb) * chroma);
+        m.v[i] = fixed(((i == 0) - k[i]) / (2 - 2 * kr) * chroma);
+    }
+    const double middle = (full ? 0 : 64) + 512 * luma;
+    m.y_middle = static_cast<s16>(middle);
+    m.y_rounding = static_cast<s16>((middle - m.y_middle) * 64 + 32.5);
+    return m;
+}
+constexpr ten_back_matrix ten_back_matrices[][2] = {
+    {make_ten_back_matrix(0.299, 0.114, false), make_ten_back_matrix(0.299, 0.114, true)},
+    {make_ten_back_matrix(0.2126, 0.0722, false), make_ten_back_matrix(0.2126, 0.0722, true)},
+    {make_ten_back_matrix(0.2627, 0.0593, false), make_ten_back_matrix(0.2627, 0.0593, true)},
+};
 }  // namespace zelt::inline ZELT_LEVEL::video

@@ -10,6 +10,7 @@ struct plan {
     s32 smooth;
     s32 as_csc;  // full-range BT.601 from 4:4:4
     video::matrix matrix;
+    ten_back_matrix ten_back;
 };
 
 struct band {

@@ -43,6 +43,11 @@ inline void store_two_16(u8* p, int a, int b) { store_16(p, a), store_16(p + 2, 
 /// Of each pixel
 template <bool High> void load_ten_pixels(const u8* p, int& v) { load_ten<High>(p, v); }
 inline void store_pixels_16(u8* p, int v) { store_16(p, v); }
+/// The sum of products of three samples, less its middle
+inline int ten_of_products(const s16 (&f)[3], const int (&v)[3], int rounding) {
+    const int sum = mul_q15(v[0], f[0]) + mul_q15(v[1], f[1]) + mul_q15(v[2], f[2]) + rounding;
+    return std::clamp(sum >> 6, -512, 511);
+}
 /// The sum of terms as 10 bits
 inline int ten_of_terms(int luma, int chroma) { return std::clamp((luma + chroma) >> 4, 0, 1023); }
 }  // namespace zelt::inline ZELT_LEVEL::scalar

@@ -7,7 +7,7 @@ namespace zelt::inline ZELT_LEVEL::simd {
 using scalar::centred_pixels, scalar::dot, scalar::load_centred2, scalar::store_term, scalar::load_shared_term,
     scalar::load_term, scalar::load_words, scalar::luma_term, scalar::mul_q15;
 using scalar::load_ten, scalar::load_ten_pixels, scalar::load_two_tens, scalar::store_pixels_16, scalar::store_two_16,
-    scalar::ten_of_terms;
+    scalar::ten_of_products, scalar::ten_of_terms;
 using scalar::narrow_ordered, scalar::store_widened, scalar::store_words, scalar::sum_of_terms, scalar::widen;
 using vec::dot, vec::mul_q15, vec::narrow_ordered, vec::store_widened, vec::widen;
 
@@ -55,5 +55,10 @@ inline void store_two_16(u8* p, s16x2n a, s16x2n b) {
     store_even_odd_16(p, {a.lo, b.lo}), store_even_odd_16(p + 2 * lanes, {a.hi, b.hi});
 }
 inline void store_pixels_16(u8* p, s16x2n v) { store_even_odd_16(p, v); }
+/// Of the limits of samples saturation is the clamp.
+inline s16x2n ten_of_products(const s16 (&f)[3], const s16x2n (&v)[3], int rounding) {
+    const s16x2n two = mul_q15(v[0], f[0]) + mul_q15(v[1], f[1]);
+    return add_sat(add_sat(two, mul_q15(v[2], f[2])), splat(rounding)) >> 6;
+}
 inline s16x2n ten_of_terms(s16x2n luma, s16x2n chroma) { return clamp(add_sat(luma, chroma) >> 4, 0, 1023); }
 }  // namespace zelt::inline ZELT_LEVEL::simd

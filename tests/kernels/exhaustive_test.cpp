@@ -150,3 +150,53 @@ TEST(exhaustive, video_matrices_of_10_bits) {
         for (int matrix = 0; matrix < 3; ++matrix)
             for (int range = 0; range < 2; ++range) measure(matrix, range, bits);
 }
+
+// From RGB of 10 bits, and to it again
+TEST(exhaustive, video_back_of_10_bits) {
+    constexpr int n = 1 << 16;
+    std::vector<u16> in(3 * n), yuv(3 * n), out(3 * n);
+    void *const src[] = {&in[0], &in[n], &in[2 * n]}, *const between[] = {&yuv[0], &yuv[n], &yuv[2 * n]};
+    void* const dst[] = {&out[0], &out[n], &out[2 * n]};
+    const int strides[] = {2 * n, 2 * n, 2 * n};
+#ifdef ZELT_SAMPLED
+    constexpr int batches = 4;
+#else
+    constexpr int batches = 64;
+#endif
+    for (int matrix = 0; matrix < 3; ++matrix)
+        for (int range = 0; range < 2; ++range) {
+            ZELT_VIDEO v = {}, w = {};
+            v.src_cs = w.dst_cs = ZELT_CS_R10G10B10, v.dst_cs = w.src_cs = ZELT_CS_P410;
+            v.matrix = w.matrix = matrix, v.range = w.range = range;
+            ASSERT_TRUE(zelt_video_init(&v) == ZELT_OK && zelt_video_init(&w) == ZELT_OK);
+            double worst[3] = {}, inexact[3] = {}, worst_trip = 0, trips = 0;
+            std::minstd_rand random;
+            for (int batch = 0; batch < batches; ++batch) {
+                for (int i = 0; i < n; ++i) {
+                    const u32 any = i < 1024 ? static_cast<u32>(i) * 0x100401 : random();  // greys, then anything
+                    for (int c = 0; c < 3; ++c) in[c * n + i] = static_cast<u16>(any >> 10 * c & 1023);
+                }
+                zelt_video_convert(&v, src, strides, between, strides, n, 1);
+                zelt_video_convert(&w, between, strides, dst, strides, n, 1);
+                for (int i = 0; i < n; ++i) {
+                    double real[3];
+                    real_ten_yuv(matrix, range, {in[i] / 1023.0, in[n + i] / 1023.0, in[2 * n + i] / 1023.0}, real);
+                    ASSERT_FALSE(i < 1024 && (yuv[n + i] != 512 || yuv[2 * n + i] != 512)) << "of grey " << i;
+                    for (int c = 0; c < 3; ++c) {
+                        const double error = std::abs(yuv[c * n + i] - std::clamp(real[c], 0.0, 1023.0));
+                        const double trip = std::abs(out[c * n + i] - in[c * n + i]);
+                        worst[c] = std::max(worst[c], error), inexact[c] += error > 0.5 + 1e-9 ? 100 : 0;
+                        worst_trip = std::max(worst_trip, trip), trips += trip;
+                    }
+                }
+            }
+            std::printf("10 bits back, %d %d", matrix, range);
+            for (int c = 0; c < 3; ++c) {
+                EXPECT_LT(worst[c], 0.54);
+                EXPECT_LT(inexact[c] / n / batches, 1);
+                std::printf("  %.3f %.2f %%", worst[c], inexact[c] / n / batches);
+            }
+            EXPECT_LE(worst_trip, 2);
+            std::printf("  round trip %.0f, %.2f\n", worst_trip, trips / 3 / n / batches);
+        }
+}

@@ -38,7 +38,8 @@ const std::vector<video_format>& video_formats() {
 int video_format::channels() const { return cs == ZELT_CS_YUV400 ? 1 : samples[0].step ? 3 : 0; }
 
 bool converts(const video_format& from, const video_format& to) {
-    return from.channels() && (from.bits == 10 || to.bits == 8);
+    if (!from.channels()) return from.bits == 10 && to.bits == 10 && to.channels();
+    return from.bits == 10 || to.bits == 8;
 }
 
 // Words are operands of two bytes, since they may stand at any address and have any bits beside their 10.
@@ -64,8 +65,16 @@ std::vector<operand> video_format::operands(shape s, bool written) const {
     return all;
 }
 
+namespace {
+constexpr double constants[][2] = {{0.299, 0.114}, {0.2126, 0.0722}, {0.2627, 0.0593}};  // of red and blue
+}
+void real_ten_yuv(int matrix, int range, const double (&rgb)[3], double (&yuv)[3]) {
+    const double red = constants[matrix][0], blue = constants[matrix][1];
+    const double y = red * rgb[0] + (1 - red - blue) * rgb[1] + blue * rgb[2], unit = range ? 1023 : 896;
+    yuv[0] = range ? y * 1023 : 64 + y * 876;
+    yuv[1] = 512 + unit * (rgb[2] - y) / (2 - 2 * blue), yuv[2] = 512 + unit * (rgb[0] - y) / (2 - 2 * red);
+}
 void real_rgb(int matrix, int range, const int (&yuv)[3], double (&rgb)[3], int bits) {
-    constexpr double constants[][2] = {{0.299, 0.114}, {0.2126, 0.0722}, {0.2627, 0.0593}};  // of red and blue
     const double red = constants[matrix][0], blue = constants[matrix][1], green = 1 - red - blue;
     const int one = 1 << (bits - 8), most = (1 << bits) - 1;  // of limited range the steps are those of 8 bits
     const double y = range ? yuv[0] * 1.0 / most : (yuv[0] - 16 * one) / (219.0 * one);
@@ -153,10 +162,40 @@ void write(const video_format& f, const view* planes, int channel, int x, int y,
     else
         write_word(p, static_cast<int>(value * 4 + 0.5) << f.above);
 }
+
+/// Factors of 15 fractional bits, products and sums of 6; chroma of the pixels that there are
+void model_ten_back(const ZELT_VIDEO& v, const video_format& to, shape s, const view* rgb, const view* out) {
+    double black[3], more[3], factors[3][3], middle[3];  // [Y, U, V][R, G, B]
+    real_ten_yuv(v.matrix, v.range, {0, 0, 0}, black);
+    real_ten_yuv(v.matrix, v.range, {512 / 1023.0, 512 / 1023.0, 512 / 1023.0}, middle);
+    for (int i = 0; i < 3; ++i) {
+        real_ten_yuv(v.matrix, v.range, {1.0 * (i == 0), 1.0 * (i == 1), 1.0 * (i == 2)}, more);
+        for (int of = 0; of < 3; ++of) factors[of][i] = std::round((more[of] - black[of]) / 1023 * 32768);
+    }
+    const auto component = [&](int c, int x, int y, int w, int h) {
+        double sum = std::floor(middle[c] * 64 + 1e-6 + 32.5);
+        for (int i = 0; i < 3; ++i) {
+            double all = 0, count = 0;
+            for (int row = y; row < std::min(y + h, s.h); ++row)
+                for (int column = x; column < std::min(x + w, s.w); ++column, ++count) {
+                    const u8* p = rgb[i].p + row * rgb[i].stride + 2 * column;
+                    all += ((p[0] | p[1] << 8) & 1023) - 512;
+                }
+            sum += std::floor(factors[c][i] * 64 * all / count / 32768 + 0.5);
+        }
+        return std::clamp(std::floor(sum / 64), 0.0, 1023.0) / 4;
+    };
+    for (int c = 0; c < 3; ++c) {
+        const int w = c ? to.half_w + 1 : 1, h = c ? to.half_h + 1 : 1;
+        for (int y = 0; y < s.h; y += h)
+            for (int x = 0; x < s.w; x += w) write(to, out, c, x / w, y / h, component(c, x, y, w, h));
+    }
+}
 }  // namespace
 
 void model_video(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes) {
     const view* out = planes + from.operands(s, false).size();
+    if (!from.channels()) return model_ten_back(v, to, s, planes, out);
     const bool smooth = v.chroma == ZELT_VIDEO_SMOOTH;
     const integer_matrix rgb(v.matrix, v.range, from.bits, to.bits);
     const auto chroma = [&](int channel, int x, int y, int half_w, int half_h) {

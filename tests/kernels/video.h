@@ -29,4 +29,6 @@ void call_video(const ZELT_VIDEO& v, const video_format& from, const video_forma
 
 /// R, G, B in 0..1, of Y, U, V in so many bits, by the standard
 void real_rgb(int matrix, int range, const int (&yuv)[3], double (&rgb)[3], int bits = 8);
+/// And back: Y, U, V of 10 bits, of R, G, B in 0..1
+void real_ten_yuv(int matrix, int range, const double (&rgb)[3], double (&yuv)[3]);
 }  // namespace zelt::test

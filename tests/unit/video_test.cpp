@@ -42,6 +42,7 @@ TEST(video, pairs_and_values) {
             if (has(yuv, src) || has(ten, src) || src % 7 == 0 || has(rgb, src)) {
                 const bool bytes = has(yuv, dst) || has(rgb, dst), words = has(ten, dst) || dst == 603;
                 expect(request(src, dst), has(ten, src) ? bytes || words : has(yuv, src) && bytes);
+                expect(request(ZELT_CS_R10G10B10, dst), has(ten, dst));
             }
     for (const int32_t value : {-1, 0, 1, 2, 3, INT32_MAX, INT32_MIN}) {
         expect(request(11, 500, value), value >= 0 && value < 3);
