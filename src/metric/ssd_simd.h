@@ -20,14 +20,18 @@ template <int W, class Sample> struct square_step {
         else
             return load_rows_16<columns, rows>(p, stride);
     }
-    static auto load_and_step(const Sample*& p, std::ptrdiff_t n) {
+    template <class T> static auto load_next_two(const T*& p, std::ptrdiff_t n) {
         if constexpr (of_bytes)
             return load_two(p, n);
         else
             return load_two_16(p, n);
     }
-    static auto load_next(const u8*& p) { return load_four(p); }
-    static auto load_next(const s16*& p) { return load_four_16(p); }
+    template <class T> static auto load_next_four(const T*& p) {
+        if constexpr (of_bytes)
+            return load_four(p);
+        else
+            return load_four_16(p);
+    }
 };
 
 template <int W, int H, class Sample, class Sums>

@@ -22,16 +22,16 @@ template <int W, int H, int N, int Widest> struct step {
 template <int W, int H> struct byte_step : step<W, H, shared_bytes, lanes> {
     using base = step<W, H, shared_bytes, lanes>;
     static auto load(const u8* p, std::ptrdiff_t stride) { return load_rows<base::columns, base::rows>(p, stride); }
-    static auto load_and_step(const u8*& p, std::ptrdiff_t n) { return load_two(p, n); }
-    static auto load_next(const u8*& p) { return load_four(p); }
+    template <class T> static auto load_next_two(const T*& p, std::ptrdiff_t n) { return load_two(p, n); }
+    template <class T> static auto load_next_four(const T*& p) { return load_four(p); }
 };
 template <int W, int H> struct word_step : step<W, H, 8, lanes_16> {
     using base = step<W, H, 8, lanes_16>;
     template <class T> static auto load(const T* p, std::ptrdiff_t stride) {
         return load_rows_16<base::columns, base::rows>(p, stride);
     }
-    template <class T> static auto load_and_step(const T*& p, std::ptrdiff_t n) { return load_two_16(p, n); }
-    static auto load_next(const s16*& p) { return load_four_16(p); }
+    template <class T> static auto load_next_two(const T*& p, std::ptrdiff_t n) { return load_two_16(p, n); }
+    template <class T> static auto load_next_four(const T*& p) { return load_four_16(p); }
 };
 
 /// The rows of two blocks, four in a turn: as a base and 0 to 3 strides where loads take an index, otherwise as a place
@@ -70,6 +70,17 @@ private:
     place<B> b_;
 };
 
+/// Two registers of a row; p moves on by n samples.
+template <class Step, class T> [[gnu::always_inline]] inline auto load_and_step(const T*& p, std::ptrdiff_t n) {
+    if constexpr (registers_at_once >= 2) {
+        return Step::load_next_two(p, n);
+    } else {
+        const two<decltype(Step::load(p, 0))> v = {Step::load(p, 0), Step::load(p + Step::columns, 0)};
+        p += n;
+        return v;
+    }
+}
+
 /// s = f(s, a, b, last) with every two registers of a row, four loaded at once where that pays; both addresses move on
 /// to the next row, with the loads or after them.
 template <class Step, int W, bool Steps, class S, class A, class B, class F>
@@ -79,18 +90,18 @@ template <class Step, int W, bool Steps, class S, class A, class B, class F>
     static_assert(W % two == 0);
     const A* pa = a;
     const B* pb = b;
-    if constexpr (loads_four && W % (2 * two) == 0 && std::is_same_v<A, B>) {
+    if constexpr (registers_at_once >= 4 && W % (2 * two) == 0 && std::is_same_v<A, B>) {
         for (int x = 2 * two; x <= W; x += 2 * two) {
-            const auto va = Step::load_next(pa);
-            const auto vb = Step::load_next(pb);
+            const auto va = Step::load_next_four(pa);
+            const auto vb = Step::load_next_four(pb);
             s = f(f(s, va.first, vb.first, false), va.second, vb.second, x == W);
         }
         a = step_on(a, sa), b = step_on(b, sb);
         return s;
     }
     for (int x = two; x <= W; x += two) {
-        const auto va = Step::load_and_step(pa, x < W || !Steps ? two : two - W + sa);
-        const auto vb = Step::load_and_step(pb, x < W || !Steps ? two : two - W + sb);
+        const auto va = load_and_step<Step>(pa, x < W || !Steps ? two : two - W + sa);
+        const auto vb = load_and_step<Step>(pb, x < W || !Steps ? two : two - W + sb);
         s = f(s, va, vb, x == W);
     }
     a = Steps ? hide_from_optimizer(pa) : step_on(a, sa);

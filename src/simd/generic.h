@@ -15,9 +15,9 @@ using s16x2n = widened<s16xn>;
 template <int N> using u16_of = u16x8;
 template <class V> using u32_of = u32x4;
 
-constexpr int shared_bytes = 16;
+constexpr int shared_bytes = 16, registers_at_once = 4;
 constexpr bool loads_step = false, pairing_is_free = true, squares_narrow_bytes = false, loads_scale_an_index = false;
-constexpr bool loads_take_an_index = false, loads_four = false, store3_beats_a_loop = false;
+constexpr bool loads_take_an_index = false, store3_beats_a_loop = false;
 constexpr bool sums_rows_apart = true, wide_pixels_need_prefetch = false;
 constexpr int stores_ahead = 0;
 constexpr std::size_t memset_from = SIZE_MAX, memcpy_from = 512, string_fill_from = SIZE_MAX;

@@ -3,12 +3,12 @@
 
 namespace zelt::inline ZELT_LEVEL::vec {
 #ifdef __aarch64__
-constexpr bool loads_take_an_index = true, loads_step = false, loads_four = true;  // stepping is slow on some
-constexpr int shared_bytes = 1;                                                    // a load of a lane takes no index
+constexpr bool loads_take_an_index = true, loads_step = false;  // stepping is slow on some
+constexpr int shared_bytes = 1, registers_at_once = 4;          // a load of a lane takes no index
 constexpr std::size_t memset_from = 192, memcpy_from = 96;
 #else
-constexpr bool loads_take_an_index = false, loads_step = true, loads_four = false;
-constexpr int shared_bytes = 8;
+constexpr bool loads_take_an_index = false, loads_step = true;
+constexpr int shared_bytes = 8, registers_at_once = 2;
 constexpr std::size_t memset_from = SIZE_MAX, memcpy_from = 512;
 #endif
 constexpr bool loads_scale_an_index = false, squares_narrow_bytes = true, pairing_is_free = false;

@@ -114,9 +114,6 @@ inline two<two<u16xn>> load_four_16(const s16*& p) {
     p += 32;
     return {{(u16xn)v.val[0], (u16xn)v.val[1]}, {(u16xn)v.val[2], (u16xn)v.val[3]}};
 }
-#else
-inline two<two<u8xn>> load_four(const u8*& p) { return {load_two(p, 32), load_two(p, 32)}; }
-inline two<two<u16xn>> load_four_16(const s16*& p) { return {load_two_16(p, 16), load_two_16(p, 16)}; }
 #endif
 template <int W, int R> u16xn difference_of_rows(const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
     return (u16xn)vsubl_u8(pack_half<W, R>(a, sa), pack_half<W, R>(b, sb));

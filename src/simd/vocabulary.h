@@ -82,10 +82,11 @@
 //                                register of 8 bytes where there are such; what is left of it is 0
 //   load_rows_16<W, R>           the same of s16 and u16 samples, and of bytes widened: R rows of W values, together up
 //                                to 8 or lanes_16, in V
-//   load_two(p, n)               {first, second}: the register of bytes at p and the next one; p moves on by n samples
+//   load_two(p, n)               where registers_at_once is 2 or more, {first, second}: the register of bytes at p and
+//                                the next one; p moves on by n samples
 //   load_two_16(p, n)            the same of lanes_16 samples each, as load_rows_16 takes them
 //   load_four(p), load_four_16(p)
-//                                {{first, second}, {third, last}}, bytes and s16; p is then beyond them
+//                                where it is 4, {{first, second}, {third, last}}, bytes and s16; p is then beyond them
 //   store_two_16(p, v, n)        first and second of two registers of s16, one after the other; p moves on by n samples
 //   store_widened(p, v, n)       p moves on by n samples
 //   store_rows_16<W, R>          R rows of W s16; together up to 8, or a row of lanes_16
@@ -124,7 +125,7 @@
 //                                an address of base and index costs nothing, and one of base and twice the index
 //   loads_step                   a load or store steps its address on at no cost. There load, load2, load3, load4,
 //                                load_16 and their stores give the address after what they dealt with
-//   loads_four                   load_four is faster than load_two twice
+//   registers_at_once            of a row are best loaded together: 1, 2 or 4
 //   shared_bytes                 bytes up to which the rows of a narrow block share a register
 //   squares_narrow_bytes         add_squares takes bytes of narrow rows
 //   pairing_is_free              paired_residual costs no more than a difference

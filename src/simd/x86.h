@@ -8,9 +8,9 @@
 #include <immintrin.h>
 
 namespace zelt::inline ZELT_LEVEL::vec {
-constexpr int shared_bytes = 16;
+constexpr int shared_bytes = 16, registers_at_once = 1;
 constexpr bool loads_step = false, pairing_is_free = true, squares_narrow_bytes = false, loads_scale_an_index = true;
-constexpr bool loads_take_an_index = true, loads_four = false, store3_beats_a_loop = lanes == 32;
+constexpr bool loads_take_an_index = true, store3_beats_a_loop = lanes == 32;
 constexpr bool sums_rows_apart = true, wide_pixels_need_prefetch = true;
 constexpr int stores_ahead = lanes == 32 ? 1024 : 0;  // a fetch per 16 bytes costs what it gains
 

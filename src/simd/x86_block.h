@@ -58,18 +58,6 @@ template <int W, int R> auto load_rows_16(const s16* samples, std::ptrdiff_t str
 template <int W, int R> auto load_rows_16(const u16* p, std::ptrdiff_t stride) {
     return load_rows_16<W, R>(reinterpret_cast<const s16*>(p), stride);
 }
-inline two<u8xn> load_two(const u8*& p, std::ptrdiff_t n) {
-    const two<u8xn> v = {load_register(p), load_register(p + lanes)};
-    p += n;
-    return v;
-}
-template <class T> two<u16xn> load_two_16(const T*& p, std::ptrdiff_t n) {
-    const two<u16xn> v = {load_rows_16<lanes_16, 1>(p, 0), load_rows_16<lanes_16, 1>(p + lanes_16, 0)};
-    p += n;
-    return v;
-}
-inline two<two<u8xn>> load_four(const u8*& p) { return {load_two(p, 2 * lanes), load_two(p, 2 * lanes)}; }
-inline two<two<u16xn>> load_four_16(const s16*& p) { return {load_two_16(p, lanes), load_two_16(p, lanes)}; }
 inline void store_two_16(s16*& p, two<u16xn> v, std::ptrdiff_t n) {
     store_unaligned(reinterpret_cast<u8*>(p), v.first), store_unaligned(reinterpret_cast<u8*>(p + lanes_16), v.second);
     p += n;

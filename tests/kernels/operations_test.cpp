@@ -275,24 +275,32 @@ template <bool Free> void check_pairs_of_rows() {
         });
     }
 }
-/// Moves by so many registers, a number that the compiler knows, or by as many as the argument says
-template <int Known> void check_two_registers(int registers) {
-    SAME(whole, 32, 32, row, row, const u8* p = a; const auto v = load_two(p, Known * lanes);
-         to(out, v.first), to(out + lanes, v.second); return u64{p != a + Known * lanes});
-    SAME(whole, 64, 64, row, row, const u8* p = a; const auto v = load_four(p);
-         to(out, v.first.first), to(out + lanes, v.first.second);
-         to(out + 2 * lanes, v.second.first), to(out + 3 * lanes, v.second.second); return u64{p != a + 4 * lanes});
-    SAME(whole, 64, 64, row, row, const s16* p = words(a); const auto v = load_four_16(p);
-         to(out, v.first.first), to(out + lanes, v.first.second);
-         to(out + 2 * lanes, v.second.first), to(out + 3 * lanes, v.second.second);
-         return u64{p != words(a) + 2 * lanes});
+/// Moves by so many registers, a number that the compiler knows, or by as many as the argument says. Types are
+/// parameters, or loads that a target has not would not compile.
+template <int Known, class Byte, class Word> void check_loads_of_several(int registers) {
+    if constexpr (vec::registers_at_once >= 2) {
+        SAME(whole, 32, 32, row, row, const Byte* p = a; const auto v = load_two(p, Known * lanes);
+             to(out, v.first), to(out + lanes, v.second); return u64{p != a + Known * lanes});
+        for (const int k : {Known, registers}) {
+            SAME(whole, 32, 32, row, row, const Byte* p = a; const auto v = load_two(p, k * lanes);
+                 to(out, v.first), to(out + lanes, v.second); return u64{p != a + k * lanes});
+            SAME(whole, 16, 32, row, row, const Byte* p = a; const auto v = load_two_16(p, k * lanes);
+                 to(out, v.first), to(out + lanes, v.second); return u64{p != a + k * lanes});
+            SAME(whole, 32, 32, row, row, const Word* p = words(a); const auto v = load_two_16(p, k * lanes);
+                 to(out, v.first), to(out + lanes, v.second); return u64{p != words(a) + k * lanes});
+        }
+    }
+    if constexpr (vec::registers_at_once >= 4) {
+        const auto all = [](u8* out, const auto& v) {
+            for (const auto& two : {v.first, v.second}) to(out, two.first), to(out + 16, two.second), out += 32;
+        };
+        SAME(whole, 64, 64, row, row, const Byte* p = a; all(out, load_four(p)); return u64{p != a + 4 * lanes});
+        SAME(whole, 64, 64, row, row, const Word* p = words(a); all(out, load_four_16(p));
+             return u64{p != words(a) + 2 * lanes});
+    }
+}
+template <int Known> void check_stores_of_two(int registers) {
     for (const int k : {Known, registers}) {
-        SAME(whole, 32, 32, row, row, const u8* p = a; const auto v = load_two(p, k * lanes);
-             to(out, v.first), to(out + lanes, v.second); return u64{p != a + k * lanes});
-        SAME(whole, 16, 32, row, row, const u8* p = a; const auto v = load_two_16(p, k * lanes);
-             to(out, v.first), to(out + lanes, v.second); return u64{p != a + k * lanes});
-        SAME(whole, 32, 32, row, row, const s16* p = words(a); const auto v = load_two_16(p, k * lanes);
-             to(out, v.first), to(out + lanes, v.second); return u64{p != words(a) + k * lanes});
         SAME(whole, 32, 32, row, row, s16* p = words(out);
              store_two_16(p, {load_as<u16xn>(a), load_as<u16xn>(a + lanes)}, k * lanes);
              return u64{p != words(out) + k * lanes});
@@ -300,7 +308,10 @@ template <int Known> void check_two_registers(int registers) {
              return u64{p != words(out) + k * lanes});
     }
 }
-TEST(operations, of_two_registers) { check_two_registers<1>(-1), check_two_registers<2>(3); }
+TEST(operations, loads_of_several_registers) {
+    check_loads_of_several<1, u8, s16>(-1), check_loads_of_several<2, u8, s16>(3);
+}
+TEST(operations, stores_of_two_registers) { check_stores_of_two<1>(-1), check_stores_of_two<2>(3); }
 
 TEST(operations, of_rows) {
     check_rows<2, 1>(), check_rows<2, 2>(), check_rows<2, 3>(), check_rows<2, 4>(), check_rows<2, 5>();
