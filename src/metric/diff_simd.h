@@ -20,9 +20,11 @@ template <int W, int H, class A, class B> void diff(const A* a, const B* b, int 
             }
             return p;
         };
-#pragma GCC unroll 8
-        for (int y = 0; y < H; ++y)
-            d = hide_from_optimizer(each_two_of_row<step, W, loads_step>(d, a, b, sa, sb, subtract));
+        ZELT_UNROLL(8)
+        for (int y = 0; y < H; ++y) {
+            each_two_of_row<step, W, loads_step>(d, a, b, sa, sb, subtract);
+            d = hide_from_optimizer(d);
+        }
     } else {
         static_assert(H == rows || H % (2 * rows) == 0, "no form for blocks of this size");
         rows_of_two<A, B> places(a, b, rows * sa, rows * sb);
@@ -43,7 +45,7 @@ template <int W, int H, class A, class B> void diff(const A* a, const B* b, int 
             store(d, load(a, b));
             return;
         }
-#pragma GCC unroll 8
+        ZELT_UNROLL(8)
         for (int y = 0; y < H; y += 2 * rows) {
             const auto v = places.at(0, load);
             if (loads_step) d = store(d, v);

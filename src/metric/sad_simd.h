@@ -14,24 +14,30 @@ constexpr bool worth_a_register = W % 2 == 0 && (W * H) * static_cast<int>(sizeo
 // ------------------------------------------------------------------------------------------------------- 8-bit samples
 
 template <int W, int H, class Sums>
-Sums add_block(Sums sum, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
-    return each_step<byte_step<W, H>, W, H, 16>(
+#ifdef __clang__  // would not inline it by itself, and keep the sums in memory
+[[gnu::always_inline]]
+#endif
+inline void
+add_block(Sums& sum, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
+    each_step<byte_step<W, H>, W, H, 16>(
         sum, a, b, sa, sb,
-        [](auto s, auto va, auto vb) __attribute__((always_inline)) { return add_abs_diff(s, vb, va); });
+        [](const Sums& s, auto va, auto vb) __attribute__((always_inline)) { return add_abs_diff(s, vb, va); });
 }
 
 template <int W, int H>
 requires worth_a_register<W, H, u8> u32 sad(const u8* a, const u8* b, int sa, int sb) {
     using step = byte_step<W, H>;
-    return reduce_add(add_block<W, H>(abs_diff_sums_8<W, W / step::columns*(H / step::rows)>{}, a, b, sa, sb));
+    abs_diff_sums_8<W, W / step::columns*(H / step::rows)> sum{};
+    add_block<W, H>(sum, a, b, sa, sb);
+    return reduce_add(sum);
 }
 
 /// Up to as many rows as the partial sums can take
 constexpr int rows_at_once = 256;
 template <int W> u32 sad_few_rows(int h, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t sb) {
     abs_diff_sums_8<W, rows_at_once> sum{};
-    for (; h >= 8; h -= 8, a += 8 * sa, b += 8 * sb) sum = add_block<W, 8>(sum, a, b, sa, sb);
-    for (; h > 0; --h, a += sa, b += sb) sum = add_block<W, 1>(sum, a, b, sa, sb);
+    for (; h >= 8; h -= 8, a += 8 * sa, b += 8 * sb) add_block<W, 8>(sum, a, b, sa, sb);
+    for (; h > 0; --h, a += sa, b += sb) add_block<W, 1>(sum, a, b, sa, sb);
     return reduce_add(sum);
 }
 template <int W>
@@ -73,8 +79,8 @@ int sad_eskip(int h, const u8* a, const u8* b, std::ptrdiff_t sa, std::ptrdiff_t
 /// of the last rows it always is, and nothing depends on a branch that is taken at random.
 template <int W, int R>
 bool add_until(u32& sum, const u8*& a, const u8*& b, std::ptrdiff_t sa, std::ptrdiff_t sb, int threshold, bool last) {
-    abs_diff_sums_8<W, R> rows[R];
-    for (auto& row : rows) row = add_block<W, 1>(abs_diff_sums_8<W, R>{}, a, b, sa, sb), a += sa, b += sb;
+    abs_diff_sums_8<W, R> rows[R] = {};
+    for (auto& row : rows) add_block<W, 1>(row, a, b, sa, sb), a += sa, b += sb;
     if (const u32 next = sum + reduce_add(rows); R == 1 || (!last && static_cast<int>(next) <= threshold)) {
         sum = next;
         return last || static_cast<int>(sum) > threshold;
@@ -134,7 +140,7 @@ template <class V> class abs_diffs {
 public:
     static constexpr int at_once = 8;
 
-    void add(abs_diff_sums_16<V> part) { sum_ = pairwise_add_accumulate(sum_, part.sum), seen_ |= seen(part); }
+    void add(const abs_diff_sums_16<V>& part) { sum_ = pairwise_add_accumulate(sum_, part.sum), seen_ |= seen(part); }
     bool exact() const { return exact_abs_diffs(seen_); }
     u32 reduce_add() const { return vec::reduce_add(sum_); }
 
@@ -165,11 +171,13 @@ requires worth_a_register<W, H, s16> u32 sad(const s16* a, const B* b, int s_a, 
             V a, b;  // the first ones
             bool second;
         };
-        const auto add = [](by_two s, V va, V vb) {
-            if (s.second) add_abs_diffs(s.part, s.b, s.a, vb, va);
-            return by_two{s.part, va, vb, !s.second};
+        const auto add = [](const by_two& s, V va, V vb) {
+            by_two next = {s.part, va, vb, !s.second};
+            if (s.second) add_abs_diffs(next.part, s.b, s.a, vb, va);
+            return next;
         };
-        by_two s = each_step<step, W, group, abs_diffs<V>::at_once>(by_two{}, pa, pb, sa, sb, add);
+        by_two s{};
+        each_step<step, W, group, abs_diffs<V>::at_once>(s, pa, pb, sa, sb, add);
         if (odd) add_abs_diff(s.part, s.b, s.a);
         all.add(s.part);
     }

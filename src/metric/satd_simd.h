@@ -127,7 +127,7 @@ template <int W, range Range, class A>
 [[gnu::always_inline]] inline void add_strip(tile_costs<Range>& costs, int h, const A* pa, const A* pb,
                                              std::ptrdiff_t sa, std::ptrdiff_t sb) {
     if constexpr (W == 4) {
-#pragma GCC unroll 1  // gcc knows rows_at_once, and would call up to 16 times
+        ZELT_UNROLL(1)  // gcc knows rows_at_once, and would call up to 16 times
         for (; h > 0; h -= 4, pa += 4 * sa, pb += 4 * sb) costs.sum += extend(tile_cost(half_costs(pa, pb, sa, sb)));
     } else {
         rows_of_two<A, A> places(pa, pb, sa, sb);
@@ -186,12 +186,16 @@ template <class A> u32 satd_tiles(int w, int h, const A* a, const A* b, int sa, 
 constexpr int rows_together = lanes_16 / 8, registers = 8 / rows_together;
 
 /// The stages between registers, of butterflies B; they come first, as exchanges take their places.
-template <auto B, class V> void stages_between(V* v) {
-    for (int distance = 1; distance < registers; distance *= 2)
+template <auto B, class V> [[gnu::always_inline]] inline void stages_between(V* v) {
+    ZELT_UNROLL(4)
+    for (int distance = 1; distance < registers; distance *= 2) {
+        ZELT_UNROLL(8)
         for (int i = 0; i < registers; ++i)
             if (!(i & distance)) B(v[i], v[i + distance]);
+    }
 }
-template <auto B, auto Exchange, class V> void stage_within(V* v) {
+template <auto B, auto Exchange, class V> [[gnu::always_inline]] inline void stage_within(V* v) {
+    ZELT_UNROLL(4)
     for (int i = 0; i < registers; i += 2) Exchange(v[i], v[i + 1]), B(v[i], v[i + 1]);
 }
 /// The stage between rows that share a register
@@ -211,7 +215,7 @@ inline u32 satd8x8(const u8* a, const u8* b, int s_a, int s_b) {
         else
             return residual<8, rows_together>(pa, pb, 4 * sa, 4 * sb);
     };
-#pragma GCC unroll 8
+    ZELT_UNROLL(8)
     for (int i = 0; i < registers; ++i) {
         v[i] = places.at(i % 4, difference);
         if (i == 3) places.next_turn(4);
@@ -220,6 +224,7 @@ inline u32 satd8x8(const u8* a, const u8* b, int s_a, int s_b) {
     if (!pairing_is_free) stage_within<butterfly<u16xn>, transpose2x2_64<u16xn>>(v);
     stage_within<butterfly<u16xn>, transpose2x2_32<u16xn>>(v);
     stage_of_lanes<butterfly<u16xn>>(v);
+    ZELT_UNROLL(4)
     for (int i = 0; i < registers; i += 2) half += last_of_neighbours(v[i], v[i + 1]);  // 32640 at most
     return rounded_cost(reduce_add(half));
 }
@@ -230,11 +235,25 @@ template <class A, class B> [[gnu::cold, gnu::noinline]] u32 satd8x8_of_large(co
 
 /// In 16 bits with saturation: a value out of range saturates, and each later stage makes another one of it, up to the
 /// last. Differences of up to 10 bits never do, others rarely. The scalar form has the result then.
-template <class A, class B> u32 satd8x8(const A* a, const B* b, int sa, int sb) {
+template <class A, class B> u32 satd8x8(const A* a, const B* b, int s_a, int s_b) {
+    const std::ptrdiff_t sa = s_a, sb = s_b;
     u16xn v[registers], seen{}, peak{};
+    rows_of_two<A, B> places(a, b, sa, sb);
+    const auto of_a = [=](const A* p) { return load_rows_16<8, rows_together>(p, 4 * sa); };
+    const auto of_b = [=](const B* p) { return load_rows_16<8, rows_together>(p, 4 * sb); };
+    const auto load = [=](const A* pa, const B* pb) __attribute__((always_inline)) {
+        return two<u16xn>{of_a(pa), of_b(pb)};
+    };
+    ZELT_UNROLL(8)
     for (int i = 0; i < registers; ++i) {
-        const u16xn va = load_rows_16<8, rows_together>(a + i * std::ptrdiff_t{sa}, 4 * std::ptrdiff_t{sa});
-        const u16xn vb = load_rows_16<8, rows_together>(b + i * std::ptrdiff_t{sb}, 4 * std::ptrdiff_t{sb});
+        u16xn va, vb;
+        if constexpr (loads_scale_an_index) {  // gcc takes a register less for these
+            va = of_a(a + i * sa), vb = of_b(b + i * sb);
+        } else {
+            const auto rows = places.at(i % 4, load);
+            va = rows.first, vb = rows.second;
+            if (i == 3) places.next_turn(4);
+        }
         v[i] = sub_sat(va, vb);
         if (std::is_same_v<A, u16>) seen |= va | vb;  // unsigned samples of 16 bits are read as if they were signed
     }
@@ -243,12 +262,13 @@ template <class A, class B> u32 satd8x8(const A* a, const B* b, int sa, int sb) 
     stage_within<butterfly_sat<u16xn>, transpose2x2_32<u16xn>>(v);
     stage_of_lanes<butterfly_sat<u16xn>>(v);
     u32xn half{};
+    ZELT_UNROLL(4)
     for (int i = 0; i < registers; i += 2) {
         const u16xn last = last_of_neighbours(v[i], v[i + 1]);
         half = pairwise_add_accumulate(half, last), peak = max(peak, last);
     }
     if (any_sign_bit(seen | (peak + 1))) [[unlikely]]
-        return satd8x8_of_large(a, b, sa, sb);
+        return satd8x8_of_large(a, b, s_a, s_b);
     return rounded_cost(reduce_add(half));
 }
 }  // namespace zelt::inline ZELT_LEVEL::simd

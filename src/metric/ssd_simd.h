@@ -35,11 +35,13 @@ template <int W, class Sample> struct square_step {
 };
 
 template <int W, int H, class Sample, class Sums>
-[[gnu::always_inline]] inline Sums add_block(Sums sum, const Sample* a, const Sample* b, std::ptrdiff_t sa,
+[[gnu::always_inline]] inline void add_block(Sums& sum, const Sample* a, const Sample* b, std::ptrdiff_t sa,
                                              std::ptrdiff_t sb) {
-    const auto add = [](Sums s, auto va, auto vb) __attribute__((always_inline)) { return add_squares(s, va, vb); };
+    const auto add = [](const Sums& s, auto va, auto vb) __attribute__((always_inline)) {
+        return add_squares(s, va, vb);
+    };
     constexpr int few = squares_narrow_bytes ? 16 : 4;  // so many squares start the sums without adding to 0
-    return each_step<square_step<W, Sample>, W, H, few>(sum, a, b, sa, sb, add);
+    each_step<square_step<W, Sample>, W, H, few>(sum, a, b, sa, sb, add);
 }
 
 /// Any number of rows. Used as far as gcc knows: or it leaves out arguments, and callers move the others.
@@ -51,8 +53,8 @@ template <int W, class Sample>
     typename square_step<W, Sample>::sums sum{};
     int left = h;
     for (; left >= 4 * rows; left -= 4 * rows, pa += 4 * rows * sa, pb += 4 * rows * sb)
-        sum = add_block<W, 4 * rows>(sum, pa, pb, sa, sb);
-    for (; left >= rows; left -= rows, pa += rows * sa, pb += rows * sb) sum = add_block<W, rows>(sum, pa, pb, sa, sb);
+        add_block<W, 4 * rows>(sum, pa, pb, sa, sb);
+    for (; left >= rows; left -= rows, pa += rows * sa, pb += rows * sb) add_block<W, rows>(sum, pa, pb, sa, sb);
     if (std::is_same_v<Sample, s16> && !exact(sum)) [[unlikely]]
         return scalar::ssd<W>(W, h, a, b, s_a, s_b);
     return reduce_add(sum) + scalar::ssd<W>(W, left, pa, pb, s_a, s_b);
@@ -61,7 +63,8 @@ template <int W, class Sample>
 /// W columns and H rows
 template <int W, int H, class Sample>
 [[gnu::always_inline]] inline u32 ssd_of_block(const Sample* a, const Sample* b, int sa, int sb) {
-    const auto sum = add_block<W, H>(typename square_step<W, Sample>::sums{}, a, b, sa, sb);
+    typename square_step<W, Sample>::sums sum{};
+    add_block<W, H>(sum, a, b, sa, sb);
     if (std::is_same_v<Sample, s16> && !exact(sum)) [[unlikely]]
         return ssd_of_rows<W>(W, H, a, b, sa, sb);
     return reduce_add(sum);
@@ -73,7 +76,8 @@ template <int W, class Sample>
 }
 
 /// Squares are code of their own. Width and height come along unused so that all arguments stay where they are.
-template <int W, class Sample> u32 ssd(int w, int h, const Sample* a, const Sample* b, int sa, int sb) {
+template <int W, class Sample>
+[[gnu::always_inline]] inline u32 ssd(int w, int h, const Sample* a, const Sample* b, int sa, int sb) {
     if (h != W) return ssd_of_rows<W>(w, h, a, b, sa, sb);
     return W <= 8 ? ssd_of_block<W, W>(a, b, sa, sb) : ssd_of_large_square<W>(w, h, a, b, sa, sb);
 }

@@ -1,8 +1,16 @@
-#pragma once  // optimisation barriers
+#pragma once  // optimisation barriers and hints
 #include "simd/level.h"
 
 #include <cstddef>
 #include <type_traits>
+
+// Stands before a loop: n turns become one, and with 1 it stays a loop. clang ignores the pragma of gcc.
+#ifdef __clang__
+#define ZELT_UNROLL(n) ZELT_PRAGMA(clang loop unroll_count(n))
+#else
+#define ZELT_UNROLL(n) ZELT_PRAGMA(GCC unroll n)
+#endif
+#define ZELT_PRAGMA(...) _Pragma(#__VA_ARGS__)
 
 namespace zelt::inline ZELT_LEVEL {
 /// Hides from the compiler how a value came about: a pointer, an integer or a register.
@@ -34,6 +42,23 @@ template <class T> T* step_on(T* p, std::ptrdiff_t n) {
     return hide_from_optimizer(p + n);
 #endif
 }
+
+/// Keeps clang from adding up in another order, with all that is added in registers that there are not. gcc has an
+/// option for it.
+template <class V> V in_order(V sum) {
+#ifdef __clang__
+    return hide_from_optimizer(sum);
+#else
+    return sum;
+#endif
+}
+
+/// Whether the compiler loads all of a long piece of straight code first, for which there are not the registers
+#ifdef __clang__
+constexpr bool loads_come_first = true;
+#else
+constexpr bool loads_come_first = false;
+#endif
 
 /// On targets with post-increment addressing, keeps gcc from splitting one stepped pointer into many of a base and an
 /// offset.

@@ -84,21 +84,23 @@ template <class Step, class T> [[gnu::always_inline]] inline auto load_and_step(
 /// s = f(s, a, b, last) with every two registers of a row, four loaded at once where that pays; both addresses move on
 /// to the next row, with the loads or after them.
 template <class Step, int W, bool Steps, class S, class A, class B, class F>
-[[gnu::always_inline]] inline S each_two_of_row(S s, const A*& a, const B*& b, std::ptrdiff_t sa, std::ptrdiff_t sb,
-                                                F f) {
+[[gnu::always_inline]] inline void each_two_of_row(S& s, const A*& a, const B*& b, std::ptrdiff_t sa, std::ptrdiff_t sb,
+                                                   F f) {
     constexpr int two = 2 * Step::columns;
     static_assert(W % two == 0);
     const A* pa = a;
     const B* pb = b;
     if constexpr (registers_at_once >= 4 && W % (2 * two) == 0 && std::is_same_v<A, B>) {
+        ZELT_UNROLL(4)
         for (int x = 2 * two; x <= W; x += 2 * two) {
             const auto va = Step::load_next_four(pa);
             const auto vb = Step::load_next_four(pb);
             s = f(f(s, va.first, vb.first, false), va.second, vb.second, x == W);
         }
         a = step_on(a, sa), b = step_on(b, sb);
-        return s;
+        return;
     }
+    ZELT_UNROLL(4)
     for (int x = two; x <= W; x += two) {
         const auto va = load_and_step<Step>(pa, x < W || !Steps ? two : two - W + sa);
         const auto vb = load_and_step<Step>(pb, x < W || !Steps ? two : two - W + sb);
@@ -106,44 +108,46 @@ template <class Step, int W, bool Steps, class S, class A, class B, class F>
     }
     a = Steps ? hide_from_optimizer(pa) : step_on(a, sa);
     b = Steps ? hide_from_optimizer(pb) : step_on(b, sb);
-    return s;
 }
 
 /// s = f(s, a, b) with every register of a block, four rows of registers in a turn. Blocks of few registers are
 /// straight code. Of others two turns are enough: gcc would keep all sums live, and spill. Both addresses move on to
-/// the next row.
+/// the next row. Sums of several registers go by reference: clang for ARMv7 takes a structure that it copies for a call
+/// apart into core registers.
 template <class Step, int W, int H, int Few, class S, class A, class B, class F>
-[[gnu::always_inline]] inline S each_step(S s, const A*& a, const B*& b, std::ptrdiff_t sa, std::ptrdiff_t sb, F f) {
+[[gnu::always_inline]] inline void each_step(S& s, const A*& a, const B*& b, std::ptrdiff_t sa, std::ptrdiff_t sb,
+                                             F f) {
     constexpr int rows = H / Step::rows;
     constexpr bool few = loads_take_an_index && !loads_scale_an_index && rows <= 8;  // two need no multiple of a stride
-    constexpr int turn = divisor_of(rows, few ? 2 : 4) * Step::rows;
-    constexpr int turns_at_once = W / Step::columns * rows <= Few ? H / turn : H / turn % 2 ? 1 : 2;
+    constexpr bool short_turns = loads_come_first && W >= 4 * Step::columns;
+    constexpr int turn = divisor_of(rows, few || short_turns ? 2 : 4) * Step::rows;
+    constexpr int turns_at_once = short_turns ? 1 : W / Step::columns * rows <= Few ? H / turn : H / turn % 2 ? 1 : 2;
     static_assert(W % Step::columns == 0 && H % Step::rows == 0);
     rows_of_two<A, B> places(a, b, Step::rows * sa, Step::rows * sb);
     const auto load = [=](const A* pa, const B* pb) __attribute__((always_inline)) {
         return two<decltype(Step::load(pa, sa))>{Step::load(pa, sa), Step::load(pb, sb)};
     };
-    const auto f_of_two = [=](S t, auto va, auto vb, bool) __attribute__((always_inline)) {
+    const auto f_of_two = [=](const S& t, const auto& va, const auto& vb, bool) __attribute__((always_inline)) {
         return f(f(t, va.first, vb.first), va.second, vb.second);
     };
     constexpr bool steps = loads_step || W == 2 * Step::columns;  // a load of two registers has no offset
-#pragma GCC unroll 1
-    for (int y = 0; y < H; y += turn * turns_at_once)
-#pragma GCC unroll 16
+    ZELT_UNROLL(1)
+    for (int y = 0; y < H; y += turn * turns_at_once) {
+        ZELT_UNROLL(16)
         for (int n = 0; n < turns_at_once; ++n)
             if constexpr (W > Step::columns) {
-#pragma GCC unroll 4
-                for (int i = 0; i < turn; ++i) s = each_two_of_row<Step, W, steps>(s, a, b, sa, sb, f_of_two);
+                ZELT_UNROLL(4)
+                for (int i = 0; i < turn; ++i) each_two_of_row<Step, W, steps>(s, a, b, sa, sb, f_of_two);
             } else {
-#pragma GCC unroll 4
+                ZELT_UNROLL(4)
                 for (int i = 0; i < turn / Step::rows; ++i) {
                     const auto v = places.at(i, load);
                     s = f(s, v.first, v.second);
                 }
                 places.next_turn(turn / Step::rows);
             }
+    }
     if constexpr (W == Step::columns) a = places.a(), b = places.b();
-    return s;
 }
 
 /// The difference of R rows of W samples each

@@ -23,6 +23,13 @@ template <int Bytes, int R> uint8x8_t pack_half(const u8* p, std::ptrdiff_t stri
         return vld1_u8(p);
     } else if constexpr (Bytes == 4) {
         const auto row = [=](int i) { return reinterpret_cast<const u32_anywhere*>(p + i * stride); };
+#if defined(__aarch64__) && defined(__clang__)  // which would load a lane of a register that it clears first
+        if constexpr (R == 1) {
+            uint8x8_t v;
+            asm("ldr %s0, %1" : "=w"(v) : "m"(*row(0)));
+            return v;
+        }
+#endif
         if constexpr (R == 1) return vreinterpret_u8_u32(vld1_lane_u32(row(0), vdup_n_u32(0), 0));
         return vreinterpret_u8_u32(vld1_lane_u32(row(R - 1), vld1_dup_u32(row(0)), 1));
     } else {
@@ -56,7 +63,11 @@ template <int W, int R> auto load_rows(const u8* p, std::ptrdiff_t stride) {
 }
 template <int W, int R> u16xn load_rows_16(const u8* p, std::ptrdiff_t stride) {
     static_assert(rows_fit(W, R, 2, lanes));
-    return (u16xn)vmovl_u8(pack_half<W, R>(p, stride));
+    uint8x8_t v = pack_half<W, R>(p, stride);
+#if defined(__arm__) && defined(__clang__)  // which would widen as it loads, by way of core registers and the stack
+    v = hide_from_optimizer(v);
+#endif
+    return (u16xn)vmovl_u8(v);
 }
 template <int W, int R> u16xn load_rows_16(const s16* p, std::ptrdiff_t stride) {
     static_assert(rows_fit(W, R, 2, lanes));
@@ -80,12 +91,16 @@ inline two<u8xn> load_32(const u8*& p, std::ptrdiff_t n) {
     } v = {whole};
     return {(u8xn)v.two.val[0], (u8xn)v.two.val[1]};
 #else
+#ifdef __aarch64__
     two<u8xn> v = {(u8xn)vld1q_u8(p), (u8xn)vld1q_u8(p + 16)};
-#ifdef __aarch64__  // On ARMv7 clang takes the address to be aligned.
     if (!__builtin_constant_p(n)) {  // not part of a wider row: there ldp takes an offset, ld1 of two registers none
         const uint8x16x2_t both = vld1q_u8_x2(p);
         v = {(u8xn)both.val[0], (u8xn)both.val[1]};
     }
+#else  // clang takes the address of vld1q_u8_x2 to be aligned
+    two<u8xn> v;
+    v.first = (u8xn)vld1q_u8(p), p = hide_from_optimizer(p + 16), n -= 16;
+    v.second = (u8xn)vld1q_u8(p);
 #endif
     p += n;
     return v;
@@ -134,9 +149,9 @@ inline void store_two_16(s16*& p, two<u16xn> v, std::ptrdiff_t n) {
 #ifdef __aarch64__
     const uint16x8x2_t both = {{(uint16x8_t)v.first, (uint16x8_t)v.second}};
     vst1q_u16_x2(reinterpret_cast<u16*>(p), both);
-#else  // clang takes the address of two registers to be aligned.
-    vst1q_u8(reinterpret_cast<u8*>(p), (uint8x16_t)v.first);
-    vst1q_u8(reinterpret_cast<u8*>(p + 8), (uint8x16_t)v.second);
+#else  // as in load_32
+    vst1q_u8(reinterpret_cast<u8*>(p), (uint8x16_t)v.first), p = hide_from_optimizer(p + 8), n -= 8;
+    vst1q_u8(reinterpret_cast<u8*>(p), (uint8x16_t)v.second);
 #endif
     p = __builtin_constant_p(n) ? p + n : step_on(p, n);
 #endif
@@ -181,13 +196,13 @@ template <class V> [[gnu::always_inline]] inline bool is_empty(V sum) {
     return __builtin_constant_p(bits[0] | bits[1]) && (bits[0] | bits[1]) == 0;
 }
 [[gnu::always_inline]] inline u16xn add_abs_diff(u16xn s, uint8x8_t a, uint8x8_t b) {
-    return (u16xn)(is_empty(s) ? vabdl_u8(a, b) : vabal_u8((uint16x8_t)s, a, b));
+    return is_empty(s) ? (u16xn)vabdl_u8(a, b) : in_order((u16xn)vabal_u8((uint16x8_t)s, a, b));
 }
 [[gnu::always_inline]] inline u16xn pairwise_add_accumulate(u16xn s, uint8x16_t a) {
-    return (u16xn)(is_empty(s) ? vpaddlq_u8(a) : vpadalq_u8((uint16x8_t)s, a));
+    return is_empty(s) ? (u16xn)vpaddlq_u8(a) : in_order((u16xn)vpadalq_u8((uint16x8_t)s, a));
 }
 [[gnu::always_inline]] inline u32xn pairwise_add_accumulate(u32xn s, u16xn a) {
-    return (u32xn)(is_empty(s) ? vpaddlq_u16((uint16x8_t)a) : vpadalq_u16((uint32x4_t)s, (uint16x8_t)a));
+    return is_empty(s) ? (u32xn)vpaddlq_u16((uint16x8_t)a) : in_order((u32xn)vpadalq_u16((uint32x4_t)s, (uint16x8_t)a));
 }
 inline u32xn pairwise_add_accumulate_abs(u32xn s, u16xn a) { return pairwise_add_accumulate(s, a); }
 
@@ -196,10 +211,10 @@ template <int W, int N> struct abs_diff_sums_8 {
     static_assert(N <= 256);
     u16xn next, second, third, last;
 };
-template <int W, int N> abs_diff_sums_8<W, N> add_abs_diff(abs_diff_sums_8<W, N> s, uint8x8_t a, uint8x8_t b) {
+template <int W, int N> abs_diff_sums_8<W, N> add_abs_diff(const abs_diff_sums_8<W, N>& s, uint8x8_t a, uint8x8_t b) {
     return {s.second, s.third, s.last, add_abs_diff(s.next, a, b)};
 }
-template <int W, int N> abs_diff_sums_8<W, N> add_abs_diff(abs_diff_sums_8<W, N> s, u8xn a, u8xn b) {
+template <int W, int N> abs_diff_sums_8<W, N> add_abs_diff(const abs_diff_sums_8<W, N>& s, u8xn a, u8xn b) {
 #ifdef __aarch64__  // has more of these at a time than of vabal
     return {s.second, s.third, s.last, pairwise_add_accumulate(s.next, vabdq_u8((uint8x16_t)a, (uint8x16_t)b))};
 #else
@@ -207,7 +222,7 @@ template <int W, int N> abs_diff_sums_8<W, N> add_abs_diff(abs_diff_sums_8<W, N>
 #endif
 }
 /// In N times all sums together get 2 N magnitudes at most.
-template <int W, int N> u32 reduce_add(abs_diff_sums_8<W, N> s) {
+template <int W, int N> u32 reduce_add(const abs_diff_sums_8<W, N>& s) {
     const u16xn a = s.next + s.third, b = s.second + s.last;
 #ifdef __aarch64__
     if constexpr (N <= 128) return reduce_add(a + b);
@@ -227,12 +242,17 @@ inline u16xn sub_sat(u16xn a, u16xn b) { return (u16xn)vqsubq_s16((int16x8_t)a, 
 /// A magnitude has 16 bits, so one out of range takes the sum there.
 template <class V> struct abs_diff_sums_16 { V sum; };
 inline uint16x8_t abs_diff(u16xn a, u16xn b) { return (uint16x8_t)vabdq_s16((int16x8_t)a, (int16x8_t)b); }
-inline void add_magnitudes(u16xn& s, uint16x8_t a) { s = (u16xn)(is_empty(s) ? a : vqaddq_u16((uint16x8_t)s, a)); }
+inline void add_magnitudes(u16xn& s, uint16x8_t a) {
+    s = (u16xn)(is_empty(s) ? a : vqaddq_u16((uint16x8_t)s, a));
+#ifdef __aarch64__
+    s = in_order(s);
+#endif
+}
 inline void add_abs_diff(abs_diff_sums_16<u16xn>& s, u16xn a, u16xn b) { add_magnitudes(s.sum, abs_diff(a, b)); }
 inline void add_abs_diffs(abs_diff_sums_16<u16xn>& s, u16xn a, u16xn b, u16xn c, u16xn d) {
     add_magnitudes(s.sum, vqaddq_u16(abs_diff(a, b), abs_diff(c, d)));
 }
-inline u16xn seen(abs_diff_sums_16<u16xn> s) { return s.sum; }
+inline u16xn seen(const abs_diff_sums_16<u16xn>& s) { return s.sum; }
 inline u16 largest(u16xn a) {
 #ifdef __aarch64__
     return vmaxvq_u16((uint16x8_t)a);
@@ -249,29 +269,29 @@ inline bool exact_abs_diffs(u16xn seen) { return !any_sign_bit(seen); }
 /// Taken in turn, so that one sum does not wait for another
 template <class V> struct square_sums { u32xn next, second, third, last; };
 [[gnu::always_inline]] inline u32xn add_square(u32xn s, uint16x4_t d) {
-    return (u32xn)(is_empty(s) ? vmull_u16(d, d) : vmlal_u16((uint32x4_t)s, d, d));
+    return is_empty(s) ? (u32xn)vmull_u16(d, d) : in_order((u32xn)vmlal_u16((uint32x4_t)s, d, d));
 }
-inline square_sums<u16xn> add_squares(square_sums<u16xn> s, u16xn a, u16xn b) {
+inline square_sums<u16xn> add_squares(const square_sums<u16xn>& s, u16xn a, u16xn b) {
     const uint16x8_t d = abs_diff(a, b);
     return {s.third, s.last, add_square(s.next, vget_low_u16(d)), add_square(s.second, vget_high_u16(d))};
 }
-inline square_sums<u16xn> add_squares(square_sums<u16xn> s, uint8x8_t a, uint8x8_t b) {
+inline square_sums<u16xn> add_squares(const square_sums<u16xn>& s, uint8x8_t a, uint8x8_t b) {
     const uint8x8_t d = vabd_u8(a, b);
     return {s.second, s.third, s.last, pairwise_add_accumulate(s.next, (u16xn)vmull_u8(d, d))};
 }
-inline square_sums<u16xn> add_squares(square_sums<u16xn> s, u8xn a, u8xn b) {
+inline square_sums<u16xn> add_squares(const square_sums<u16xn>& s, u8xn a, u8xn b) {
     const uint8x16_t d = vabdq_u8((uint8x16_t)a, (uint8x16_t)b);
     const uint16x8_t lo = vmull_u8(vget_low_u8(d), vget_low_u8(d)), hi = vmull_u8(vget_high_u8(d), vget_high_u8(d));
     return {s.third, s.last, pairwise_add_accumulate(s.next, (u16xn)lo), pairwise_add_accumulate(s.second, (u16xn)hi)};
 }
-inline bool exact(square_sums<u16xn>) { return true; }
-inline u32 reduce_add(square_sums<u16xn> s) { return reduce_add((s.next + s.third) + (s.second + s.last)); }
+inline bool exact(const square_sums<u16xn>&) { return true; }
+inline u32 reduce_add(const square_sums<u16xn>& s) { return reduce_add((s.next + s.third) + (s.second + s.last)); }
 
-#if ZELT_BY_HAND
+#ifdef __arm__
 template <class V> void transpose2x2_16(V& a, V& b) { asm("vtrn.16 %q0, %q1" : "+w"(a), "+w"(b)); }
 template <class V> void transpose2x2_32(V& a, V& b) { asm("vtrn.32 %q0, %q1" : "+w"(a), "+w"(b)); }
 template <class V> void transpose2x2_64(V& a, V& b) { asm("vswp %f0, %e1" : "+w"(a), "+w"(b)); }
-#elif defined(__aarch64__)  // neither tuples, for which gcc copies registers, nor moves of lanes, which are slow
+#else  // neither tuples, for which gcc copies registers, nor moves of lanes, which are slow
 template <class V> void transpose2x2_16(V& a, V& b) {
     const auto va = (uint16x8_t)a, vb = (uint16x8_t)b;
     a = (V)vtrn1q_u16(va, vb), b = (V)vtrn2q_u16(va, vb);
@@ -283,20 +303,6 @@ template <class V> void transpose2x2_32(V& a, V& b) {
 template <class V> void transpose2x2_64(V& a, V& b) {
     const auto va = (uint64x2_t)a, vb = (uint64x2_t)b;
     a = (V)vtrn1q_u64(va, vb), b = (V)vtrn2q_u64(va, vb);
-}
-#else
-template <class V> void transpose2x2_16(V& a, V& b) {
-    const uint16x8x2_t v = vtrnq_u16((uint16x8_t)a, (uint16x8_t)b);
-    a = (V)v.val[0], b = (V)v.val[1];
-}
-template <class V> void transpose2x2_32(V& a, V& b) {
-    const uint32x4x2_t v = vtrnq_u32((uint32x4_t)a, (uint32x4_t)b);
-    a = (V)v.val[0], b = (V)v.val[1];
-}
-template <class V> void transpose2x2_64(V& a, V& b) {
-    typedef u64 u64x2 __attribute__((vector_size(16)));
-    const u64x2 va = (u64x2)a, vb = (u64x2)b;
-    a = (V)u64x2{va[0], vb[0]}, b = (V)u64x2{va[1], vb[1]};
 }
 #endif
 inline u16xn max_of_neighbours(u16xn a, u16xn b) {
