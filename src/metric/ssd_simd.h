@@ -12,6 +12,7 @@ template <int W, class Sample> struct square_step {
     static constexpr int columns = std::min(W, of_bytes ? lanes : lanes_16);
     static constexpr int rows =
         of_bytes ? std::max(shared_bytes / columns, 1) : std::min(lanes_16 / columns, bytes ? 4 : 2);
+    static constexpr int rows_by_two = W == columns ? 16 : 8;
     using sums = square_sums<u16_of<of_bytes ? lanes_16 : columns * rows>>;
 
     static auto load(const Sample* p, std::ptrdiff_t stride) {

@@ -18,6 +18,7 @@ constexpr int divisor_of(int n, int most) {
 template <int W, int H, int N, int Widest> struct step {
     static constexpr int columns = power_of_two_in(W, Widest);
     static constexpr int rows = columns >= N ? 1 : power_of_two_in(H, N / columns);
+    static constexpr int rows_by_two = 8;  // up to so many take two a turn, which need no multiple of a stride
 };
 template <int W, int H> struct byte_step : step<W, H, shared_bytes, lanes> {
     using base = step<W, H, shared_bytes, lanes>;
@@ -118,9 +119,9 @@ template <class Step, int W, int H, int Few, class S, class A, class B, class F>
 [[gnu::always_inline]] inline void each_step(S& s, const A*& a, const B*& b, std::ptrdiff_t sa, std::ptrdiff_t sb,
                                              F f) {
     constexpr int rows = H / Step::rows;
-    constexpr bool few = loads_take_an_index && !loads_scale_an_index && rows <= 8;  // two need no multiple of a stride
+    constexpr bool by_two = loads_take_an_index && !loads_scale_an_index && rows <= Step::rows_by_two;
     constexpr bool short_turns = loads_come_first && W >= 4 * Step::columns;
-    constexpr int turn = divisor_of(rows, few || short_turns ? 2 : 4) * Step::rows;
+    constexpr int turn = divisor_of(rows, by_two || short_turns ? 2 : 4) * Step::rows;
     constexpr int turns_at_once = short_turns ? 1 : W / Step::columns * rows <= Few ? H / turn : H / turn % 2 ? 1 : 2;
     static_assert(W % Step::columns == 0 && H % Step::rows == 0);
     rows_of_two<A, B> places(a, b, Step::rows * sa, Step::rows * sb);
