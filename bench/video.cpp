@@ -1,4 +1,4 @@
-// Whole pictures in decoder layouts to RGB and into one another: BT.601 of limited range, which all peers have.
+// Whole pictures in decoder layouts to RGB, back, and into one another: BT.601 of limited range, which all peers have.
 #include "video.h"
 
 #include "zelt/video.h"
@@ -27,6 +27,7 @@ constexpr layout layouts[] = {
     {"bgra8888", ZELT_CS_BGRA8888, {{4, 1, 1}}},
     {"argb8888", ZELT_CS_ARGB8888, {{4, 1, 1}}},
     {"rgb888", ZELT_CS_RGB888, {{3, 1, 1}}},
+    {"bgr888", ZELT_CS_BGR888, {{3, 1, 1}}},
     {"rgb565", ZELT_CS_RGB565, {{2, 1, 1}}},
 };
 
@@ -55,6 +56,10 @@ const std::vector<conversion>& conversions() {
         list.emplace_back("yuv420", "nv12");
         list.emplace_back("yuyv", "yuv420");
         for (const bool smooth : {false, true}) list.emplace_back("yuv420", "yuv444", smooth);
+        for (const char* src : {"rgba8888", "bgra8888", "argb8888", "rgb888", "bgr888", "rgb565"})
+            list.emplace_back(src, "yuv420");
+        for (const char* src : {"rgba8888", "bgra8888", "rgb888"}) list.emplace_back(src, "nv12");
+        for (const char* dst : {"yuv422", "yuv444", "yuyv"}) list.emplace_back("bgra8888", dst);
         return list;
     }();
     return all;
@@ -82,16 +87,22 @@ std::size_t bytes_of(const layout& l, const std::vector<video_plane>& planes, sh
 }
 
 /// Random samples, none blacker than black, which OpenCV would make black; smoothly rising ones where the places of
-/// chroma are not the same everywhere; of 10 bits at the high end of words
+/// chroma are not the same everywhere, or where it is not everywhere the mean: of another colour than grey; of 10 bits
+/// at the high end of words
 void fill(const conversion& c, video_job& job) {
     std::mt19937 random(1);
     for (std::size_t i = 0; i < job.src.size(); ++i) {
         const video_plane& plane = job.src[i];
         const auto rows = static_cast<int>(rows_of(*c.src, i, job.size));
+        const bool rgb = c.src->planes[0].bytes > 1 && c.src->planes[0].across == 1;
+        const auto rising = [&](int x, int y) {
+            const int colour = rgb ? x % c.src->planes[0].bytes * 30 : 0;
+            return 64 + colour + x * 60 / plane.stride + y * 40 / rows;
+        };
         for (int y = 0; y < rows; ++y)
             for (int x = 0; x < plane.stride; ++x)
                 plane.p[y * plane.stride + x] =
-                    static_cast<u8>((c.smooth ? 64 + x * 60 / plane.stride + y * 60 / rows : 16 + random() % 240) &
+                    static_cast<u8>((c.smooth || rgb ? rising(x, y) : 16 + random() % 240) &
                                     (c.src->cs == ZELT_CS_P010LE && x % 2 == 0 ? 0xC0 : 0xFF));
     }
 }

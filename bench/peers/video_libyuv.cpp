@@ -1,6 +1,6 @@
-// libyuv's ways from decoder layouts. It names packed formats by the word in memory, lowest byte last: its ARGB is B,
-// G, R, A in memory, its RAW is R, G, B. Where it has no direct way, two steps work on strips that stay in the cache.
-// Its smooth chroma is that of JPEG, in the middle of its pixels, and is rounded to 8 bits first.
+// libyuv's ways from decoder layouts and to them. It names packed formats by the word in memory, lowest byte last: its
+// ARGB is B, G, R, A in memory, its RAW is R, G, B. Where it has no direct way, two steps work on strips that stay in
+// the cache. Its smooth chroma is that of JPEG, in the middle of its pixels, and is rounded to 8 bits first.
 #include "video.h"
 
 #include <libyuv.h>
@@ -70,6 +70,15 @@ video_work yuyv_by_planes(planar_to_packed* second) {
     };
 }
 
+using packed_to_planar = decltype(libyuv::ARGBToI420);
+using packed_to_pairs = decltype(libyuv::ARGBToNV12);
+video_work to_planar(packed_to_planar* f) {
+    return [f](video_job& j) { f(AT(j.src[0]), AT(j.dst[0]), AT(j.dst[1]), AT(j.dst[2]), j.size.w, j.size.h); };
+}
+video_work to_pairs(packed_to_pairs* f) {
+    return [f](video_job& j) { f(AT(j.src[0]), AT(j.dst[0]), AT(j.dst[1]), j.size.w, j.size.h); };
+}
+
 #ifdef ZELT_COUNT  // It asks what the processor has, and that is the host's under emulation.
 const bool told = (libyuv::SetCpuFlags(libyuv::kCpuInitialized | libyuv::kCpuHasARM | libyuv::kCpuHasNEON), true);
 #endif
@@ -137,6 +146,26 @@ const bool added[] = {
                        libyuv::I420ToI444(AT(j.src[0]), AT(j.src[1]), AT(j.src[2]), AT(j.dst[0]), AT(j.dst[1]),
                                           AT(j.dst[2]), j.size.w, j.size.h);
                    }),
+
+    add_video_peer("rgba8888_to_yuv420", "libyuv ABGRToI420", to_planar(libyuv::ABGRToI420)),
+    add_video_peer("bgra8888_to_yuv420", "libyuv ARGBToI420", to_planar(libyuv::ARGBToI420)),
+    add_video_peer("argb8888_to_yuv420", "libyuv BGRAToI420", to_planar(libyuv::BGRAToI420)),
+    add_video_peer("rgb888_to_yuv420", "libyuv RAWToI420", to_planar(libyuv::RAWToI420)),
+    add_video_peer("bgr888_to_yuv420", "libyuv RGB24ToI420", to_planar(libyuv::RGB24ToI420)),
+    add_video_peer("rgb565_to_yuv420", "libyuv RGB565ToI420", to_planar(libyuv::RGB565ToI420)),
+    add_video_peer("rgba8888_to_nv12", "libyuv ABGRToNV12", to_pairs(libyuv::ABGRToNV12)),
+    add_video_peer("bgra8888_to_nv12", "libyuv ARGBToNV12", to_pairs(libyuv::ARGBToNV12)),
+    add_video_peer("rgb888_to_nv12", "libyuv RAWToARGB + ARGBToNV12",
+                   [](video_job& j) {
+                       in_strips(j, [&](video_plane strip, int y, int rows) {
+                           libyuv::RAWToARGB(AT(below(j.src[0], y)), AT(strip), j.size.w, rows);
+                           libyuv::ARGBToNV12(AT(strip), AT(below(j.dst[0], y)), AT(below(j.dst[1], y / 2)), j.size.w,
+                                              rows);
+                       });
+                   }),
+    add_video_peer("bgra8888_to_yuv422", "libyuv ARGBToI422", to_planar(libyuv::ARGBToI422)),
+    add_video_peer("bgra8888_to_yuv444", "libyuv ARGBToI444", to_planar(libyuv::ARGBToI444)),
+    add_video_peer("bgra8888_to_yuyv", "libyuv ARGBToYUY2", packed(libyuv::ARGBToYUY2)),
 };
 }  // namespace
 }  // namespace zelt::bench

@@ -44,7 +44,11 @@ constexpr named_format sources[] = {{"yuv420", AV_PIX_FMT_YUV420P},
 constexpr named_format targets[] = {{"rgba8888", AV_PIX_FMT_RGBA},   {"bgra8888", AV_PIX_FMT_BGRA},
                                     {"argb8888", AV_PIX_FMT_ARGB},   {"rgb888", AV_PIX_FMT_RGB24},
                                     {"rgb565", AV_PIX_FMT_RGB565LE}, {"yuv420", AV_PIX_FMT_YUV420P},
-                                    {"nv12", AV_PIX_FMT_NV12},       {"yuv444", AV_PIX_FMT_YUV444P}};
+                                    {"nv12", AV_PIX_FMT_NV12},       {"yuv444", AV_PIX_FMT_YUV444P},
+                                    {"yuv422", AV_PIX_FMT_YUV422P},  {"yuyv", AV_PIX_FMT_YUYV422}};
+constexpr named_format rgb_sources[] = {{"rgba8888", AV_PIX_FMT_RGBA},   {"bgra8888", AV_PIX_FMT_BGRA},
+                                        {"argb8888", AV_PIX_FMT_ARGB},   {"rgb888", AV_PIX_FMT_RGB24},
+                                        {"rgb565", AV_PIX_FMT_RGB565LE}, {"bgr888", AV_PIX_FMT_BGR24}};
 
 void add(const named_format& src, const named_format& dst, const char* name, int flags, const char* suffix = "") {
     const auto c = std::make_shared<converter>(converter{src.second, dst.second, flags});
@@ -57,6 +61,11 @@ const bool added = [] {
             if (src.second != AV_PIX_FMT_YUV422P || dst.second != AV_PIX_FMT_ARGB)  // wrong there
                 add(src, dst, "libswscale point", SWS_POINT);
             add(src, dst, "libswscale point, accurate", SWS_POINT | SWS_ACCURATE_RND);
+        }
+    for (const named_format& rgb : rgb_sources)
+        for (const named_format& yuv : targets) {
+            add(rgb, yuv, "libswscale point", SWS_POINT);
+            add(rgb, yuv, "libswscale area", SWS_AREA);
         }
     for (const auto& [src, dst] : {std::pair{0, 0}, {1, 0}, {4, 0}, {0, 7}})
         add(sources[src], targets[dst], "libswscale bilinear", SWS_BILINEAR | SWS_FULL_CHR_H_INT | SWS_ACCURATE_RND,

@@ -92,6 +92,9 @@ template <int A, int B> s16x2n dot(u8xn a, u8xn b) {
     static_assert(dot_fits(A, B));
     return make_words([=](int i) { return A * a[i] + B * b[i]; });
 }
+inline s16x2n dot(u8xn a, u8xn b, int f, int g) {
+    return make_words([=](int i) { return f * a[i] + g * b[i]; });
+}
 struct triples {
     u8xn a, b, c;
 };
@@ -132,6 +135,16 @@ inline u8xn narrow_q6_ordered(s16x2n v) { return narrow_q6(v); }
 inline u8xn low_q2_ordered(s16x2n v) {
     return make<u8xn>([=](int i) { return sample(v, i) >> 2; });
 }
+inline u8xn round_q6(s16x2n v) { return narrow_q6(v + 32); }
+inline u8xn round_q7_signed(s16x2n v) {
+    return make<u8xn>([=](int i) { return clamped((sample(v, i) + 64) >> 7, -128, 127); });
+}
+inline u8xn round_q7_signed_ordered(s16x2n v) { return round_q7_signed(v); }
+inline s16x2n pair_sums(u8xn a, u8xn b) {
+    return {make<s16xn>([=](int i) { return a[2 * i] + a[2 * i + 1]; }),
+            make<s16xn>([=](int i) { return b[2 * i] + b[2 * i + 1]; })};
+}
+inline s16x2n add_pair_sums(s16x2n v, u8xn a, u8xn b) { return v + pair_sums(a, b); }
 
 inline s16xn mul_q15(s16xn v, int b) {
     return make<s16xn>([=](int i) { return (v[i] * b + (1 << 14)) >> 15; });

@@ -225,10 +225,17 @@ ZELT_NARROWING(u8xn, high, s16x2n, vshrn, n_u16, uint16x8_t, "vshrn.i16", 8)
 ZELT_NARROWING(u8xn, round_high, s16x2n, vrshrn, n_u16, uint16x8_t, "vrshrn.i16", 8)
 ZELT_NARROWING(u8xn, narrow_q6, s16x2n, vshrn, n_u16, uint16x8_t, "vshrn.i16", 6)
 ZELT_NARROWING(u8xn, low_q2_ordered, s16x2n, vshrn, n_u16, uint16x8_t, "vshrn.i16", 2)
+ZELT_NARROWING(u8xn, round_q6, s16x2n, vrshrn, n_u16, uint16x8_t, "vrshrn.i16", 6)
+ZELT_NARROWING(u8xn, round_q7_signed, s16x2n, vqrshrn, n_s16, int16x8_t, "vqrshrn.s16", 7)
 ZELT_NARROWING(s16xn, round_q10, sums, vrshrn, n_s32, int32x4_t, "vrshrn.i32", 10)
 #undef ZELT_NARROWING
 inline u8xn narrow_ordered(s16x2n a) { return narrow(a); }
 inline u8xn narrow_q6_ordered(s16x2n a) { return narrow_q6(a); }
+inline u8xn round_q7_signed_ordered(s16x2n a) { return round_q7_signed(a); }
+inline s16x2n pair_sums(u8xn a, u8xn b) { return {(s16xn)vpaddlq_u8((uint8x16_t)a), (s16xn)vpaddlq_u8((uint8x16_t)b)}; }
+inline s16x2n add_pair_sums(s16x2n s, u8xn a, u8xn b) {
+    return {(s16xn)vpadalq_u8((uint16x8_t)s.lo, (uint8x16_t)a), (s16xn)vpadalq_u8((uint16x8_t)s.hi, (uint8x16_t)b)};
+}
 
 inline s16x2n widen(u8xn a) { return {(s16xn)vmovl_u8(low8(a)), (s16xn)vmovl_u8(high8(a))}; }
 inline s16x2n add_wide(s16x2n a, u8xn b) {
@@ -373,6 +380,12 @@ template <int A, int B> s16x2n dot(u8xn a, u8xn b) {
     static_assert(dot_fits(A, B));
     if constexpr (A == 1 && B == -1) return difference(a, b);
     return {(s16xn)add_products<false, A, B>(a, b), (s16xn)add_products<true, A, B>(a, b)};
+}
+inline s16x2n dot(u8xn a, u8xn b, int f, int g) {
+    const auto factor = [](int v) { return byte_factor{} + static_cast<u8>(v); };
+    const byte_factor fa = factor(f), fb = factor(g);
+    return {(s16xn)vmlal_u8(vmull_u8(low8(a), lower(fa)), low8(b), lower(fb)),
+            (s16xn)mul_add_upper(mul_upper(a, fa), b, fb)};
 }
 
 struct triples {

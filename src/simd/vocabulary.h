@@ -25,6 +25,7 @@
 //   difference(a, b)             a - b
 //   add_wide(v, a)               v + widen(a)
 //   dot<A, B>(a, b)              A a + B b; factors as dot_fits() says: -128..127, those of a sign sum up to 128
+//   dot(a, b, int f, int g)      f a + g b; factors from 0 to 127 whose sum is up to 128
 //   interleave, dot<A, B, C>     the same of three modulo 2^16; B from 0 up, those above 0 sum up to 256
 //   centred_product<F>(a)        (F (a - 128) + 128) >> 8, for the factors that centred_product_fits()
 //   narrow, narrow_signed        widened to memory, with saturation to 0..255 and to -128..127
@@ -36,6 +37,11 @@
 //                                narrow and narrow_q6, memory to memory
 //   blend_q6(v, w, int f)        widened to memory: ((8 - f) v + f w) >> 6; v, w from 0 to 2^11 - 1, f from 0 to 8
 //   low_q2_ordered               memory to memory: the low byte of v >> 2
+//   round_q6                     widened to memory: (v + 32) >> 6, for v from 0 to 2^14 - 33
+//   round_q7_signed              widened to memory: (v + 64) >> 7 with saturation to -128..127; round_q7_signed_ordered
+//                                memory to memory
+//   pair_sums(a, b), add_pair_sums(v, a, b)
+//                                memory to memory: sums of neighbours, those of a first, and v plus those
 //   mul_q15(v, int b)            (v b + 2^14) >> 15; b above -2^15
 //   add_sat, sub_sat             v + w and v - w with saturation
 //   shift_add<N>(v, w)           v + (w >> N)

@@ -299,6 +299,16 @@ template <int N> u8xn shift_insert(u8xn a, u8xn b) {
 inline u8xn average(u8xn a, u8xn b) { return (u8xn)avg_epu8(a, b); }
 inline bool any(u8xn mask) { return movemask_epi8(mask) != 0; }
 
+inline s16x2n round_q(s16x2n v, int one) { return mul_q15(v, 32768 / one); }
+inline u8xn round_q6(s16x2n v) { return narrow(round_q(v, 64)); }
+inline u8xn round_q7_signed(s16x2n v) { return narrow_signed(round_q(v, 128)); }
+inline u8xn round_q7_signed_ordered(s16x2n v) { return in_order(round_q7_signed(v)); }
+inline s16x2n pair_sums(u8xn a, u8xn b) {
+    const u16xn one = per_pair<1, 1>();
+    return {(s16xn)maddubs_epi16(a, one), (s16xn)maddubs_epi16(b, one)};
+}
+inline s16x2n add_pair_sums(s16x2n v, u8xn a, u8xn b) { return v + pair_sums(a, b); }
+
 /// The factors of pairs of bytes, times what unpacking left side by side
 template <int A, int B> s16x2n multiply_pairs(s16x2n pairs) {
     const u16xn factors = per_pair<A, B>();
@@ -307,6 +317,11 @@ template <int A, int B> s16x2n multiply_pairs(s16x2n pairs) {
 template <int A, int B> s16x2n dot(u8xn a, u8xn b) {
     static_assert(dot_fits(A, B));
     return multiply_pairs<A, B>(interleave(a, b));
+}
+inline s16x2n dot(u8xn a, u8xn b, int f, int g) {
+    const u16xn factors = u16xn{} + static_cast<u16>(f | g << 8);
+    const s16x2n v = interleave(a, b);
+    return {(s16xn)maddubs_epi16(v.lo, factors), (s16xn)maddubs_epi16(v.hi, factors)};
 }
 struct triples {
     s16x2n ab, cb;

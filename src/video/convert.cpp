@@ -14,8 +14,9 @@ namespace {
 s32 make_plan(const ZELT_VIDEO& v, plan& p) {
     const format *src = find(v.src_cs), *dst = find(v.dst_cs);
     const auto below = [](s32 value, s32 count) { return value >= 0 && value < count; };
-    const bool back = src && dst && src->rgb && src->ten && dst->ten && !dst->rgb;
-    if (!src || !dst || (src->rgb && !back) || (dst->ten && !src->ten) || !below(v.matrix, 3) || !below(v.range, 2) ||
+    // Of 10 bits only YUV becomes something of 8.
+    const auto depths_fit = [&] { return src->ten == dst->ten || (src->ten && !src->rgb); };
+    if (!src || !dst || (src->rgb && dst->rgb) || !depths_fit() || !below(v.matrix, 3) || !below(v.range, 2) ||
         !below(v.chroma, 2))
         return ZELT_ERR_UNSUPPORTED;
     for (const s32 later : v.reserved)
@@ -23,8 +24,11 @@ s32 make_plan(const ZELT_VIDEO& v, plan& p) {
     p.src = static_cast<s32>(src - formats);
     p.dst = static_cast<s32>(dst - formats);
     p.smooth = v.chroma == ZELT_VIDEO_SMOOTH;
-    p.as_csc = dst->rgb && v.src_cs == ZELT_CS_YUV444 && v.range == ZELT_VIDEO_FULL && v.matrix == ZELT_VIDEO_BT601;
+    const s32 yuv = dst->rgb ? v.src_cs : v.dst_cs;
+    p.as_csc =
+        (src->rgb || dst->rgb) && yuv == ZELT_CS_YUV444 && v.range == ZELT_VIDEO_FULL && v.matrix == ZELT_VIDEO_BT601;
     p.matrix = matrices.of[src->ten + (src->ten && dst->ten)][v.matrix][v.range];
+    p.back = back_matrices[v.matrix][v.range];
     p.ten_back = ten_back_matrices[v.matrix][v.range];
     p.ready = 1;
     return ZELT_OK;

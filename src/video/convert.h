@@ -1,4 +1,5 @@
 #pragma once  // from any source to any destination
+#include "video/from_rgb.h"
 #include "video/from_ten.h"
 #include "video/repack.h"
 #include "video/to_rgb.h"
@@ -13,11 +14,14 @@ inline void convert_band(const plan& p, void* const* src_a, const s32* src_s, vo
         void *from[3], *to[3];
         s32 from_s[3], to_s[3];
         for (int i = 0; i < 3; ++i) {
-            from[i] = src.row(i, b.begin), from_s[i] = static_cast<s32>(src.s[i]);
+            from[i] = src.p[i] ? src.row(i, b.begin) : nullptr, from_s[i] = static_cast<s32>(src.s[i]);
             to[i] = dst.p[i] ? dst.row(i, b.begin) : nullptr, to_s[i] = static_cast<s32>(dst.s[i]);
         }
-        dst.format.rgb->full_range_bt601(from, static_cast<int>(b.w), static_cast<int>(b.end - b.begin), from_s, to,
-                                         to_s);
+        const auto convert = src.format.from ? src.format.from->full_range_bt601 : dst.format.rgb->full_range_bt601;
+        convert(from, static_cast<int>(b.w), static_cast<int>(b.end - b.begin), from_s, to, to_s);
+    } else if (src.format.from) {
+        from_rgb convert(p, src, dst);
+        for (std::ptrdiff_t y = b.begin, rows; y < b.end; y += rows) rows = convert.convert(b, y);
     } else if (src.format.rgb) {
         const to_ten convert(p, src, dst, b.w);
         for (std::ptrdiff_t y = b.begin; y < b.end; ++y) convert.convert(b, y);

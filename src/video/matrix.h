@@ -1,6 +1,8 @@
 #pragma once  // coefficients of the standards, in integers
 #include "video/samples.h"
 
+#include <utility>
+
 namespace zelt::inline ZELT_LEVEL::video {
 using namespace fast;
 
@@ -66,5 +68,48 @@ constexpr ten_back_matrix ten_back_matrices[][2] = {
     {make_ten_back_matrix(0.299, 0.114, false), make_ten_back_matrix(0.299, 0.114, true)},
     {make_ten_back_matrix(0.2126, 0.0722, false), make_ten_back_matrix(0.2126, 0.0722, true)},
     {make_ten_back_matrix(0.2627, 0.0593, false), make_ten_back_matrix(0.2627, 0.0593, true)},
+};
+
+/// Back to YUV. Red and green enter luma by one factor of what their sum is, weighted by two small ones: together they
+/// are as exact as two of 16 bits. Luma has 6 fractional bits, chroma 7.
+struct back_matrix {
+    s16 red, green, both, blue;  // 15 fractional bits for the last two
+    s16 black;
+    s16 u[3], v[3];  // 15 fractional bits
+
+    back_matrix with_v_first() const {
+        back_matrix m = *this;
+        std::swap(m.u, m.v);
+        return m;
+    }
+};
+
+constexpr back_matrix make_back_matrix(double kr, double kb, bool full) {
+    const double kg = 1 - kr - kb, luma = full ? 1 : 219.0 / 255, chroma = full ? 1 : 224.0 / 255;
+    const auto fixed = [](double v) { return static_cast<s16>(v * 32768 + (v < 0 ? -0.5 : 0.5)); };
+    back_matrix m{};
+    double nearest = 1;
+    for (int sum = 64; sum <= 128; ++sum) {  // 64, or the factor of both would not fit
+        const double red = sum * kr / (kr + kg);
+        const int rounded = static_cast<int>(red + 0.5);
+        const double error = (red < rounded ? rounded - red : red - rounded) / sum;
+        if (error >= nearest) continue;
+        nearest = error;
+        m.red = static_cast<s16>(rounded), m.green = static_cast<s16>(sum - rounded);
+        m.both = fixed((kr + kg) * luma * 64 / sum);
+    }
+    m.blue = fixed(kb * luma);
+    m.black = full ? 0 : 16;
+    const double k[] = {kr, kg, kb};
+    for (int i = 0; i < 3; ++i) {
+        m.u[i] = fixed(((i == 2) - k[i]) / (2 * (1 - kb)) * chroma);
+        m.v[i] = fixed(((i == 0) - k[i]) / (2 * (1 - kr)) * chroma);
+    }
+    return m;
+}
+constexpr back_matrix back_matrices[][2] = {
+    {make_back_matrix(0.299, 0.114, false), make_back_matrix(0.299, 0.114, true)},
+    {make_back_matrix(0.2126, 0.0722, false), make_back_matrix(0.2126, 0.0722, true)},
+    {make_back_matrix(0.2627, 0.0593, false), make_back_matrix(0.2627, 0.0593, true)},
 };
 }  // namespace zelt::inline ZELT_LEVEL::video

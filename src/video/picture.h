@@ -8,8 +8,9 @@ struct plan {
     s32 ready;
     s32 src, dst;  // in formats
     s32 smooth;
-    s32 as_csc;  // full-range BT.601 from 4:4:4
+    s32 as_csc;  // full-range BT.601 from or to 4:4:4
     video::matrix matrix;
+    back_matrix back;
     ten_back_matrix ten_back;
 };
 

@@ -7,12 +7,39 @@ using csc::argb8888_packed, csc::at, csc::opaque, csc::planar, csc::planes, csc:
 struct bgr888 : planes<1> {
     using planes::planes;
     static constexpr int step[] = {3};
+    template <class V, class Place> pixel<V> get(Place place) {
+        pixel<V> v;
+        place.load(p[0], v.c2, v.c1, v.c0);
+        v.a = opaque<V>;
+        return v;
+    }
     template <class V, class Place> void put(Place place, pixel<V> v) { place.store(p[0], v.c2, v.c1, v.c0); }
 };
 struct bgra8888 : planes<1> {
     using planes::planes;
     static constexpr int step[] = {4};
+    template <class V, class Place> pixel<V> get(Place place) {
+        pixel<V> v;
+        place.load(p[0], v.c2, v.c1, v.c0, v.a);
+        return v;
+    }
     template <class V, class Place> void put(Place place, pixel<V> v) { place.store(p[0], v.c2, v.c1, v.c0, v.a); }
+};
+struct argb8888 : argb8888_packed {
+    using argb8888_packed::argb8888_packed;
+    template <class V, class Place> pixel<V> get(Place place) {
+        pixel<V> v;
+        place.load(p[0], v.a, v.c0, v.c1, v.c2);
+        return v;
+    }
+};
+/// Fields are widened by their own high bits, so that white is 255.
+struct wide_rgb565 : rgb565 {
+    using rgb565::rgb565;
+    template <class V, class Place> pixel<V> get(Place place) {
+        const pixel<V> v = rgb565::get<V>(place);
+        return {shift_insert<5>(v.c0, v.c0), shift_insert<6>(v.c1, v.c1), shift_insert<5>(v.c2, v.c2), v.a};
+    }
 };
 
 /// Planes of words of 10 bits

@@ -30,6 +30,17 @@ template <class T> T& term_of(T* even, T* odd, std::ptrdiff_t x) {
 inline void load_term(const s16* even, const s16* odd, std::ptrdiff_t x, int& v) { v = term_of(even, odd, x); }
 inline void load_shared_term(const s16* terms, std::ptrdiff_t x, int& v) { v = terms[x / 2]; }
 inline void store_term(s16* even, s16* odd, std::ptrdiff_t x, int v) { term_of(even, odd, x) = static_cast<s16>(v); }
+
+/// Weighted by factors from 0 up that sum up to 128
+inline int dot(u8 a, u8 b, int f, int g) { return f * a + g * b; }
+/// Of two pixels, and of two more
+inline int pair_sums(u8 a, u8 b) { return a + b; }
+inline int add_pair_sums(int sum, u8 a, u8 b) { return sum + a + b; }
+/// Luma with 6 fractional bits, which is never beyond 255
+inline u8 round_q6(int v) { return static_cast<u8>((v + 32) >> 6); }
+/// Chroma with 7, its middle being 0
+inline u8 round_q7(int v) { return static_cast<u8>(std::clamp((v + 64) >> 7, -128, 127) + 128); }
+inline u8 round_q7_ordered(int v) { return round_q7(v); }
 inline u8 sum_of_terms(int luma, int chroma) { return static_cast<u8>(std::clamp((luma + chroma) >> 6, 0, 255)); }
 
 // Words of 10 bits in their low or high end, whatever else is in them, as (c - 512) << 6: the scale of bytes

@@ -13,6 +13,20 @@ template <int Which> void take(const u8* src, u8* dst, std::ptrdiff_t n) {
 /// Luma or chroma of a packed row
 inline void take(const u8* src, bool second, u8* dst, std::ptrdiff_t n) { (second ? take<1> : take<0>)(src, dst, n); }
 
+/// A packed row of luma, the second byte of two or the first one, and of chroma in pairs. A pair of pixels of which
+/// there is one gets its luma twice.
+inline void interleave(const u8* luma, const u8* pairs, bool second, u8* out, std::ptrdiff_t n) {
+    for_each(n, [=](auto y, std::ptrdiff_t i) {
+        auto c = y;
+        load(luma + i, y), load(pairs + i, c);
+        second ? store2(out + 2 * i, c, y) : store2(out + 2 * i, y, c);
+    });
+    if (n % 2) {
+        out[2 * n + second] = luma[n - 1];
+        out[2 * n + !second] = pairs[n];
+    }
+}
+
 /// The two rows of a source that a row of chroma is made from, and whether the nearer one counts three times as much
 struct pair_of_rows {
     std::ptrdiff_t near, far;

@@ -43,21 +43,7 @@ private:
             take(luma, from.second, pack ? luma_ : out, s.pixels);
             luma = luma_;
         }
-        if (pack) interleave(luma, out, s);
-    }
-
-    /// A pair of pixels of which there is one gets its luma twice.
-    void interleave(const u8* luma, u8* out, strip s) {
-        const bool second = dst_.format.second;
-        for_each(s.pixels, [=, this](auto y, std::ptrdiff_t i) {
-            auto c = y;
-            load(luma + i, y), load(pairs_ + i, c);
-            second ? store2(out + 2 * i, c, y) : store2(out + 2 * i, y, c);
-        });
-        if (s.pixels % 2) {
-            out[2 * s.pixels + second] = luma[s.pixels - 1];
-            out[2 * s.pixels + !second] = pairs_[s.pixels];
-        }
+        if (pack) interleave(luma, pairs_, to.second, out, s.pixels);
     }
 
     void put_chroma(pair_of_rows rows, std::ptrdiff_t y, strip s) {

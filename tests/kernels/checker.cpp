@@ -221,8 +221,10 @@ class case_count : public testing::Environment {
 };
 }  // namespace
 
-/// "sad" of zelt_sad_16, "csc_rsz" of the fused converters, "video10" of decoder layouts of 10 bits
+/// "sad" of zelt_sad_16, "csc_rsz" of the fused converters, "video10" of decoder layouts of 10 bits, "video_back" of
+/// those from RGB
 std::string family_of(const std::string& name) {
+    if (name.starts_with("zelt_video_convert back")) return "video_back";
     if (name.starts_with("zelt_csc_rsz")) return "csc_rsz";
     if (name.starts_with("zelt_video_convert 10 bits")) return "video10";
     return name.substr(5, name.find_first_of(" _0123456789", 5) - 5);

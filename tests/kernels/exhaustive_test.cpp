@@ -200,3 +200,111 @@ TEST(exhaustive, video_back_of_10_bits) {
             std::printf("  round trip %.0f, %.2f\n", worst_trip, trips / 3 / n / batches);
         }
 }
+
+// Back to YUV without csc.h's part in it, which 4:4:0 has not, and from there to RGB again
+TEST(exhaustive, video_back) {
+    constexpr int n = 1 << 16;
+    std::vector<u8> in(3 * n), out(3 * n), again(3 * n);
+    void *const src[] = {&in[0], &in[n], &in[2 * n]}, *const dst[] = {&out[0], &out[n], &out[2 * n]};
+    void* const rgb[] = {&again[0], &again[n], &again[2 * n]};
+    const int strides[] = {n, n, n};
+    for (int i = 0; i < n; ++i) in[n + i] = static_cast<u8>(i / 256), in[2 * n + i] = static_cast<u8>(i);
+#ifdef ZELT_SAMPLED
+    constexpr int every = 15;
+#else
+    constexpr int every = 1;
+#endif
+    for (int matrix = 0; matrix < 3; ++matrix)
+        for (int range = 0; range < 2; ++range) {
+            ZELT_VIDEO v = {}, to_rgb = {};
+            v.src_cs = to_rgb.dst_cs = ZELT_CS_R8G8B8, v.dst_cs = to_rgb.src_cs = ZELT_CS_YUV440;
+            v.matrix = to_rgb.matrix = matrix, v.range = to_rgb.range = range;
+            ASSERT_EQ(zelt_video_init(&v) | zelt_video_init(&to_rgb), ZELT_OK);
+            std::vector<double> cyan(3 * n);  // and what red adds to it
+            double black[3], red[3];
+            real_yuv(matrix, range, {0, 0, 0}, black), real_yuv(matrix, range, {1 / 255.0, 0, 0}, red);
+            for (int i = 0; i < n; ++i) {
+                double yuv[3];
+                real_yuv(matrix, range, {0, i / 256 / 255.0, i % 256 / 255.0}, yuv);
+                for (int c = 0; c < 3; ++c) cyan[c * n + i] = yuv[c];
+            }
+            double worst[3] = {}, inexact[3] = {}, sum[3] = {}, count = 0;
+            int farthest[3] = {};
+            for (int r = 0; r < 256; r += every, count += n) {
+                std::fill_n(in.begin(), n, static_cast<u8>(r));
+                zelt_video_convert(&v, src, strides, dst, strides, n, 1);
+                for (int i = 0; i < 3 * n; ++i) {
+                    const int c = i / n;
+                    const double real = std::clamp(cyan[i] + (red[c] - black[c]) * r, 0.0, 255.0);
+                    const double error = std::abs(out[i] - real);
+                    worst[c] = std::max(worst[c], error);
+                    if (error > 0.5) inexact[c] += 100;
+                }
+                const int grey = r * 257;
+                ASSERT_TRUE(out[n + grey] == 128 && out[2 * n + grey] == 128) << r;
+                ASSERT_TRUE(r < 255 || out[grey] == (range ? 255 : 235));
+                ASSERT_TRUE(range == 0 || out[grey] == r);
+                zelt_video_convert(&to_rgb, dst, strides, rgb, strides, n, 1);
+                for (int i = 0; i < 3 * n; ++i) {
+                    const int error = std::abs(again[i] - in[i]);
+                    farthest[i / n] = std::max(farthest[i / n], error), sum[i / n] += error;
+                }
+            }
+            std::printf("%d %d", matrix, range);
+            for (int c = 0; c < 3; ++c) {
+                EXPECT_LT(worst[c], 0.54);  // within 1 of what is rounded, therefore
+                EXPECT_LT(inexact[c] / count, 1.2);
+                EXPECT_LE(farthest[c], range ? 1 : 2);
+                EXPECT_LT(sum[c] / count, 0.56);
+                std::printf("  %.3f %.2f %% %d %.2f", worst[c], inexact[c] / count, farthest[c], sum[c] / count);
+            }
+            std::printf("\n");
+        }
+}
+
+// A picture of flat squares comes back from any format as from 4:4:0 of the same matrix and range.
+TEST(exhaustive, video_round_trips) {
+    constexpr shape s = {64, 64};
+    constexpr int n = s.w * s.h;
+    std::vector<u8> rgb(4 * n), again(4 * n), reference(4 * n), between(4 * n);
+    for (const video_format& from : video_formats())
+        for (int choice = 0; choice < 6; ++choice) {
+            if (from.channels() || from.bits > 8) continue;
+            const auto planes = from.operands(s, false);
+            const auto views = [&](const std::vector<operand>& all, std::vector<u8>& memory) {
+                std::vector<view> list;
+                std::ptrdiff_t at = 0;
+                for (const operand& o : all) list.push_back({&memory[static_cast<std::size_t>(at)], o.width}), at += n;
+                return list;
+            };
+            for (std::size_t p = 0; p < planes.size(); ++p) {
+                const int bytes = planes[p].width / s.w;
+                for (int y = 0; y < s.h; ++y)
+                    for (int x = 0; x < planes[p].width; ++x)
+                        rgb[p * n + static_cast<std::size_t>(y * planes[p].width + x)] = static_cast<u8>(
+                            ((y / 2 * 32 + x / bytes / 2) * 2654435761u >> 8 * (x % bytes + static_cast<int>(p))) &
+                            255);
+            }
+            const auto round_trip = [&](const video_format& yuv, std::vector<u8>& result) {
+                ZELT_VIDEO v = {};
+                v.src_cs = from.cs, v.dst_cs = yuv.cs, v.matrix = choice % 3, v.range = choice / 3;
+                ASSERT_EQ(zelt_video_init(&v), ZELT_OK);
+                std::vector<view> all = views(planes, rgb), back = views(yuv.operands(s, false), between);
+                all.insert(all.end(), back.begin(), back.end());
+                call_video(v, from, yuv, s, all.data(), {});
+                std::swap(v.src_cs, v.dst_cs);
+                ASSERT_EQ(zelt_video_init(&v), ZELT_OK);
+                const auto last = views(planes, result);
+                back.insert(back.end(), last.begin(), last.end());
+                call_video(v, yuv, from, s, back.data(), {});
+            };
+            const auto named = [](int cs) { return *std::ranges::find(video_formats(), cs, &video_format::cs); };
+            round_trip(named(ZELT_CS_YUV440), reference);
+            for (const video_format& yuv : video_formats()) {
+                const bool as_csc = yuv.cs == ZELT_CS_YUV444 && choice == 3;
+                if (yuv.channels() < 3 || yuv.bits > 8 || as_csc) continue;
+                round_trip(yuv, again);
+                ASSERT_EQ(again, reference) << from.name << " by way of " << yuv.name << ", " << choice;
+            }
+        }
+}

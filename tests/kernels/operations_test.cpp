@@ -102,6 +102,7 @@ TEST(operations, of_bytes) {
     WIDENED(dot<127, 1>(x, y));
     WIDENED(dot<-128, 127>(x, y));
     WIDENED(dot<-64, -64>(x, y));
+    WIDENED(dot(x, y, 27, 53) - dot(y, x, 127, 1));
     WIDENED(dot<77, 150, 29>(interleave(x, y, x ^ y)));
     WIDENED(dot<0, 254, -128>(interleave(x, y, x + y)));
     WIDENED(dot<-128, 128, 127>(interleave(x, y, x - y)));
@@ -114,6 +115,8 @@ TEST(operations, of_bytes) {
     NARROWED(high(v));
     NARROWED(round_high(v - widen((u8xn)(x >= 128) & (u8xn)(y == 255) & 128)));
     NARROWED(narrow_q6(v - (widen(y & 192) << 8)));
+    NARROWED(round_q6(clamp(v, 0, 16351)));
+    NARROWED(round_q7_signed(clamp(v, -32768, 32703)));
 }
 
 TEST(operations, of_pixels) {
@@ -153,6 +156,7 @@ TEST(operations, of_words) {
     ORDERED(narrow_ordered(v));
     ORDERED(narrow_q6_ordered(v - ((v >> 14) << 14)));
     ORDERED(low_q2_ordered(v));
+    ORDERED(round_q7_signed_ordered(clamp(v, -32768, 32703)));
     SAME(whole, 32, 16, all_words, all_words, s16x2n v; load_even_odd_16(a, v); to(out, v.lo ^ (v.hi >> 1)));
     SAME(whole, 16, 32, all_words, random_words(1 << 16, 16), const s16x2n v{load_as<s16xn>(a), load_as<s16xn>(b)};
          store_even_odd_16(out, v));

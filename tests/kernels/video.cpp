@@ -38,7 +38,7 @@ const std::vector<video_format>& video_formats() {
 int video_format::channels() const { return cs == ZELT_CS_YUV400 ? 1 : samples[0].step ? 3 : 0; }
 
 bool converts(const video_format& from, const video_format& to) {
-    if (!from.channels()) return from.bits == 10 && to.bits == 10 && to.channels();
+    if (!from.channels()) return from.bits == to.bits && to.channels();
     return from.bits == 10 || to.bits == 8;
 }
 
@@ -84,7 +84,61 @@ void real_rgb(int matrix, int range, const int (&yuv)[3], double (&rgb)[3], int 
     rgb[1] = (y - red * rgb[0] - blue * rgb[2]) / green;  // y is the weighted sum of all three
 }
 
+void real_yuv(int matrix, int range, const double (&rgb)[3], double (&yuv)[3]) {
+    constexpr double constants[][2] = {{0.299, 0.114}, {0.2126, 0.0722}, {0.2627, 0.0593}};  // of red and blue
+    const double red = constants[matrix][0], blue = constants[matrix][1];
+    const double y = red * rgb[0] + (1 - red - blue) * rgb[1] + blue * rgb[2];
+    yuv[0] = range ? y * 255 : 16 + y * 219;
+    yuv[1] = 128 + (rgb[2] - y) / (2 - 2 * blue) * (range ? 255 : 224);
+    yuv[2] = 128 + (rgb[0] - y) / (2 - 2 * red) * (range ? 255 : 224);
+}
+
 namespace {
+/// The same as it is done: products with 15 fractional bits of the factor
+struct back_matrix {
+    int black, small[2], both, blue, chroma[2][3];
+
+    back_matrix(int matrix, int range) {
+        constexpr int weights[][2] = {{27, 53}, {22, 74}, {31, 80}};  // of red and green
+        for (int i = 0; i < 2; ++i) small[i] = weights[matrix][i];
+        double yuv[3];
+        const auto scaled = [](double v) { return static_cast<int>(std::lround(v / 255 * 32768)); };
+        real_yuv(matrix, range, {0, 0, 0}, yuv);
+        black = static_cast<int>(yuv[0]);
+        real_yuv(matrix, range, {1, 1, 0}, yuv);
+        both = scaled((yuv[0] - black) * 64 / (small[0] + small[1]));
+        real_yuv(matrix, range, {0, 0, 1}, yuv);
+        blue = scaled(yuv[0] - black);
+        for (int i = 0; i < 3; ++i) {
+            real_yuv(matrix, range, {i == 0 ? 1.0 : 0.0, i == 1 ? 1.0 : 0.0, i == 2 ? 1.0 : 0.0}, yuv);
+            for (int c = 0; c < 2; ++c) chroma[c][i] = scaled(yuv[1 + c] - 128);
+        }
+    }
+    static double product(int f, double v) { return std::floor(f * v / 32768 + 0.5); }
+    u8 luma(components c) const {
+        const double sum = product(both, small[0] * c.v[0] + small[1] * c.v[1]) + product(blue, 64 * c.v[2]);
+        return static_cast<u8>(black + std::floor((sum + 32) / 64));
+    }
+    u8 of_mean(int c, const double (&rgb)[3]) const {
+        double sum = 64;
+        for (int i = 0; i < 3; ++i) sum += product(chroma[c][i], rgb[i] * 128);
+        return static_cast<u8>(std::min(128 + std::floor(sum / 128), 255.0));
+    }
+};
+
+/// R, G, B as they are read; 5 and 6 bits are repeated from the top
+components read_rgb(const video_format& f, const view* planes, int x, int y) {
+    const layout& l = layout_of(f.name);
+    const u8* p[4] = {};
+    for (std::size_t i = 0; i < l.planes.size(); ++i) p[i] = planes[i].p + y * planes[i].stride + x * l.bytes[i];
+    components c = l.read(p);
+    if (f.cs == ZELT_CS_RGB565) c.v[0] += c.v[0] / 32, c.v[1] += c.v[1] / 64, c.v[2] += c.v[2] / 32;
+    return c;
+}
+
+void model_back(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes,
+                const view* out);
+
 /// The same as it is done: factors of 13 fractional bits, products and sums of 6. Chroma has fractions of its own, and
 /// samples of 10 bits have 2, so that the result is of 4.
 struct integer_matrix {
@@ -195,7 +249,8 @@ void model_ten_back(const ZELT_VIDEO& v, const video_format& to, shape s, const 
 
 void model_video(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes) {
     const view* out = planes + from.operands(s, false).size();
-    if (!from.channels()) return model_ten_back(v, to, s, planes, out);
+    if (!from.channels())
+        return from.bits == 10 ? model_ten_back(v, to, s, planes, out) : model_back(v, from, to, s, planes, out);
     const bool smooth = v.chroma == ZELT_VIDEO_SMOOTH;
     const integer_matrix rgb(v.matrix, v.range, from.bits, to.bits);
     const auto chroma = [&](int channel, int x, int y, int half_w, int half_h) {
@@ -240,6 +295,30 @@ void model_video(const ZELT_VIDEO& v, const video_format& from, const video_form
             for (int x = 0; x < (s.w + to.half_w) >> to.half_w; ++x)
                 write(to, out, c, x, y, chroma(c, x, y, to.half_w, to.half_h));
 }
+
+namespace {
+void model_back(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes,
+                const view* out) {
+    const back_matrix yuv(v.matrix, v.range);
+    const bool as_csc = to.cs == ZELT_CS_YUV444 && v.matrix == ZELT_VIDEO_BT601 && v.range == ZELT_VIDEO_FULL;
+    for (int y = 0; y < s.h; ++y)
+        for (int x = 0; x < s.w; ++x) {
+            const components c = read_rgb(from, planes, x, y);
+            *sample(to, out, 0, x, y) = static_cast<u8>(as_csc ? yuv_of(c).v[0] : yuv.luma(c));
+            const bool alone = to.samples[0].step == 2 && x % 2 == 0 && x + 1 == s.w;  // of a packed pair
+            if (alone) *sample(to, out, 0, x + 1, y) = *sample(to, out, 0, x, y);
+            if (to.channels() == 1 || x & to.half_w || y & to.half_h) continue;
+            double mean[3] = {}, count = 0;
+            for (int below = y; below <= std::min(y + to.half_h, s.h - 1); ++below)
+                for (int right = x; right <= std::min(x + to.half_w, s.w - 1); ++right, ++count)
+                    for (int i = 0; i < 3; ++i) mean[i] += read_rgb(from, planes, right, below).v[i];
+            for (double& m : mean) m /= count;
+            for (int i = 1; i < 3; ++i)
+                *sample(to, out, i, x >> to.half_w, y >> to.half_h) =
+                    as_csc ? static_cast<u8>(yuv_of(c).v[i]) : yuv.of_mean(i - 1, mean);
+        }
+}
+}  // namespace
 
 void call_video(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes,
                 const std::vector<int>& bands) {
@@ -288,7 +367,10 @@ std::vector<kernel> video_kernels() {
         for (const video_format& from : video_formats())
             for (const video_format& to : video_formats()) {
                 if (from.bits != bits || !converts(from, to)) continue;
-                const std::string name = bits == 8 ? "zelt_video_convert " : "zelt_video_convert 10 bits ";
+                const std::string kind = bits == 10        ? "10 bits "
+                                         : from.channels() ? ""
+                                                           : "back ",
+                                  name = "zelt_video_convert " + kind;
                 add(name, from, to, ZELT_VIDEO_REPLICATED);
                 if (from.half_w > to.half_w || from.half_h > to.half_h) add(name, from, to, ZELT_VIDEO_SMOOTH);
             }

@@ -31,4 +31,6 @@ void call_video(const ZELT_VIDEO& v, const video_format& from, const video_forma
 void real_rgb(int matrix, int range, const int (&yuv)[3], double (&rgb)[3], int bits = 8);
 /// And back: Y, U, V of 10 bits, of R, G, B in 0..1
 void real_ten_yuv(int matrix, int range, const double (&rgb)[3], double (&yuv)[3]);
+/// Y, U, V in bytes, not rounded, of R, G, B in 0..1
+void real_yuv(int matrix, int range, const double (&rgb)[3], double (&yuv)[3]);
 }  // namespace zelt::test

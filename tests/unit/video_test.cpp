@@ -41,7 +41,8 @@ TEST(video, pairs_and_values) {
               500, 501, 502, 503, 600, 603, 650, 700, 800, 801, 802, 803, 810, 811, 820, 821, 840, 841})
             if (has(yuv, src) || has(ten, src) || src % 7 == 0 || has(rgb, src)) {
                 const bool bytes = has(yuv, dst) || has(rgb, dst), words = has(ten, dst) || dst == 603;
-                expect(request(src, dst), has(ten, src) ? bytes || words : has(yuv, src) && bytes);
+                const bool back = has(rgb, src) && has(yuv, dst);
+                expect(request(src, dst), has(ten, src) ? bytes || words : back || (has(yuv, src) && bytes));
                 expect(request(ZELT_CS_R10G10B10, dst), has(ten, dst));
             }
     for (const int32_t value : {-1, 0, 1, 2, 3, INT32_MAX, INT32_MIN}) {
@@ -80,6 +81,14 @@ TEST(video, known_colours) {
         zelt_video_convert(&v, p.src, p.src_s, p.dst, p.dst_s, 1, 1);
         const std::vector<int> got(p.out, p.out + 5), want = {c.rgb[2], c.rgb[1], c.rgb[0], 255, 7};
         EXPECT_EQ(got, want) << int{c.yuv[0]} << " of matrix " << c.matrix << ", range " << c.range;
+
+        pixels back;
+        for (int i = 0; i < 3; ++i) back.y[2 - i] = c.rgb[i] > 128 ? 255 : 0;  // what the colour is exactly
+        v = request(ZELT_CS_BGRA8888, ZELT_CS_YUV420, c.matrix, c.range);
+        ASSERT_EQ(zelt_video_init(&v), ZELT_OK);
+        zelt_video_convert(&v, back.src, back.src_s, back.dst, back.dst_s, 1, 1);
+        const std::vector<int> yuv = {back.out[0], back.out[4], back.out[8]}, known(c.yuv, c.yuv + 3);
+        EXPECT_EQ(yuv, known) << "matrix " << c.matrix << ", range " << c.range;
     }
 }
 
