@@ -44,6 +44,8 @@ struct columns {
     std::ptrdiff_t run_source;    // where their pairs begin in a source row
     std::ptrdiff_t source_start;  // what offsets and run_source count from: the row's start, or what is read of it
 
+    /// Whether pixels of so many bytes have runs
+    template <int Bytes> static constexpr bool has_runs = Bytes == 1 || Bytes == 4;
     /// Registers of a half group's table
     template <int Windows> static constexpr int registers = 1 + row_shape::masks_of(Windows);
     template <int Windows> const u8* table(int group) const { return tables + 2 * group * registers<Windows> * lanes; }
@@ -83,7 +85,7 @@ public:
         columns c = {groups, whole, first, row.samples - lanes, offsets_, tables_, groups, groups, 0, 0};
         for (int i = 0; i < groups * columns::eights; ++i)
             prepare_eight<Channels>(x, row, i, c.at(i / columns::eights) + 8 * eight_at(i % columns::eights));
-        if (may_run && 8 % Channels == 0 && x.shift <= 1) find_run<Channels>(c, x, row);
+        if (may_run && columns::has_runs<Channels> && x.shift <= 1) find_run<Channels>(c, x, row);
         return c;
     }
 

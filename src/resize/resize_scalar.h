@@ -71,11 +71,11 @@ namespace zelt::inline ZELT_LEVEL::scalar {
 using rsz::axis;
 using rsz::row_pair;
 
-template <class Format> void resize_row(const row_pair& row, const axis& x, int dst_w) {
+template <class Format> void resize_row(const row_pair& row, const axis& x, int dst_w, s64 first = 0) {
     const u8 *top = row.top[0], *bottom = row.bottom[0], *weights = rsz::weights_of(row.phase);
     u8* dst = row.dst;
     const std::ptrdiff_t next = static_cast<std::ptrdiff_t>(x.next * Format::src_bytes);
-    s64 position = 0;
+    s64 position = first * x.step;
     for (int i = 0; i < dst_w; ++i, position += x.step, dst += Format::dst_bytes) {
         const std::ptrdiff_t left = static_cast<std::ptrdiff_t>(x.sample(position) * Format::src_bytes);
         const u8* w = weights + 32 * axis::phase(position);

@@ -144,7 +144,7 @@ template <class Format, int Channels, int Windows, class Rows>
         if constexpr (source::is_direct) next = upcoming;
         if (c.run > 0) filter_groups<Format, Windows>(c, 0, c.run, row, next);
         if (c.run == c.groups) continue;
-        if constexpr (8 % Channels == 0) {
+        if constexpr (columns::has_runs<Channels>) {
             run.template scale<Windows>(c, row.phase);
             if (x.next == 1)
                 filter_run<Format, Channels, 1>(c, run, row, next);
@@ -179,10 +179,10 @@ template <int Windows> void filter_horizontal(const columns c, const u8* row, co
 using filter_horizontal_fn = void (*)(columns, const u8*, const u8*, s16xn*);
 
 /// Horizontal sums of two source rows: a destination row shares one or both with the row before it
-template <class Source> class row_cache {
+template <class Source, int Samples = 4096> class row_cache {
 public:
     static constexpr int planes = Source::planes, source_planes = Source::source_planes;
-    static constexpr int max_samples = 4096 / planes / lanes * lanes;
+    static constexpr int max_samples = Samples / planes / lanes * lanes;
     using source_row = const u8* [source_planes];
 
     row_cache(const columns& c, int windows, filter_horizontal_fn filter) : source_(c, windows), filter_(filter) {}
@@ -234,17 +234,25 @@ template <class Format, class Dest>
         }
 }
 
-template <class Format, class Rows>
-[[gnu::noinline]] void resize_cached(const columns& c, int windows, const Rows& rows, int count) {
-    static constexpr filter_horizontal_fn filters[] = {filter_horizontal<1>, filter_horizontal<2>, filter_horizontal<3>,
-                                                       filter_horizontal<4>};
-    row_cache<typename Format::source> cache(c, windows, windows > 4 ? filter_horizontal<8> : filters[windows - 1]);
+inline filter_horizontal_fn filter_of(int windows) {
+    static constexpr filter_horizontal_fn filters[] = {nullptr, filter_horizontal<1>, filter_horizontal<2>,
+                                                       filter_horizontal<3>, filter_horizontal<4>};
+    return windows > 4 ? filter_horizontal<8> : filters[windows];
+}
+
+template <class Format, class Cache, class Rows>
+void filter_cached(Cache& cache, const columns& c, const Rows& rows, int count) {
     for (int i = 0; i < count; ++i) {
         const auto row = rows[i], next = rows[i + (i + 1 < count)];
         const s16xn* top = cache.filtered(c, row.top, row.bottom, next.top);
         const s16xn* bottom = cache.filtered(c, row.bottom, row.top, next.bottom);
         filter_vertical<Format>(c, top, bottom, row.phase, row.dst);
     }
+}
+template <class Format, class Rows>
+[[gnu::noinline]] void resize_cached(const columns& c, int windows, const Rows& rows, int count) {
+    row_cache<typename Format::source> cache(c, windows, filter_of(windows));
+    filter_cached<Format>(cache, c, rows, count);
 }
 
 // --------------------------------------------------------------------------------------------------------- all columns

@@ -1,0 +1,5 @@
+#pragma once
+#include "resize/part_scalar.h"
+#if ZELT_SIMD
+#include "resize/part_simd.h"
+#endif
