@@ -3,6 +3,7 @@
 #include "kernels/video.h"
 
 #include "blocks.h"
+#include "kernels/resize.h"
 
 #include <algorithm>
 
@@ -22,6 +23,10 @@ const video_format* format(fuzz::input& in, ZELT_VIDEO& v, int32_t ZELT_VIDEO::*
     const auto found = std::ranges::find(all, v.*cs, &video_format::cs);
     return found == all.end() ? nullptr : &*found;
 }
+bool can_turn(const video_format* to, int turn) {
+    const bool packed = to && to->channels() && to->samples[0].step == 2;
+    return turn >= 0 && turn < 8 && !(turn && packed) && !(turn % 2 && to && to->half_w != to->half_h);
+}
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -29,10 +34,12 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     ZELT_VIDEO v = {};
     const video_format *from = format(in, v, &ZELT_VIDEO::src_cs), *to = format(in, v, &ZELT_VIDEO::dst_cs);
     v.matrix = value(in, 3), v.range = value(in, 2), v.chroma = value(in, 2);
-    if (in.byte() == 255) v.reserved[in.byte() % 11] = in.wild();
+    v.filter = value(in, 2), v.turn = in.byte() % 2 ? value(in, 8) : 0;
+    if (in.byte() == 255) v.reserved[in.byte() % 7] = in.wild();
     const auto below = [](int value, int count) { return value >= 0 && value < count; };
     const bool supported = from && to && converts(*from, *to) && below(v.matrix, 3) && below(v.range, 2) &&
-                           below(v.chroma, 2) && std::ranges::count(v.reserved, 0) == 11;
+                           below(v.chroma, 2) && below(v.filter, 2) && can_turn(to, v.turn) &&
+                           std::ranges::count(v.reserved, 0) == 7;
     fuzz::require(zelt_video_init(&v) == (supported ? ZELT_OK : ZELT_ERR_UNSUPPORTED));
     if (!supported) return 0;
 
@@ -40,19 +47,9 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const shape s = {std::max(w, 1), 1 + in.byte() % 12};
     std::vector<int> bands(in.byte() % 4);
     for (int& rows : bands) rows = 1 + in.byte() % 5;
-    const auto operands = [&](shape of) {
-        std::vector<operand> all = from->operands(of, false);
-        for (const operand& o : to->operands(of, true)) all.push_back(o);
-        return all;
-    };
-    const auto call = [&](function, shape of, const view* planes) {
-        call_video(v, *from, *to, of, planes, bands);
-        return u64{0};
-    };
-    const auto model = [&](shape of, const view* planes) {
-        model_video(v, *from, *to, of, planes);
-        return u64{0};
-    };
-    fuzz::check(in, {"video", nullptr, {}, operands, call, model}, s);
+    v.dst_w = in.byte() % 2;
+    ratio q = {"", 1, 1, 1, 1};
+    if (v.dst_w) q = {"", in.byte() % 8, 1 + in.byte() % 4, in.byte() % 8, 1 + in.byte() % 4};
+    fuzz::check(in, placed_kernel(v, *from, *to, q, {}, bands), s);
     return 0;
 }

@@ -144,7 +144,24 @@
  *  the other one. At the edges of a picture the outermost sample counts twice. Smooth chroma is not rounded before the
  *  matrix; between YUV formats it is rounded once. Chroma that the destination has less of is the rounded mean of the
  *  samples that share one. From ZELT_CS_YUV400 chroma is 128. Where a YUV format of 10 bits becomes one of 8, samples
- *  are divided by 4 in the same rounding, up to 255, whatever their range. */
+ *  are divided by 4 in the same rounding, up to 255, whatever their range.
+ *
+ *  **Other sizes.** With dst_w and dst_h each plane is resized from its own size straight to the size that the
+ *  destination has for it, which to RGB is that of luma, and the result converted; `chroma` has no say then. Without a
+ *  filter of its own that is bilinear, with the rule and the phases of zelt_irsz8b_full, whose bytes the planes have.
+ *  It takes four samples: below a half of the source's size it misses others, and fine patterns become coarse ones.
+ *  ZELT_VIDEO_AREA takes all: from w x h to W x H samples, column s of the source covers s W to (s + 1) W, column x of
+ *  the destination x w to (x + 1) w, rows likewise, and with the lengths of what they have in common a sample is
+ *
+ *      (sum of across(s, x) down(t, y) sample(s, t) + w h / 2) / (w h)
+ *
+ *  cut off: the rounded mean, in integers, the same on every processor. It may enlarge, too, but makes blocks then.
+ *
+ *  **Turned.** With `turn` each plane of the destination is turned after it is converted, a plane of halved chroma as
+ *  it is, of an odd picture too. Packed YUV is not turned, and formats with chroma halved one way only not by 90 or 270
+ *  degrees: their pixels would share chroma the other way. Such a picture can become ZELT_CS_YUV420, ZELT_CS_NV12 or
+ *  ZELT_CS_YUV444, which FFmpeg's transpose and rotation metadata of containers and cameras (EXIF: 90 is orientation 6,
+ *  180 is 3, 270 is 8; mirrored 0, 90, 180, 270 are 2, 7, 4, 5) may ask for. */
 #ifndef ZELT_VIDEO_H
 #define ZELT_VIDEO_H
 
@@ -181,6 +198,20 @@ enum {
     ZELT_VIDEO_SMOOTH = 1      /**< bilinear, as above */
 };
 
+/** How a destination of another size is made */
+enum {
+    ZELT_VIDEO_BILINEAR = 0, /**< between four samples: for enlarging, and down to 1:2 */
+    ZELT_VIDEO_AREA = 1      /**< the mean of what a sample covers: for shrinking further, without moire */
+};
+/** How a picture is turned: one of these, and ZELT_VIDEO_MIRRORED or not */
+enum {
+    ZELT_VIDEO_UPRIGHT = 0,
+    ZELT_VIDEO_90 = 1,      /**< by 90 degrees clockwise: the left column becomes the top row, right to left */
+    ZELT_VIDEO_180 = 2,     /**< upside down */
+    ZELT_VIDEO_270 = 3,     /**< by 90 degrees counterclockwise: the right column becomes the top row */
+    ZELT_VIDEO_MIRRORED = 4 /**< left and right exchanged before that */
+};
+
 /** What to convert to what. The caller sets the first fields, 0 being the default of each but the formats, and
  *  zelt_video_init the others; the record owns nothing and may be copied. */
 typedef struct ZELT_VIDEO {
@@ -189,7 +220,10 @@ typedef struct ZELT_VIDEO {
     int32_t matrix;       /**< ZELT_VIDEO_BT601, ... */
     int32_t range;        /**< ZELT_VIDEO_LIMITED or ZELT_VIDEO_FULL */
     int32_t chroma;       /**< ZELT_VIDEO_REPLICATED or ZELT_VIDEO_SMOOTH */
-    int32_t reserved[11]; /**< 0: requests of later versions */
+    int32_t filter;       /**< ZELT_VIDEO_BILINEAR or ZELT_VIDEO_AREA */
+    int32_t dst_w, dst_h; /**< size of the destination as it is stored, after turning; 0, 0 is the picture's own */
+    int32_t turn;         /**< ZELT_VIDEO_UPRIGHT, ... */
+    int32_t reserved[7];  /**< 0: requests of later versions */
     int32_t state[48];    /**< the library's */
 } ZELT_VIDEO;
 
@@ -208,25 +242,39 @@ ZELT_API int32_t zelt_video_init(ZELT_VIDEO *v);
  *  @param src_s  their strides in bytes, negative ones included
  *  @param dst_a  destination planes
  *  @param dst_s  their strides
- *  @param w      width in pixels
- *  @param h      height in rows */
+ *  @param w      width of the source in pixels
+ *  @param h      its height in rows */
 ZELT_API void zelt_video_convert(const ZELT_VIDEO *v, void *const *src_a, const int32_t *src_s, void *const *dst_a,
                                  const int32_t *dst_s, int32_t w, int32_t h);
 
 /** Converts rows of a picture: bands of any height give together what zelt_video_convert gives. Smooth chroma and
- *  means of two rows read rows next to the band, too. A row of chroma that two rows of the destination share is written
+ *  means of two rows read rows next to the band, too. Bands are rows of the destination, and those of a multiple of 16
+ *  rows are fastest where it is resized or turned. A row of chroma that two rows of the destination share is written
  *  with the upper one.
  *  @param v      a record that zelt_video_init has filled
  *  @param src_a  source planes, of the whole picture
  *  @param src_s  their strides in bytes
  *  @param dst_a  destination planes, of the whole picture
  *  @param dst_s  their strides
- *  @param w      width of the picture in pixels
+ *  @param w      width of the source in pixels
  *  @param h      its height in rows
- *  @param y      first row to convert
- *  @param rows   their number; those outside the picture do not count */
+ *  @param y      first row of the destination to make
+ *  @param rows   their number; those outside it do not count */
 ZELT_API void zelt_video_convert_rows(const ZELT_VIDEO *v, void *const *src_a, const int32_t *src_s, void *const *dst_a,
                                       const int32_t *dst_s, int32_t w, int32_t h, int32_t y, int32_t rows);
+
+/** Turns or mirrors a plane. Source and destination must not share memory. Any thread.
+ *  @param src         its first pixel
+ *  @param src_stride  bytes from row to row, negative ones included
+ *  @param dst         the first pixel of the destination, h pixels wide and w high at 90 and 270 degrees
+ *  @param dst_stride  its stride in bytes
+ *  @param w           width of the source in pixels; nothing is done where a size is below 1
+ *  @param h           its height in rows
+ *  @param bytes       of a pixel: 1, of 8-bit planes, 2, of interleaved chroma and RGB565, 3 or 4
+ *  @param turn        ZELT_VIDEO_UPRIGHT, ...
+ *  @return            ZELT_OK; ZELT_ERR_INVALID_ARG for other `bytes` or `turn` */
+ZELT_API int32_t zelt_video_turn(const uint8_t *src, int32_t src_stride, uint8_t *dst, int32_t dst_stride, int32_t w,
+                                 int32_t h, int32_t bytes, int32_t turn);
 
 ZELT_END_DECLS
 

@@ -67,6 +67,19 @@ template <class... V> void store_channels(u8* p, V... channels) {
 template <int N> void load_next(const u8*& p, u8xn (&v)[N]) {
     for (u8xn& r : v) load(p, r), p += lanes;
 }
+inline u8xn load_apart(const u8* p, std::ptrdiff_t) { return load_as<u8xn>(p); }
+template <int Bytes> two<u8xn> zip(u8xn a, u8xn b) {
+    const auto half = [=](int from) {
+        return make<u8xn>([=](int i) {
+            const int at = from + i / Bytes / 2 * Bytes + i % Bytes;
+            return i / Bytes % 2 ? b[at] : a[at];
+        });
+    };
+    return {half(0), half(8)};
+}
+template <int Bytes> u8xn reverse(u8xn a) {
+    return make<u8xn>([=](int i) { return a[lanes - Bytes - i / Bytes * Bytes + i % Bytes]; });
+}
 inline void store(u8* p, u8xn a) { std::memcpy(p, &a, sizeof a); }
 inline void store2(u8* p, u8xn a, u8xn b) { store_channels(p, a, b); }
 inline void store3(u8* p, u8xn a, u8xn b, u8xn c) { store_channels(p, a, b, c); }

@@ -172,6 +172,29 @@ inline void unzip(u8xn& a, u8xn& b) {
     const uint8x16x2_t v = vuzpq_u8((uint8x16_t)a, (uint8x16_t)b);
     a = (u8xn)v.val[0], b = (u8xn)v.val[1];
 }
+inline u8xn load_apart(const u8* p, std::ptrdiff_t) { return (u8xn)vld1q_u8(p); }
+template <int Bytes> two<u8xn> zip(u8xn a, u8xn b) {
+    static_assert(Bytes == 1 || Bytes == 2 || Bytes == 4);
+#if defined(__arm__) && !defined(__clang__)  // gcc would copy registers to make up a tuple
+    if constexpr (Bytes == 1) asm("vzip.8 %q0, %q1" : "+w"(a), "+w"(b));
+    if constexpr (Bytes == 2) asm("vzip.16 %q0, %q1" : "+w"(a), "+w"(b));
+    if constexpr (Bytes == 4) asm("vzip.32 %q0, %q1" : "+w"(a), "+w"(b));
+    return {a, b};
+#else
+    const auto both = [](auto v) -> two<u8xn> { return {(u8xn)v.val[0], (u8xn)v.val[1]}; };
+    if constexpr (Bytes == 1) return both(vzipq_u8((uint8x16_t)a, (uint8x16_t)b));
+    if constexpr (Bytes == 2) return both(vzipq_u16((uint16x8_t)a, (uint16x8_t)b));
+    if constexpr (Bytes == 4) return both(vzipq_u32((uint32x4_t)a, (uint32x4_t)b));
+#endif
+}
+template <int Bytes> u8xn reverse(u8xn a) {
+    uint8x16_t v = (uint8x16_t)a;
+    if constexpr (Bytes == 1) v = vrev64q_u8(v);
+    if constexpr (Bytes == 2) v = (uint8x16_t)vrev64q_u16((uint16x8_t)v);
+    if constexpr (Bytes == 4) v = (uint8x16_t)vrev64q_u32((uint32x4_t)v);
+    return (u8xn)vextq_u8(v, v, 8);
+}
+
 inline uint8x8_t low8(u8xn a) { return vget_low_u8((uint8x16_t)a); }
 inline uint8x8_t high8(u8xn a) { return vget_high_u8((uint8x16_t)a); }
 

@@ -16,6 +16,10 @@
 // SAMPLES
 //   load, load2, load3, load4    `lanes` samples of 1 to 4 interleaved channels; store, store2, store3, store4 alike
 //   load_next<N>(p, v)           N registers that follow one another; p is then beyond them
+//   load_apart(p, n)             16 bytes from p on, on registers of 32 bytes also as many from p + n on
+//   zip<Bytes>(a, b)             of each 16 bytes of both, elements of 1, 2 or 4 bytes in turn: {those of the low
+//                                halves, those of the high ones}
+//   reverse<Bytes>(a)            elements of 1, 2 or 4 bytes, the last one first
 //   load_16, store_16            `lanes` samples of 16 bits in memory order
 //   load_even_odd_16, store_even_odd_16
 //                                the same in even-odd order, which is that of two channels in turn

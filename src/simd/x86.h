@@ -152,6 +152,23 @@ template <int N> void load_next(const u8*& p, u8xn (&v)[N]) {
     for (u8xn& r : v) r = load_register(p), p += lanes;
 }
 
+inline u8xn load_apart(const u8* p, std::ptrdiff_t apart) { return (u8xn)load_blocks(p, apart); }
+template <int Bytes> two<u8xn> zip(u8xn a, u8xn b) {
+    static_assert(Bytes == 1 || Bytes == 2 || Bytes == 4);
+    if constexpr (Bytes == 1) return {(u8xn)unpacklo_epi8(a, b), (u8xn)unpackhi_epi8(a, b)};
+    if constexpr (Bytes == 2) return {(u8xn)unpacklo_epi16(a, b), (u8xn)unpackhi_epi16(a, b)};
+    if constexpr (Bytes == 4) return {(u8xn)unpacklo_epi32(a, b), (u8xn)unpackhi_epi32(a, b)};
+}
+template <int Bytes> u8xn reverse(u8xn a) {
+    static constexpr byte_table<lanes> backwards =
+        per_place([](int i) { return 16 - Bytes - i / Bytes * Bytes + i % Bytes; });
+    const reg v = (reg)shuffle_epi8(a, reg(backwards));
+#if ZELT_LANES == 32
+    return (u8xn)_mm256_permute4x64_epi64(v, 0x4E);
+#else
+    return (u8xn)v;
+#endif
+}
 inline void store(u8* p, u8xn a) { store_register(p, a); }
 inline void store2(u8* p, u8xn a, u8xn b) { store_blocks(p, unpacklo_epi8(a, b), unpackhi_epi8(a, b)); }
 inline void store_spread3(u8* p, reg a, reg b, reg c) {

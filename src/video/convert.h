@@ -18,29 +18,29 @@ inline void convert_band(const plan& p, void* const* src_a, const s32* src_s, vo
             to[i] = dst.p[i] ? dst.row(i, b.begin) : nullptr, to_s[i] = static_cast<s32>(dst.s[i]);
         }
         const auto convert = src.format.from ? src.format.from->full_range_bt601 : dst.format.rgb->full_range_bt601;
-        convert(from, static_cast<int>(b.w), static_cast<int>(b.end - b.begin), from_s, to, to_s);
+        convert(from, static_cast<int>(b.columns), static_cast<int>(b.end - b.begin), from_s, to, to_s);
     } else if (src.format.from) {
         from_rgb convert(p, src, dst);
         for (std::ptrdiff_t y = b.begin, rows; y < b.end; y += rows) rows = convert.convert(b, y);
     } else if (src.format.rgb) {
-        const to_ten convert(p, src, dst, b.w);
+        const to_ten convert(p, src, dst, b.columns);
         for (std::ptrdiff_t y = b.begin; y < b.end; ++y) convert.convert(b, y);
     } else if (src.format.ten && !dst.format.rgb) {
         tens_to_yuv convert(p, src, dst, b.w);
         for (std::ptrdiff_t y = b.begin; y < b.end; ++y) convert.convert(b, y);
     } else if (dst.format.rgb) {
         const std::ptrdiff_t x = convert_shared(p, src, dst, b);
-        if (x == b.w) return;
+        if (x == b.columns) return;
         if (src.format.ten) return tens_to_pixels(p, src, dst, b.w).convert(b, x);
         to_pixels convert(p, src, dst, b.w);
         for (std::ptrdiff_t y = b.begin; y < b.end;) y += convert.convert(b, x, y);
     } else {
         to_yuv convert(p, src, dst, b.w);
-        convert.copy_luma(b);
+        if (b.with_luma) convert.copy_luma(b);
         const repacker whole(p, src, dst, b);
         if (whole.convert_run()) return;
         for (std::ptrdiff_t y = b.begin; y < b.end; ++y)
-            if (const std::ptrdiff_t x = whole.convert(y); x < b.w) convert.convert(b, x, y);
+            if (const std::ptrdiff_t x = whole.convert(y); x < b.columns) convert.convert(b, x, y);
     }
 }
 }  // namespace zelt::inline ZELT_LEVEL::video

@@ -13,9 +13,9 @@ public:
         if (to.kind == kind::grey || (to.half_h && y % 2)) return put_luma(b, y);
         const bool two = to.half_h && y + 1 < b.h, both_here = two && y + 1 < b.end;
         if (both_here == two && to.kind != kind::packed)
-            put({0, b.w}, y, two, both_here);
+            put({0, b.columns}, y, two, both_here);
         else
-            for_strips(0, b.w, [&](strip s) { put(s, y, two, both_here); });
+            for_strips(0, b.columns, [&](strip s) { put(s, y, two, both_here); });
         return both_here ? 2 : 1;
     }
 
@@ -30,7 +30,7 @@ private:
         return rows;
     }
     std::ptrdiff_t put_luma(const band& b, std::ptrdiff_t y) {
-        src_.format.from->luma(matrix_, source({0, b.w}, y, false), dst_.row(0, y), b.w);
+        src_.format.from->luma(matrix_, source({0, b.columns}, y, false), dst_.row(0, y), b.columns);
         return 1;
     }
     /// Where the second row is another band's its luma goes nowhere.

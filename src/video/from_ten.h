@@ -137,7 +137,7 @@ public:
         for (std::ptrdiff_t y = b.begin, rows; y < b.end; y += rows) {
             rows = shared && y % 2 == 0 && y + 1 < b.end ? 2 : 1;
             const pair_of_rows from = rows_for(y, b.h, src_.format.half_h, false, plan_.smooth);
-            for_strips(x, b.w, [&](strip s) {
+            for_strips(x, b.columns, [&](strip s) {
                 make_terms(from, s);
                 for (std::ptrdiff_t i = 0; i < rows; ++i) put(y + i, s);
             });
@@ -205,7 +205,7 @@ public:
     void convert(const band& b, std::ptrdiff_t y) {
         const format &from = src_.format, &to = dst_.format;
         const pair_of_rows rows = rows_for(y, b.h, from.half_h, to.half_h, plan_.smooth);
-        for_strips(0, b.w, [&](strip s) {
+        for_strips(0, b.columns, [&](strip s) {
             samples_.paired() ? put_luma<true>(y, s) : put_luma<false>(y, s);
             if (to.kind != kind::grey && !(to.half_h && y % 2)) put_chroma(rows, to.half_h ? y / 2 : y, s);
             if (to.kind == kind::packed) interleave(dst_.row(0, y) + 2 * s.x, s);

@@ -9,6 +9,9 @@ struct plan {
     s32 src, dst;  // in formats
     s32 smooth;
     s32 as_csc;  // full-range BT.601 from or to 4:4:4
+    // Of other sizes, what the source's planes become before they are converted, and as_csc from there
+    s32 between, between_as_csc;
+    s32 filter, dst_w, dst_h, turn;
     video::matrix matrix;
     back_matrix back;
     ten_back_matrix ten_back;
@@ -16,7 +19,14 @@ struct plan {
 
 struct band {
     std::ptrdiff_t w, h, begin, end;  // the picture, and the rows to convert
+    std::ptrdiff_t columns;           // the first ones, an even number or all
+    bool with_luma = true;            // of planes
 };
+
+inline int planes_of(const format& f) {
+    const int of_kind[] = {1, 3, 2, 1, f.rgb ? f.rgb->planes : 0};  // by kind
+    return of_kind[static_cast<int>(f.kind)];
+}
 
 /// Planes of a format, copied from the caller's arrays
 struct picture {
@@ -25,8 +35,7 @@ struct picture {
     std::ptrdiff_t s[3] = {};
 
     picture(const video::format& f, void* const* a, const s32* strides) : format(f) {
-        const int of_kind[] = {1, 3, 2, 1, f.rgb ? f.rgb->planes : 0};  // by kind
-        for (int i = 0; i < of_kind[static_cast<int>(f.kind)]; ++i) p[i] = static_cast<u8*>(a[i]), s[i] = strides[i];
+        for (int i = 0; i < planes_of(f); ++i) p[i] = static_cast<u8*>(a[i]), s[i] = strides[i];
     }
     u8* row(int plane, std::ptrdiff_t y) const { return p[plane] + y * s[plane]; }
 };

@@ -143,7 +143,7 @@ public:
         constexpr std::ptrdiff_t least = sizeof(widest);
         const format &from = src.format, &to = dst.format;
         packed_ = from.kind == kind::packed || to.kind == kind::packed;
-        pairs_ = packed_ ? b.w / 2 : (b.w + 1) / 2;
+        pairs_ = packed_ ? b.columns / 2 : (b.columns + 1) / 2;
         if (!from.half_w || !to.half_w || (p.smooth && from.half_h && !to.half_h) || pairs_ < least) return;
         const bool paired = from.kind == kind::paired && to.kind == kind::paired;
         const bool swapped = (from.kind == kind::paired && from.second) != (to.kind == kind::paired && to.second);
@@ -174,7 +174,7 @@ public:
             return 2 * pairs_;
         }
         if (!half_h || y % 2 == 0) put(y, pairs_);
-        return band_.w;
+        return band_.columns;
     }
 
 private:

@@ -5,7 +5,7 @@ namespace zelt::inline ZELT_LEVEL::video {
 /// Converts pixels that share chroma, as many of each row as it gives back.
 inline std::ptrdiff_t convert_shared(const plan& p, const picture& src, const picture& dst, const band& b) {
     const format& f = src.format;
-    const std::ptrdiff_t pixels = b.w & -2;
+    const std::ptrdiff_t pixels = b.columns & -2;
     if (sizeof(widest) == 1 || !dst.format.rgb->shared || pixels < static_cast<std::ptrdiff_t>(sizeof(widest)))
         return 0;
     if (f.kind != kind::grey && (!f.half_w || p.smooth)) return 0;
@@ -45,7 +45,7 @@ public:
     std::ptrdiff_t convert(const band& b, std::ptrdiff_t x, std::ptrdiff_t y) {
         const pair_of_rows from = rows_for(y, b.h, src_.format.half_h, false, plan_.smooth);
         const bool both = chroma_of_ == chroma_of::neighbours && from.apart && y % 2 == 1 && y + 1 < b.end;
-        for_strips(x, b.w, [&](strip s) {
+        for_strips(x, b.columns, [&](strip s) {
             make_terms(from, s);
             put(y, rows_[0], s);
             if (both) put(y + 1, rows_[1], s);

@@ -11,12 +11,12 @@ public:
     /// Luma of all rows, between planes of it
     void copy_luma(const band& b) {
         if (packed()) return;
-        if (dst_.s[0] == b.w && src_.s[0] == b.w) {  // no gaps: one run
-            copy(dst_.row(0, b.begin), src_.row(0, b.begin), static_cast<std::size_t>(b.w * (b.end - b.begin)));
+        if (dst_.s[0] == b.columns && src_.s[0] == b.columns) {  // no gaps: one run
+            copy(dst_.row(0, b.begin), src_.row(0, b.begin), static_cast<std::size_t>(b.columns * (b.end - b.begin)));
             return;
         }
         for (std::ptrdiff_t y = b.begin; y < b.end; ++y)
-            copy(dst_.row(0, y), src_.row(0, y), static_cast<std::size_t>(b.w));
+            copy(dst_.row(0, y), src_.row(0, y), static_cast<std::size_t>(b.columns));
     }
     /// A row from pixel x on, which is even
     void convert(const band& b, std::ptrdiff_t x, std::ptrdiff_t y) {
@@ -24,7 +24,7 @@ public:
         const bool with_chroma = to.kind != kind::grey && !(to.half_h && y % 2);
         if (!with_chroma && !packed()) return;
         const pair_of_rows rows = rows_for(y, b.h, from.half_h, to.half_h, plan_.smooth);
-        for_strips(x, b.w, [&](strip s) {
+        for_strips(x, b.columns, [&](strip s) {
             if (with_chroma) put_chroma(rows, to.half_h ? y / 2 : y, s);
             if (packed()) put_luma(y, s);
         });

@@ -61,5 +61,6 @@ LAYOUT(ZELT_RLIST, 5, 32,
 
 LAYOUT(ZELT_VIDEO, 64, 256,
        AT(ZELT_VIDEO, src_cs, 0) && AT(ZELT_VIDEO, dst_cs, 1) && AT(ZELT_VIDEO, matrix, 2) &&
-           AT(ZELT_VIDEO, range, 3) && AT(ZELT_VIDEO, chroma, 4) && AT(ZELT_VIDEO, reserved, 5) &&
-           AT(ZELT_VIDEO, state, 16));
+           AT(ZELT_VIDEO, range, 3) && AT(ZELT_VIDEO, chroma, 4) && AT(ZELT_VIDEO, filter, 5) &&
+           AT(ZELT_VIDEO, dst_w, 6) && AT(ZELT_VIDEO, dst_h, 7) && AT(ZELT_VIDEO, turn, 8) &&
+           AT(ZELT_VIDEO, reserved, 9) && AT(ZELT_VIDEO, state, 16));

@@ -232,7 +232,7 @@ std::string family_of(const std::string& name) {
 
 void register_kernel_tests() {
     std::map<std::string, std::vector<kernel>> families;
-    for (kernel& k : all_kernels()) families[family_of(k.name)].push_back(std::move(k));
+    for (kernel& k : all_kernels()) families[k.family.empty() ? family_of(k.name) : k.family].push_back(std::move(k));
     for (const auto& family : families)
         testing::RegisterTest("kernels", family.first.c_str(), nullptr, nullptr, __FILE__, __LINE__,
                               [=]() -> testing::Test* { return new family_test(family.first, family.second); });

@@ -77,6 +77,8 @@ struct kernel {
         std::vector<shape> shapes;
         bool pictures = false;  // and whether it is for pixels, or else for bytes
     } counted = {};
+
+    std::string family = {};  // of the digest, where the name does not say it
 };
 
 std::vector<kernel> converter_kernels();
@@ -85,6 +87,7 @@ std::vector<kernel> memory_kernels();
 std::vector<kernel> metric_kernels();
 std::vector<kernel> resize_kernels();
 std::vector<kernel> video_kernels();
+std::vector<kernel> video_place_kernels();
 
 /// All rows of all families.
 std::vector<kernel> all_kernels();

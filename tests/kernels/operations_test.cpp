@@ -183,6 +183,31 @@ TEST(operations, of_channels) {
     CHANNELS(4, x, y, z, t);
 }
 
+template <int Bytes> void check_zip() {
+    const memory in = random_bytes(1 << 10), other = random_bytes(1 << 10);
+    SAME(whole, 16, 32, in, other, {
+        const auto v = zip<Bytes>(load_as<u8xn>(a), load_as<u8xn>(b));
+        for (int i = 0; i < lanes; i += 16) {  // a piece's results follow each other
+            std::memcpy(out + 2 * i, reinterpret_cast<const u8*>(&v.first) + i, 16);
+            std::memcpy(out + 2 * i + 16, reinterpret_cast<const u8*>(&v.second) + i, 16);
+        }
+    });
+}
+template <int Bytes> void check_reverse() {
+    const memory in = random_bytes(64);
+    vec::u8xn first;
+    vec::load(in.data(), first);
+    const vec::u8xn last = vec::reverse<Bytes>(first);
+    for (int i = 0; i < vec::lanes; ++i)
+        EXPECT_EQ(last[i], first[(vec::lanes / Bytes - 1 - i / Bytes) * Bytes + i % Bytes]) << Bytes;
+}
+TEST(operations, of_places) {
+    check_zip<1>(), check_zip<2>(), check_zip<4>();
+    const memory in = random_bytes(1 << 10);
+    SAME(whole, 16, 16, in, in, to(out, load_apart(a, 16)));
+    check_reverse<1>(), check_reverse<2>(), check_reverse<4>();
+}
+
 template <int N> void check_load_next() {
     const memory in = random_bytes(1 << 10);
     SAME(whole, 16 * N, 16 * N, in, in, {

@@ -3,8 +3,8 @@
 namespace zelt::test {
 std::vector<kernel> all_kernels() {
     std::vector<kernel> all;
-    for (const auto family :
-         {converter_kernels, high_depth_kernels, memory_kernels, metric_kernels, resize_kernels, video_kernels})
+    for (const auto family : {converter_kernels, high_depth_kernels, memory_kernels, metric_kernels, resize_kernels,
+                              video_kernels, video_place_kernels})
         for (kernel& k : family()) all.push_back(std::move(k));
     return all;
 }

@@ -7,4 +7,5 @@ set(ZELT_KERNEL_ROWS
   ${CMAKE_CURRENT_LIST_DIR}/metrics.cpp
   ${CMAKE_CURRENT_LIST_DIR}/memory.cpp
   ${CMAKE_CURRENT_LIST_DIR}/video.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/video_place.cpp
 )

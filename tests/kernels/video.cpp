@@ -321,13 +321,14 @@ void model_back(const ZELT_VIDEO& v, const video_format& from, const video_forma
 }  // namespace
 
 void call_video(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes,
-                const std::vector<int>& bands) {
+                const std::vector<int>& bands, int dst_h) {
+    if (dst_h < 1) dst_h = s.h;
     const std::size_t n = from.operands(s, false).size(), all = n + to.operands(s, true).size();
     void* p[8] = {};
     int stride[8] = {};
     for (std::size_t i = 0; i < all; ++i) p[i] = planes[i].p, stride[i] = static_cast<int>(planes[i].stride);
     if (bands.empty()) zelt_video_convert(&v, p, stride, p + n, stride + n, s.w, s.h);
-    for (int y = 0, i = 0; !bands.empty() && y < s.h; ++i) {
+    for (int y = 0, i = 0; !bands.empty() && y < dst_h; ++i) {
         const int rows = bands[static_cast<std::size_t>(i) % bands.size()];
         zelt_video_convert_rows(&v, p, stride, p + n, stride + n, s.w, s.h, y, rows);
         y += rows;

@@ -25,7 +25,13 @@ bool converts(const video_format& from, const video_format& to);
 void model_video(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes);
 /// Calls zelt_video_convert, or zelt_video_convert_rows for bands of these heights in turn.
 void call_video(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes,
-                const std::vector<int>& bands);
+                const std::vector<int>& bands, int dst_h = 0);  // where it is not the source's
+
+/// What a record gives of a picture that is resized or turned; shapes are those of the upright destination, and dst_w
+/// says only whether they have a say.
+struct ratio;
+kernel placed_kernel(const ZELT_VIDEO& request, const video_format& from, const video_format& to, const ratio& q,
+                     std::vector<shape> shapes, const std::vector<int>& bands);
 
 /// R, G, B in 0..1, of Y, U, V in so many bits, by the standard
 void real_rgb(int matrix, int range, const int (&yuv)[3], double (&rgb)[3], int bits = 8);

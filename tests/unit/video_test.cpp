@@ -49,12 +49,27 @@ TEST(video, pairs_and_values) {
         expect(request(11, 500, value), value >= 0 && value < 3);
         expect(request(11, 500, 0, value), value >= 0 && value < 2);
         expect(request(11, 500, 0, 0, value), value >= 0 && value < 2);
-        for (int i = 0; i < 11; ++i) {
-            ZELT_VIDEO v = request(11, 500);
+        ZELT_VIDEO v = request(11, 500);
+        v.filter = value;
+        expect(v, value >= 0 && value < 2);
+        for (int32_t ZELT_VIDEO::*size : {&ZELT_VIDEO::dst_w, &ZELT_VIDEO::dst_h}) {
+            v = request(11, 500), v.dst_w = v.dst_h = 1;
+            v.*size = value;
+            if (value < 4) expect(v, value > 0);
+        }
+        for (int i = 0; i < 7; ++i) {
+            v = request(11, 500);
             v.reserved[i] = value;
             expect(v, value == 0);
         }
     }
+    for (const int32_t turn : {-1, 0, 1, 2, 3, 4, 5, 6, 7, 8, INT32_MAX, INT32_MIN})
+        for (const int32_t dst : {10, 11, 12, 13, 18, 500, 801, 802, 820, 821}) {
+            ZELT_VIDEO v = request(11, dst);
+            v.turn = turn;
+            const bool packed = dst / 10 == 82, one_way = dst == 12 || dst == 18 || dst == 802;
+            expect(v, turn >= 0 && turn < 8 && !(turn && packed) && !(turn % 2 && one_way));
+        }
     EXPECT_EQ(zelt_video_init(nullptr), ZELT_ERR_INVALID_ARG);
 }
 

@@ -1,0 +1,135 @@
+#pragma once  // tiles of planes of another size
+#include "resize/part.h"
+#include "video/area.h"
+#include "video/picture.h"
+#include "video/source.h"
+
+namespace zelt::inline ZELT_LEVEL::video {
+/// From a size to another one
+struct sizes {
+    s64 w, h, to_w, to_h;
+
+    /// Of chroma that is halved or not
+    sizes of_chroma(const format& src, const format& dst) const {
+        const auto halves = [](s64 n, bool half) { return half ? (n + 1) / 2 : n; };
+        return {halves(w, src.half_w), halves(h, src.half_h), halves(to_w, dst.half_w), halves(to_h, dst.half_h)};
+    }
+};
+
+/// How luma, U and V lie in a source: the plane, bytes from sample to sample, the first one
+struct place_of_samples {
+    int plane, bytes, first;
+};
+inline place_of_samples place_of(const format& f, int channel) {
+    if (f.kind == kind::packed)
+        return channel == 0 ? place_of_samples{0, 2, f.second} : place_of_samples{0, 4, 2 * channel - 1 - f.second};
+    if (f.kind == kind::paired && channel > 0) return {1, 2, (channel == 2) != f.second};
+    return {channel, 1, 0};
+}
+
+/// Some columns of the planes of a picture in another size, between four samples
+class bilinear_columns {
+public:
+    static constexpr int most = resized_part::most;  // bytes of source samples for as many columns
+
+    /// n columns from x on, where `dst` has the planes' sizes
+    bilinear_columns(const picture& src, const format& dst, const sizes& s, std::ptrdiff_t x, std::ptrdiff_t n)
+        : src_(src), dst_(dst), chroma_sizes_(s.of_chroma(src.format, dst)), luma_y_(axis_of(s.h, s.to_h)),
+          chroma_y_(axis_of(chroma_sizes_.h, chroma_sizes_.to_h)), n_(n),
+          luma_(axis_of(s.w, s.to_w), luma_y_, s.to_w, x, static_cast<int>(n), place_of(src.format, 0).bytes),
+          chroma_(axis_of(chroma_sizes_.w, chroma_sizes_.to_w), chroma_y_, chroma_sizes_.to_w, dst.half_w ? x / 2 : x,
+                  static_cast<int>(columns(1)), place_of(src.format, 1).bytes),
+          caches_{cache(luma_), cache(chroma_), cache(chroma_)} {}
+
+    /// Rows of pixels from y on, which is even
+    void rows(std::ptrdiff_t y, std::ptrdiff_t count, u8* const* out, const s32* out_s) {
+        make(luma_, 0, luma_y_, y, count, out, out_s);
+        if (dst_.kind == kind::grey) return;
+        if (dst_.half_h) y /= 2, count = (count + 1) / 2;
+        make(chroma_, 1, chroma_y_, y, count, out, out_s);
+        if (src_.format.kind == kind::planar) make(chroma_, 2, chroma_y_, y, count, out, out_s);
+    }
+
+private:
+    using cache = resized_part::cache;
+    using axis = rsz::axis;
+    static axis axis_of(s64 from, s64 to) { return {static_cast<int>(from), static_cast<int>(to)}; }
+    std::ptrdiff_t columns(int channel) const { return channel && dst_.half_w ? (n_ + 1) / 2 : n_; }
+
+    void make(const resized_part& part, int channel, const axis& y, std::ptrdiff_t first, std::ptrdiff_t count,
+              u8* const* out, const s32* out_s) {
+        constexpr std::ptrdiff_t some = 8;
+        u8 pixels[some][most];
+        const place_of_samples from = place_of(src_.format, channel);
+        const bool apart = from.bytes > 1;
+        for (std::ptrdiff_t i = 0; i < count; i += some) {
+            const std::ptrdiff_t n = std::min(count - i, some);
+            u8* const to = apart ? pixels[0] : out[channel] + i * out_s[channel];
+            part.rows(caches_[channel],
+                      {src_.p[from.plane], src_.s[from.plane], y, first + i, to, apart ? most : out_s[channel]},
+                      static_cast<int>(n));
+            for (std::ptrdiff_t k = 0; k < n && apart; ++k) deal(pixels[k], channel, i + k, out, out_s);
+        }
+    }
+    /// A row of interleaved samples to their planes
+    void deal(u8* pixels, int channel, std::ptrdiff_t row, u8* const* out, const s32* out_s) const {
+        const std::ptrdiff_t n = columns(channel);
+        for (int c = channel; c < (channel ? 3 : 1); ++c) {
+            const place_of_samples from = place_of(src_.format, c);
+            u8* const to = out[c] + row * out_s[c];
+            if (from.bytes == 2) {
+                take(pixels, from.first, to, n);
+            } else {
+                u8 pairs[most / 2];
+                take(pixels, from.first % 2, pairs, 2 * n);
+                take(pairs, from.first / 2, to, n);
+            }
+        }
+    }
+
+    const picture& src_;
+    const format& dst_;
+    const sizes chroma_sizes_;
+    const axis luma_y_, chroma_y_;
+    const std::ptrdiff_t n_;
+    const resized_part luma_, chroma_;
+    cache caches_[3];
+};
+
+/// The same by area
+class area_columns {
+public:
+    area_columns(const picture& src, const format& dst, const sizes& s, std::ptrdiff_t x, std::ptrdiff_t n)
+        : src_(src), dst_(dst), luma_(s.w, s.h, s.to_w, s.to_h, x, n, place_of(src.format, 0).bytes),
+          chroma_(chroma_of(s.of_chroma(src.format, dst), dst.half_w ? x / 2 : x, dst.half_w ? (n + 1) / 2 : n)) {}
+
+    void rows(std::ptrdiff_t y, std::ptrdiff_t count, u8* const* out, const s32* out_s) {
+        make(luma_, 0, 1, y, count, out, out_s);
+        if (dst_.kind == kind::grey) return;
+        if (dst_.half_h) y /= 2, count = (count + 1) / 2;
+        const bool planes = src_.format.kind == kind::planar;
+        make(chroma_, 1, planes ? 1 : 2, y, count, out, out_s);
+        if (planes) make(chroma_, 2, 1, y, count, out, out_s);
+    }
+
+private:
+    shrinking chroma_of(const sizes& s, std::ptrdiff_t x, std::ptrdiff_t n) const {
+        return {s.w, s.h, s.to_w, s.to_h, x, n, place_of(src_.format, 1).bytes};
+    }
+    void make(const shrinking& columns, int channel, int channels, std::ptrdiff_t y, std::ptrdiff_t count,
+              u8* const* out, const s32* out_s) const {
+        const place_of_samples from = place_of(src_.format, channel);
+        const int second = channels > 1 ? channel + 1 : channel;
+        const interleaved_plane plane = {
+            src_.p[from.plane], src_.s[from.plane], channels, {from.first, place_of(src_.format, second).first}};
+        for (std::ptrdiff_t i = 0; i < count; ++i) {
+            u8* const to[] = {out[channel] + i * out_s[channel], out[second] + i * out_s[second]};
+            columns.row(plane, y + i, to);
+        }
+    }
+
+    const picture& src_;
+    const format& dst_;
+    const shrinking luma_, chroma_;
+};
+}  // namespace zelt::inline ZELT_LEVEL::video
