@@ -64,6 +64,17 @@ inline void convert_band(const plan& p, const plane_list& src, const plane_list&
     convert_band(p, src.p, src.s, dst.p, dst.s, b);
 }
 
+/// A row of n samples of chroma, the last one first
+template <class Chroma> struct reversed {
+    Chroma of;
+    std::ptrdiff_t n;
+    template <class V> void bytes(std::ptrdiff_t i, V& a, V& b) const {
+        of.bytes(n - i - static_cast<std::ptrdiff_t>(sizeof(V)), a, b);
+        a = reverse<1>(a), b = reverse<1>(b);
+    }
+};
+template <class Chroma> reversed(Chroma, std::ptrdiff_t) -> reversed<Chroma>;
+
 class placer {
 public:
     placer(const plan& p, const picture& src, const picture& dst, std::ptrdiff_t w, std::ptrdiff_t h)
@@ -151,33 +162,46 @@ private:
         const auto has_chroma = [](const format& f) { return f.kind == kind::planar || f.kind == kind::paired; };
         return !resized_ && has_chroma(from) && has_chroma(to) && from.half_w == to.half_w && from.half_h == to.half_h;
     }
-    /// Turns chroma, then puts its samples into their order.
+    /// Calls body with samples of one plane or two, in the order that the destination has.
+    template <class Body> void samples_of(const u8* first, const u8* second, Body body) const {
+        const bool exchanges = src_.format.second != dst_.format.second;
+        if (second)
+            body(plane_samples{exchanges ? second : first, exchanges ? first : second});
+        else if (exchanges)
+            body(paired_samples<true>{first});
+        else
+            body(paired_samples<false>{first});
+    }
     void turn_chroma(area part) const {
-        constexpr std::ptrdiff_t most = 5000;
-        u8 memory[2 * most];
-        const format &from = src_.format, &to = dst_.format;
-        const int planes = planes_of(from) - 1, bytes = planes == 1 ? 2 : 1;
-        const bool v_first = from.second != to.second;  // of what is turned, as the destination takes it
-        const area all = cell_of(to, 1).of({0, 0, up_w_, up_h_});
+        const int planes = planes_of(src_.format) - 1, bytes = planes == 1 ? 2 : 1;
+        const area all = cell_of(dst_.format, 1).of({0, 0, up_w_, up_h_});
+        const auto at = [&](int plane, std::ptrdiff_t x, std::ptrdiff_t y) {
+            return plane > planes ? nullptr : src_.row(plane, y) + x * bytes;
+        };
+        if (!way_.exchanged) {
+            for (std::ptrdiff_t y = part.y; y < part.y + part.h; ++y)
+                samples_of(at(1, part.x, y), at(2, part.x, y), [&](auto c) {
+                    const area row = turned({part.x, y, part.w, 1}, all.w, all.h, way_);
+                    way_.from_right ? put_chroma(reversed{c, part.w}, row) : put_chroma(c, row);
+                });
+            return;
+        }
+        constexpr std::ptrdiff_t size = 64, most = (size + 1) * (size + 1);
+        u8 memory[2 * most];  // turned, then put into order
         const auto turn_tile = [&](area a) {
             const area out = turned(a, all.w, all.h, way_);
             const std::ptrdiff_t stride = out.w * bytes;
             for (int i = 0; i < planes; ++i)
-                turn_plane(src_.row(1 + i, a.y) + a.x * bytes, src_.s[1 + i], memory + i * most, stride, a.w, a.h,
-                           bytes, way_);
+                turn_plane(at(1 + i, a.x, a.y), src_.s[1 + i], memory + i * most, stride, a.w, a.h, bytes, way_);
             for (std::ptrdiff_t y = 0; y < out.h; ++y) {
-                const u8 *u = memory + y * stride, *v = u + most;
-                const area row = {out.x, out.y + y, out.w, 1};
-                if (planes == 2)
-                    put_chroma(plane_samples{v_first ? v : u, v_first ? u : v}, row);
-                else if (v_first)
-                    put_chroma(paired_samples<true>{u}, row);
-                else
-                    put_chroma(paired_samples<false>{u}, row);
+                const u8* row = memory + y * stride;
+                samples_of(row, planes == 2 ? row + most : nullptr, [&](auto c) {
+                    put_chroma(c, {out.x, out.y + y, out.w, 1});
+                });
             }
         };
-        each_tile(part.y, part.h, way_.exchanged ? 64 : 8, [&](std::ptrdiff_t y, std::ptrdiff_t rows) {
-            each_tile(part.x, part.w, way_.exchanged ? 64 : 512, [&](std::ptrdiff_t x, std::ptrdiff_t columns) {
+        each_tile(part.y, part.h, size, [&](std::ptrdiff_t y, std::ptrdiff_t rows) {
+            each_tile(part.x, part.w, size, [&](std::ptrdiff_t x, std::ptrdiff_t columns) {
                 turn_tile({x, y, columns, rows});
             });
         });

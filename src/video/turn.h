@@ -8,6 +8,8 @@
 #endif
 #include "zelt/video.h"
 
+#include <algorithm>
+
 namespace zelt::inline ZELT_LEVEL::video {
 using namespace fast;
 

@@ -5,6 +5,8 @@
 #include <cstring>
 
 namespace zelt::inline ZELT_LEVEL::scalar {
+template <int> u8 reverse(u8 a) { return a; }
+
 /// Columns of w by h pixels become rows.
 template <int Bytes>
 void transpose(const u8* src, std::ptrdiff_t src_s, u8* dst, std::ptrdiff_t dst_s, std::ptrdiff_t w, std::ptrdiff_t h) {

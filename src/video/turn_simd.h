@@ -5,6 +5,9 @@
 #include <algorithm>
 
 namespace zelt::inline ZELT_LEVEL::simd {
+using scalar::reverse;
+using vec::reverse;
+
 /// 16 bytes of so many rows: on registers of 32 bytes rows of twice as many
 template <int Bytes> constexpr int block_columns = 16 / Bytes;
 template <int Bytes> constexpr int block_rows = lanes / Bytes;
@@ -46,7 +49,7 @@ void transpose(const u8* src, std::ptrdiff_t src_s, u8* dst, std::ptrdiff_t dst_
 template <>
 inline void transpose<3>(const u8* src, std::ptrdiff_t src_s, u8* dst, std::ptrdiff_t dst_s, std::ptrdiff_t w,
                          std::ptrdiff_t h) {
-    constexpr std::ptrdiff_t size = 64;
+    constexpr std::ptrdiff_t size = 32;
     if (w < lanes || h < lanes) return scalar::transpose<3>(src, src_s, dst, dst_s, w, h);
     u8 from[3][size][size], to[3][size][size];
     const auto places = [](u8(&planes)[3][size][size], std::ptrdiff_t y) {
