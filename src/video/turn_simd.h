@@ -32,17 +32,19 @@ template <int Bytes> void transpose_block(const u8* src, std::ptrdiff_t src_s, u
     for (int i = 0; i < n; ++i) store(dst + i * dst_s, n == 8 ? w[i] : v[i]);
 }
 
-/// Bands of rows that the cache keeps while their columns become rows. The last blocks may overlap those before.
+/// Bands of rows whose columns become parts of rows, those of a cache line at once. The last blocks may overlap those
+/// before.
 template <int Bytes>
 void transpose(const u8* src, std::ptrdiff_t src_s, u8* dst, std::ptrdiff_t dst_s, std::ptrdiff_t w, std::ptrdiff_t h) {
-    constexpr std::ptrdiff_t columns = block_columns<Bytes>, rows = block_rows<Bytes>, band = 64;
+    constexpr std::ptrdiff_t columns = block_columns<Bytes>, rows = block_rows<Bytes>, line = 64 / Bytes, band = 64;
     if (w < columns || h < rows) return scalar::transpose<Bytes>(src, src_s, dst, dst_s, w, h);
     for (std::ptrdiff_t top = 0; top < h; top += band)
-        for (std::ptrdiff_t left = 0; left < w; left += columns)
-            for (std::ptrdiff_t i = top; i < std::min(h, top + band); i += rows) {
-                const std::ptrdiff_t x = std::min(left, w - columns), y = std::min(i, h - rows);
-                transpose_block<Bytes>(src + y * src_s + x * Bytes, src_s, dst + x * dst_s + y * Bytes, dst_s);
-            }
+        for (std::ptrdiff_t left = 0; left < w; left += line)
+            for (std::ptrdiff_t i = top; i < std::min(h, top + band); i += rows)
+                for (std::ptrdiff_t k = left; k < std::min(w, left + line); k += columns) {
+                    const std::ptrdiff_t x = std::min(k, w - columns), y = std::min(i, h - rows);
+                    transpose_block<Bytes>(src + y * src_s + x * Bytes, src_s, dst + x * dst_s + y * Bytes, dst_s);
+                }
 }
 
 /// Three bytes a pixel, as planes
