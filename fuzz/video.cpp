@@ -24,8 +24,7 @@ const video_format* format(fuzz::input& in, ZELT_VIDEO& v, int32_t ZELT_VIDEO::*
     return found == all.end() ? nullptr : &*found;
 }
 bool can_turn(const video_format* to, int turn) {
-    const bool packed = to && to->channels() && to->samples[0].step == 2;
-    return turn >= 0 && turn < 8 && !(turn && packed) && !(turn % 2 && to && to->half_w != to->half_h);
+    return turn >= 0 && turn < 8 && !(turn && to && to->packed()) && !(turn % 2 && to && to->half_w != to->half_h);
 }
 }  // namespace
 
@@ -47,7 +46,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const shape s = {std::max(w, 1), 1 + in.byte() % 12};
     std::vector<int> bands(in.byte() % 4);
     for (int& rows : bands) rows = 1 + in.byte() % 5;
-    v.dst_w = in.byte() % 2;
+    v.dst_w = from->resizable() && in.byte() % 2;
     ratio q = {"", 1, 1, 1, 1};
     if (v.dst_w) q = {"", in.byte() % 8, 1 + in.byte() % 4, in.byte() % 8, 1 + in.byte() % 4};
     fuzz::check(in, placed_kernel(v, *from, *to, q, {}, bands), s);

@@ -156,6 +156,7 @@
  *      (sum of across(s, x) down(t, y) sample(s, t) + w h / 2) / (w h)
  *
  *  cut off: the rounded mean, in integers, the same on every processor. It may enlarge, too, but makes blocks then.
+ *  Sources of 10 bits and of RGB have no other sizes: convert to YUV of 8 bits first, or resize RGB by irsz.h.
  *
  *  **Turned.** With `turn` each plane of the destination is turned after it is converted, a plane of halved chroma as
  *  it is, of an odd picture too. Packed YUV is not turned, and formats with chroma halved one way only not by 90 or 270

@@ -12,10 +12,11 @@ using namespace zelt::video;
 static_assert(sizeof(plan) <= sizeof(ZELT_VIDEO::state));
 
 namespace {
-/// Pixels that share a sample must do so when they are turned, too.
-bool can_place(const ZELT_VIDEO& v, const format& dst) {
+/// Pixels that share a sample must do so when they are turned, too. Only planes of bytes are resized.
+bool can_place(const ZELT_VIDEO& v, const format& src, const format& dst) {
     if (v.filter < 0 || v.filter > 1 || v.turn < 0 || v.turn > 7) return false;
     if (v.dst_w < 0 || v.dst_h < 0 || (v.dst_w > 0) != (v.dst_h > 0)) return false;
+    if (v.dst_w && (src.rgb || src.ten)) return false;
     if (v.turn && dst.kind == kind::packed) return false;
     return !(v.turn & 1) || dst.half_w == dst.half_h;
 }
@@ -34,7 +35,7 @@ s32 make_plan(const ZELT_VIDEO& v, plan& p) {
     if (!src || !dst || (src->rgb && dst->rgb) || !depths_fit() || !below(v.matrix, 3) || !below(v.range, 2) ||
         !below(v.chroma, 2))
         return ZELT_ERR_UNSUPPORTED;
-    if (!can_place(v, *dst)) return ZELT_ERR_UNSUPPORTED;
+    if (!can_place(v, *src, *dst)) return ZELT_ERR_UNSUPPORTED;
     for (const s32 later : v.reserved)
         if (later) return ZELT_ERR_UNSUPPORTED;
     p.src = static_cast<s32>(src - formats);

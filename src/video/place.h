@@ -22,8 +22,9 @@ struct cell {
 inline cell cell_of(const format& f, int plane) {
     if (f.kind == kind::rgb) return {f.rgb->step[plane], false, false};
     if (f.kind == kind::packed) return {4, true, false};
-    if (plane == 0) return {1, false, false};
-    return {f.kind == kind::paired ? 2 : 1, f.half_w, f.half_h};
+    const int bytes = f.ten ? 2 : 1;
+    if (plane == 0) return {bytes, false, false};
+    return {f.kind == kind::paired ? 2 * bytes : bytes, f.half_w, f.half_h};
 }
 
 /// A caller's arrays
@@ -151,7 +152,7 @@ private:
     bool as_it_is(int plane) const {
         const format &from = src_.format, &to = dst_.format;
         const auto of_planes = [](const format& f) { return f.kind != kind::rgb && f.kind != kind::packed; };
-        if (resized_ || !of_planes(from) || !of_planes(to)) return false;
+        if (resized_ || !of_planes(from) || !of_planes(to) || from.ten) return false;  // conversion clears bits
         return plane == 0 || (from.kind == to.kind && from.half_w == to.half_w && from.half_h == to.half_h &&
                               from.second == to.second);
     }
@@ -160,7 +161,8 @@ private:
     bool chroma_as_it_is() const {
         const format &from = src_.format, &to = dst_.format;
         const auto has_chroma = [](const format& f) { return f.kind == kind::planar || f.kind == kind::paired; };
-        return !resized_ && has_chroma(from) && has_chroma(to) && from.half_w == to.half_w && from.half_h == to.half_h;
+        return !resized_ && !from.ten && has_chroma(from) && has_chroma(to) && from.half_w == to.half_w &&
+               from.half_h == to.half_h;
     }
     /// Calls body with samples of one plane or two, in the order that the destination has.
     template <class Body> void samples_of(const u8* first, const u8* second, Body body) const {

@@ -305,7 +305,7 @@ void model_back(const ZELT_VIDEO& v, const video_format& from, const video_forma
         for (int x = 0; x < s.w; ++x) {
             const components c = read_rgb(from, planes, x, y);
             *sample(to, out, 0, x, y) = static_cast<u8>(as_csc ? yuv_of(c).v[0] : yuv.luma(c));
-            const bool alone = to.samples[0].step == 2 && x % 2 == 0 && x + 1 == s.w;  // of a packed pair
+            const bool alone = to.packed() && x % 2 == 0 && x + 1 == s.w;  // of a packed pair
             if (alone) *sample(to, out, 0, x + 1, y) = *sample(to, out, 0, x, y);
             if (to.channels() == 1 || x & to.half_w || y & to.half_h) continue;
             double mean[3] = {}, count = 0;

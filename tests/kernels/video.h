@@ -14,6 +14,8 @@ struct video_format {
     int bits = 8, above = 0;  // of a sample; those of 10 are in words, above so many others
 
     int channels() const;  // 0 of RGB formats
+    bool packed() const { return channels() && samples[0].step == (bits > 8 ? 4 : 2); }
+    bool resizable() const { return channels() && bits == 8; }
     std::vector<operand> operands(shape s, bool written) const;
 };
 const std::vector<video_format>& video_formats();

@@ -93,7 +93,7 @@ void model_placed(const ZELT_VIDEO& v, const video_format& from, shape s, const 
     } else {
         const auto has = [&](const video_format& f) {
             if (from.channels() == 1 || to.channels() == 1) return f.channels() == 1;
-            return f.channels() == 3 && f.half_w == to.half_w && f.half_h == to.half_h;
+            return f.channels() == 3 && f.bits == 8 && f.half_w == to.half_w && f.half_h == to.half_h;
         };
         const video_format& between = *std::ranges::find_if(video_formats(), has);  // planar ones come first
         held resized(between, upright);
@@ -115,8 +115,9 @@ void model_placed(const ZELT_VIDEO& v, const video_format& from, shape s, const 
     const std::vector<operand> sizes = to.operands(upright, true);
     for (std::size_t i = 0; i < sizes.size(); ++i) {
         int bytes = i > 0 && sizes.size() == 2 ? 2 : 1;
-        if (!to.channels()) bytes = layout_of(to.name).bytes[i];
-        if (to.samples[0].step == 2) bytes = 4;
+        if (!to.channels() && to.bits == 8) bytes = layout_of(to.name).bytes[i];
+        if (to.packed()) bytes = 4;
+        if (to.bits > 8) bytes *= 2;
         model_turn(result.planes[i], {sizes[i].width / bytes, sizes[i].rows}, bytes, v.turn, out[i]);
     }
 }
@@ -157,20 +158,20 @@ void add_pictures(std::vector<kernel>& turns, std::vector<kernel>& sizes) {
     int i = 0;
     for (const video_format& from : video_formats())
         for (const video_format& to : video_formats()) {
-            if (!from.channels()) continue;
+            if (!converts(from, to)) continue;
             ++i;
             ZELT_VIDEO v = {};
             v.src_cs = from.cs, v.dst_cs = to.cs, v.matrix = i % 3, v.range = i / 2 % 2, v.chroma = i / 3 % 2;
-            const bool packed = to.channels() && to.samples[0].step == 2;
             const std::vector<int> bands = i / 4 % 2 ? std::vector<int>{1, 2, 3, 40} : std::vector<int>{};
             for (const int turn : {1 + i % 7, 1 + (i / 7 + 3 + i) % 7}) {
                 v.turn = turn;
-                if (packed || (turn & 1 && to.half_w != to.half_h)) continue;
+                if (to.packed() || (turn & 1 && to.half_w != to.half_h)) continue;
                 turns.push_back(placed_kernel(
                     v, from, to, same,
                     i % 10 ? std::vector<shape>{{1, 1}, {3, 6}, {33, 18}} : std::vector<shape>{{67, 131}}, bands));
             }
-            if (packed || (v.turn & 1 && to.half_w != to.half_h) || i % 3) v.turn = 0;
+            if (!from.resizable()) continue;
+            if (to.packed() || (v.turn & 1 && to.half_w != to.half_h) || i % 3) v.turn = 0;
             v.dst_w = 1, v.filter = i / 2 % 2;
             sizes.push_back(placed_kernel(
                 v, from, to, ratios[i % 8],
