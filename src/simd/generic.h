@@ -153,11 +153,10 @@ inline u8xn round_q7_signed(s16x2n v) {
     return make<u8xn>([=](int i) { return clamped((sample(v, i) + 64) >> 7, -128, 127); });
 }
 inline u8xn round_q7_signed_ordered(s16x2n v) { return round_q7_signed(v); }
-inline s16x2n pair_sums(u8xn a, u8xn b) {
-    return {make<s16xn>([=](int i) { return a[2 * i] + a[2 * i + 1]; }),
-            make<s16xn>([=](int i) { return b[2 * i] + b[2 * i + 1]; })};
+inline s16xn pair_sums(u8xn a) {
+    return make<s16xn>([=](int i) { return a[2 * i] + a[2 * i + 1]; });
 }
-inline s16x2n add_pair_sums(s16x2n v, u8xn a, u8xn b) { return v + pair_sums(a, b); }
+inline s16xn add_pair_sums(s16xn s, u8xn a) { return s + pair_sums(a); }
 
 inline s16xn mul_q15(s16xn v, int b) {
     return make<s16xn>([=](int i) { return (v[i] * b + (1 << 14)) >> 15; });

@@ -255,10 +255,8 @@ ZELT_NARROWING(s16xn, round_q10, sums, vrshrn, n_s32, int32x4_t, "vrshrn.i32", 1
 inline u8xn narrow_ordered(s16x2n a) { return narrow(a); }
 inline u8xn narrow_q6_ordered(s16x2n a) { return narrow_q6(a); }
 inline u8xn round_q7_signed_ordered(s16x2n a) { return round_q7_signed(a); }
-inline s16x2n pair_sums(u8xn a, u8xn b) { return {(s16xn)vpaddlq_u8((uint8x16_t)a), (s16xn)vpaddlq_u8((uint8x16_t)b)}; }
-inline s16x2n add_pair_sums(s16x2n s, u8xn a, u8xn b) {
-    return {(s16xn)vpadalq_u8((uint16x8_t)s.lo, (uint8x16_t)a), (s16xn)vpadalq_u8((uint16x8_t)s.hi, (uint8x16_t)b)};
-}
+inline s16xn pair_sums(u8xn a) { return (s16xn)vpaddlq_u8((uint8x16_t)a); }
+inline s16xn add_pair_sums(s16xn s, u8xn a) { return (s16xn)vpadalq_u8((uint16x8_t)s, (uint8x16_t)a); }
 
 inline s16x2n widen(u8xn a) { return {(s16xn)vmovl_u8(low8(a)), (s16xn)vmovl_u8(high8(a))}; }
 inline s16x2n add_wide(s16x2n a, u8xn b) {

@@ -44,8 +44,8 @@
 //   round_q6                     widened to memory: (v + 32) >> 6, for v from 0 to 2^14 - 33
 //   round_q7_signed              widened to memory: (v + 64) >> 7 with saturation to -128..127; round_q7_signed_ordered
 //                                memory to memory
-//   pair_sums(a, b), add_pair_sums(v, a, b)
-//                                memory to memory: sums of neighbours, those of a first, and v plus those
+//   pair_sums(a), add_pair_sums(s, a)
+//                                an s16xn of the sums of neighbours in memory order, and s plus those
 //   mul_q15(v, int b)            (v b + 2^14) >> 15; b above -2^15
 //   add_sat, sub_sat             v + w and v - w with saturation
 //   shift_add<N>(v, w)           v + (w >> N)

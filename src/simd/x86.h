@@ -320,11 +320,8 @@ inline s16x2n round_q(s16x2n v, int one) { return mul_q15(v, 32768 / one); }
 inline u8xn round_q6(s16x2n v) { return narrow(round_q(v, 64)); }
 inline u8xn round_q7_signed(s16x2n v) { return narrow_signed(round_q(v, 128)); }
 inline u8xn round_q7_signed_ordered(s16x2n v) { return in_order(round_q7_signed(v)); }
-inline s16x2n pair_sums(u8xn a, u8xn b) {
-    const u16xn one = per_pair<1, 1>();
-    return {(s16xn)maddubs_epi16(a, one), (s16xn)maddubs_epi16(b, one)};
-}
-inline s16x2n add_pair_sums(s16x2n v, u8xn a, u8xn b) { return v + pair_sums(a, b); }
+inline s16xn pair_sums(u8xn a) { return (s16xn)maddubs_epi16(a, per_pair<1, 1>()); }
+inline s16xn add_pair_sums(s16xn s, u8xn a) { return s + pair_sums(a); }
 
 /// The factors of pairs of bytes, times what unpacking left side by side
 template <int A, int B> s16x2n multiply_pairs(s16x2n pairs) {

@@ -68,19 +68,23 @@ void pair_rows(const back_matrix& given, const rgb_rows& from, const yuv_rows& t
     const yuv_rows out = to;
     const auto put = [=](auto v, std::ptrdiff_t x, std::ptrdiff_t apart) __attribute__((always_inline)) {
         using V = decltype(v);
-        wide_of<V> red, green, blue;
-        for (int i = 0; i < Rows; ++i) {
-            Source src = rows[i];
-            const pixel<V> a = src.template get<V>(csc::at{x}), b = src.template get<V>(csc::at{x + apart});
-            store(out.luma[i] + x, luma(m, a)), store(out.luma[i] + x + apart, luma(m, b));
-            red = i ? add_pair_sums(red, a.c0, b.c0) : pair_sums(a.c0, b.c0);
-            green = i ? add_pair_sums(green, a.c1, b.c1) : pair_sums(a.c1, b.c1);
-            blue = i ? add_pair_sums(blue, a.c2, b.c2) : pair_sums(a.c2, b.c2);
-        }
-        constexpr int shift = Rows == 2 ? 5 : 6;
-        red = red << shift, green = green << shift, blue = blue << shift;
-        const V first = round_q7_ordered(chroma(m.u, red, green, blue));
-        const V second = round_q7_ordered(chroma(m.v, red, green, blue));
+        using sums = decltype(pair_sums(v));
+        sums red[2], green[2], blue[2];
+        for (int i = 0; i < Rows; ++i)
+            for (int half = 0; half < 2; ++half) {
+                Source src = rows[i];
+                const std::ptrdiff_t at = x + half * apart;
+                const pixel<V> a = src.template get<V>(csc::at{at});
+                store(out.luma[i] + at, luma(m, a));
+                red[half] = i ? add_pair_sums(red[half], a.c0) : pair_sums(a.c0);
+                green[half] = i ? add_pair_sums(green[half], a.c1) : pair_sums(a.c1);
+                blue[half] = i ? add_pair_sums(blue[half], a.c2) : pair_sums(a.c2);
+            }
+        constexpr int shift = Rows == 2 ? 5 : 6;  // to 7 fractional bits of the mean
+        const auto r = both_halves(red[0], red[1]) << shift, g = both_halves(green[0], green[1]) << shift;
+        const auto b = both_halves(blue[0], blue[1]) << shift;
+        const V first = round_q7_ordered(chroma(m.u, r, g, b));
+        const V second = round_q7_ordered(chroma(m.v, r, g, b));
         if (paired)
             store2(out.u + x, first, second);
         else

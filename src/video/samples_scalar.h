@@ -33,9 +33,10 @@ inline void store_term(s16* even, s16* odd, std::ptrdiff_t x, int v) { term_of(e
 
 /// Weighted by factors from 0 up that sum up to 128
 inline int dot(u8 a, u8 b, int f, int g) { return f * a + g * b; }
-/// Of two pixels, and of two more
-inline int pair_sums(u8 a, u8 b) { return a + b; }
-inline int add_pair_sums(int sum, u8 a, u8 b) { return sum + a + b; }
+/// A pixel alone is half of what a register is: sums of two, and what both halves have
+inline int pair_sums(u8 a) { return a; }
+inline int add_pair_sums(int sum, u8 a) { return sum + a; }
+inline int both_halves(int first, int second) { return first + second; }
 /// Luma with 6 fractional bits, which is never beyond 255
 inline u8 round_q6(int v) { return static_cast<u8>((v + 32) >> 6); }
 /// Chroma with 7, its middle being 0

@@ -38,8 +38,10 @@ inline void store_term(s16* even, s16* odd, std::ptrdiff_t x, s16x2n v) {
     store_rows_16<lanes_16, 1>(even + x / 2, 0, (u16xn)v.lo), store_rows_16<lanes_16, 1>(odd + x / 2, 0, (u16xn)v.hi);
 }
 
-using scalar::add_pair_sums, scalar::pair_sums, scalar::round_q6, scalar::round_q7, scalar::round_q7_ordered;
+using scalar::add_pair_sums, scalar::both_halves, scalar::pair_sums, scalar::round_q6, scalar::round_q7,
+    scalar::round_q7_ordered;
 using vec::add_pair_sums, vec::pair_sums, vec::round_q6;
+inline s16x2n both_halves(s16xn first, s16xn second) { return {first, second}; }
 inline u8xn round_q7(s16x2n v) { return round_q7_signed(v) ^ 128; }
 inline u8xn round_q7_ordered(s16x2n v) { return round_q7_signed_ordered(v) ^ 128; }
 inline u8xn sum_of_terms(s16x2n luma, s16x2n chroma) { return narrow_q6_even_odd(add_sat(luma, chroma)); }

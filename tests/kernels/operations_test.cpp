@@ -115,6 +115,7 @@ TEST(operations, of_bytes) {
     NARROWED(high(v));
     NARROWED(round_high(v - widen((u8xn)(x >= 128) & (u8xn)(y == 255) & 128)));
     NARROWED(narrow_q6(v - (widen(y & 192) << 8)));
+    BYTES(16, to(out, add_pair_sums(pair_sums(x), y)));
     NARROWED(round_q6(clamp(v, 0, 16351)));
     NARROWED(round_q7_signed(clamp(v, -32768, 32703)));
 }
