@@ -216,16 +216,17 @@ enum {
 /** What to convert to what. The caller sets the first fields, 0 being the default of each but the formats, and
  *  zelt_video_init the others; the record owns nothing and may be copied. */
 typedef struct ZELT_VIDEO {
-    int32_t src_cs;       /**< source format, ZELT_CS_* of the tables */
-    int32_t dst_cs;       /**< destination format, likewise */
-    int32_t matrix;       /**< ZELT_VIDEO_BT601, ... */
-    int32_t range;        /**< ZELT_VIDEO_LIMITED or ZELT_VIDEO_FULL */
-    int32_t chroma;       /**< ZELT_VIDEO_REPLICATED or ZELT_VIDEO_SMOOTH */
-    int32_t filter;       /**< ZELT_VIDEO_BILINEAR or ZELT_VIDEO_AREA */
-    int32_t dst_w, dst_h; /**< size of the destination as it is stored, after turning; 0, 0 is the picture's own */
-    int32_t turn;         /**< ZELT_VIDEO_UPRIGHT, ... */
-    int32_t reserved[7];  /**< 0: requests of later versions */
-    int32_t state[48];    /**< the library's */
+    int32_t src_cs;      /**< source format, ZELT_CS_* of the tables */
+    int32_t dst_cs;      /**< destination format, likewise */
+    int32_t matrix;      /**< ZELT_VIDEO_BT601, ... */
+    int32_t range;       /**< ZELT_VIDEO_LIMITED or ZELT_VIDEO_FULL */
+    int32_t chroma;      /**< ZELT_VIDEO_REPLICATED or ZELT_VIDEO_SMOOTH */
+    int32_t filter;      /**< ZELT_VIDEO_BILINEAR or ZELT_VIDEO_AREA */
+    int32_t dst_w;       /**< width of the destination as it is stored, after turning; 0 is the picture's own */
+    int32_t dst_h;       /**< its height; both are 0 or neither */
+    int32_t turn;        /**< ZELT_VIDEO_UPRIGHT, ... */
+    int32_t reserved[7]; /**< 0: requests of later versions */
+    int32_t state[48];   /**< the library's */
 } ZELT_VIDEO;
 
 /** Fills a record. Pairs are every YUV format with every format of the tables, and every RGB format with every YUV
