@@ -31,7 +31,7 @@ rows=('bits/(read_ue|write_ue|scan_plain|scan_zeros)'
     'sad/(sad4x4|sad8x8|sad16x16|sad64x64|sad4x4_16|sad16x16_16|sad16x16_bi|sad 16x16|eskip)'
     'satd/(satd4x4|satd8x8|satd 16x16|satd8x8_16|satd_16 16x16)'
     'ssd/(ssd 4x4|ssd 16x16|ssd 64x64|ssd_16 4x4|ssd_16 16x16)'
-    'video/(yuv420_to_rgba8888( smooth|)|nv12_to_rgb888|yuyv_to_(rgb565|yuv420)) 320x240')
+    'video/(yuv420_to_rgba8888( smooth|)|nv12_to_rgb888|yuyv_to_(rgb565|yuv420)|p010le_to_rgba8888|rgba8888_to_nv12) 320x240')
 printf -v filter '%s|' "${rows[@]}"
 
 build=build/instructions compilers=()
