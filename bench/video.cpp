@@ -156,11 +156,16 @@ candidate checked(const conversion& c, shape s, const std::string& name, const v
 
 void add_conversion(const conversion& c, shape s) {
     const double pixels = static_cast<double>(s.w) * s.h;
-    add_row({"video", title(c.name(), s), "pixel", pixels, [&c, s] {
+    const auto bytes = [&](const layout& l) { return static_cast<double>(bytes_of(l, planes_of(l, s), s)); };
+    const double read = bytes(*c.src), written = bytes(*c.dst);
+    const work all = {.read = read, .written = written, .footprint = read + written};
+    add_row({"video", title(c.name(), s), "pixel", pixels,
+             [&c, s] {
                  std::vector<candidate> list;
                  for (const library& l : libraries()) list.push_back(run_by(c, s, l.name, ours(c, l)));
                  return list;
-             }});
+             },
+             all});
     if (!c.smooth) return;
     add_row({"video", title(c.name() + " and replicated", s), "pixel", pixels, [&c, s]() -> std::vector<candidate> {
                  const library& l = libraries().front();

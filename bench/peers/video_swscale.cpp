@@ -46,9 +46,12 @@ constexpr named_format targets[] = {{"rgba8888", AV_PIX_FMT_RGBA},   {"bgra8888"
                                     {"rgb565", AV_PIX_FMT_RGB565LE}, {"yuv420", AV_PIX_FMT_YUV420P},
                                     {"nv12", AV_PIX_FMT_NV12},       {"yuv444", AV_PIX_FMT_YUV444P},
                                     {"yuv422", AV_PIX_FMT_YUV422P},  {"yuyv", AV_PIX_FMT_YUYV422}};
-constexpr named_format rgb_sources[] = {{"rgba8888", AV_PIX_FMT_RGBA},   {"bgra8888", AV_PIX_FMT_BGRA},
-                                        {"argb8888", AV_PIX_FMT_ARGB},   {"rgb888", AV_PIX_FMT_RGB24},
-                                        {"rgb565", AV_PIX_FMT_RGB565LE}, {"bgr888", AV_PIX_FMT_BGR24}};
+// not RGB565, where it is off by more than the others
+constexpr named_format rgb_sources[] = {{"rgba8888", AV_PIX_FMT_RGBA},
+                                        {"bgra8888", AV_PIX_FMT_BGRA},
+                                        {"argb8888", AV_PIX_FMT_ARGB},
+                                        {"rgb888", AV_PIX_FMT_RGB24},
+                                        {"bgr888", AV_PIX_FMT_BGR24}};
 
 void add(const named_format& src, const named_format& dst, const char* name, int flags, const char* suffix = "") {
     const auto c = std::make_shared<converter>(converter{src.second, dst.second, flags});
