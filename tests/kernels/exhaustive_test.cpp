@@ -180,7 +180,7 @@ TEST(exhaustive, video_back_of_10_bits) {
                 zelt_video_convert(&w, between, strides, dst, strides, n, 1);
                 for (int i = 0; i < n; ++i) {
                     double real[3];
-                    real_ten_yuv(matrix, range, {in[i] / 1023.0, in[n + i] / 1023.0, in[2 * n + i] / 1023.0}, real);
+                    real_yuv(matrix, range, {in[i] / 1023.0, in[n + i] / 1023.0, in[2 * n + i] / 1023.0}, real, 10);
                     ASSERT_FALSE(i < 1024 && (yuv[n + i] != 512 || yuv[2 * n + i] != 512)) << "of grey " << i;
                     for (int c = 0; c < 3; ++c) {
                         const double error = std::abs(yuv[c * n + i] - std::clamp(real[c], 0.0, 1023.0));

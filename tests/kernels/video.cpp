@@ -68,12 +68,6 @@ std::vector<operand> video_format::operands(shape s, bool written) const {
 namespace {
 constexpr double constants[][2] = {{0.299, 0.114}, {0.2126, 0.0722}, {0.2627, 0.0593}};  // of red and blue
 }
-void real_ten_yuv(int matrix, int range, const double (&rgb)[3], double (&yuv)[3]) {
-    const double red = constants[matrix][0], blue = constants[matrix][1];
-    const double y = red * rgb[0] + (1 - red - blue) * rgb[1] + blue * rgb[2], unit = range ? 1023 : 896;
-    yuv[0] = range ? y * 1023 : 64 + y * 876;
-    yuv[1] = 512 + unit * (rgb[2] - y) / (2 - 2 * blue), yuv[2] = 512 + unit * (rgb[0] - y) / (2 - 2 * red);
-}
 void real_rgb(int matrix, int range, const int (&yuv)[3], double (&rgb)[3], int bits) {
     const double red = constants[matrix][0], blue = constants[matrix][1], green = 1 - red - blue;
     const int one = 1 << (bits - 8), most = (1 << bits) - 1;  // of limited range the steps are those of 8 bits
@@ -84,13 +78,14 @@ void real_rgb(int matrix, int range, const int (&yuv)[3], double (&rgb)[3], int 
     rgb[1] = (y - red * rgb[0] - blue * rgb[2]) / green;  // y is the weighted sum of all three
 }
 
-void real_yuv(int matrix, int range, const double (&rgb)[3], double (&yuv)[3]) {
-    constexpr double constants[][2] = {{0.299, 0.114}, {0.2126, 0.0722}, {0.2627, 0.0593}};  // of red and blue
+void real_yuv(int matrix, int range, const double (&rgb)[3], double (&yuv)[3], int bits) {
     const double red = constants[matrix][0], blue = constants[matrix][1];
     const double y = red * rgb[0] + (1 - red - blue) * rgb[1] + blue * rgb[2];
-    yuv[0] = range ? y * 255 : 16 + y * 219;
-    yuv[1] = 128 + (rgb[2] - y) / (2 - 2 * blue) * (range ? 255 : 224);
-    yuv[2] = 128 + (rgb[0] - y) / (2 - 2 * red) * (range ? 255 : 224);
+    const int one = 1 << (bits - 8), most = (1 << bits) - 1;
+    const double unit = range ? most : 224 * one;
+    yuv[0] = range ? y * most : (16 + y * 219) * one;
+    yuv[1] = 128 * one + unit * (rgb[2] - y) / (2 - 2 * blue);
+    yuv[2] = 128 * one + unit * (rgb[0] - y) / (2 - 2 * red);
 }
 
 namespace {
@@ -220,10 +215,10 @@ void write(const video_format& f, const view* planes, int channel, int x, int y,
 /// Factors of 15 fractional bits, products and sums of 6; chroma of the pixels that there are
 void model_ten_back(const ZELT_VIDEO& v, const video_format& to, shape s, const view* rgb, const view* out) {
     double black[3], more[3], factors[3][3], middle[3];  // [Y, U, V][R, G, B]
-    real_ten_yuv(v.matrix, v.range, {0, 0, 0}, black);
-    real_ten_yuv(v.matrix, v.range, {512 / 1023.0, 512 / 1023.0, 512 / 1023.0}, middle);
+    real_yuv(v.matrix, v.range, {0, 0, 0}, black, 10);
+    real_yuv(v.matrix, v.range, {512 / 1023.0, 512 / 1023.0, 512 / 1023.0}, middle, 10);
     for (int i = 0; i < 3; ++i) {
-        real_ten_yuv(v.matrix, v.range, {1.0 * (i == 0), 1.0 * (i == 1), 1.0 * (i == 2)}, more);
+        real_yuv(v.matrix, v.range, {1.0 * (i == 0), 1.0 * (i == 1), 1.0 * (i == 2)}, more, 10);
         for (int of = 0; of < 3; ++of) factors[of][i] = std::round((more[of] - black[of]) / 1023 * 32768);
     }
     const auto component = [&](int c, int x, int y, int w, int h) {

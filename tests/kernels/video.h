@@ -37,8 +37,6 @@ kernel placed_kernel(const ZELT_VIDEO& request, const video_format& from, const 
 
 /// R, G, B in 0..1, of Y, U, V in so many bits, by the standard
 void real_rgb(int matrix, int range, const int (&yuv)[3], double (&rgb)[3], int bits = 8);
-/// And back: Y, U, V of 10 bits, of R, G, B in 0..1
-void real_ten_yuv(int matrix, int range, const double (&rgb)[3], double (&yuv)[3]);
-/// Y, U, V in bytes, not rounded, of R, G, B in 0..1
-void real_yuv(int matrix, int range, const double (&rgb)[3], double (&yuv)[3]);
+/// And back, not rounded
+void real_yuv(int matrix, int range, const double (&rgb)[3], double (&yuv)[3], int bits = 8);
 }  // namespace zelt::test
