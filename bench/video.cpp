@@ -167,11 +167,12 @@ void add_conversion(const conversion& c, shape s) {
              },
              all});
     if (!c.smooth) return;
-    add_row({"video", title(c.name() + " and replicated", s), "pixel", pixels, [&c, s]() -> std::vector<candidate> {
-                 const library& l = libraries().front();
-                 const conversion replicated(c.src->name, c.dst->name);
-                 return {run_by(c, s, l.name, ours(c, l)), run_by(replicated, s, "replicated", ours(replicated, l))};
-             }});
+    add_row(
+        {"video", title(c.name() + " and replicated", s), "pixel", pixels, [&c, s]() -> std::vector<candidate> {
+             const library& l = libraries().front();
+             const conversion replicated(c.src->name, c.dst->name);
+             return {run_by(c, s, l.name, ours(c, l)), run_by(replicated, s, "zelt replicated", ours(replicated, l))};
+         }});
 }
 
 const bool added = [] {
