@@ -1,5 +1,6 @@
-/** @file
- *  Audio buffers: reference-counted blocks of samples, in one buffer or in one for each channel. */
+/** @defgroup zelt_audb Audio buffers (zelt/audb.h)
+ *  Audio buffers: reference-counted blocks of samples, in one buffer or in one for each channel.
+ *  @{ */
 #ifndef ZELT_AUDB_H
 #define ZELT_AUDB_H
 
@@ -47,5 +48,7 @@ ZELT_API ZELT_AUDB *zelt_audb_create(int32_t nsamples, int32_t nch, int32_t bits
                                      int32_t unused, zelt_alloc_fn alloc_cb, zelt_free_fn free_cb, int32_t *err);
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

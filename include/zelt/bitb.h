@@ -1,5 +1,6 @@
-/** @file
- *  Bitstream buffers: reference-counted blocks of bytes for coded data. */
+/** @defgroup zelt_bitb Bitstream buffers (zelt/bitb.h)
+ *  Bitstream buffers: reference-counted blocks of bytes for coded data.
+ *  @{ */
 #ifndef ZELT_BITB_H
 #define ZELT_BITB_H
 
@@ -38,5 +39,7 @@ ZELT_API ZELT_BITB *zelt_bitb_create(uint32_t size, uint32_t tag, uint32_t unuse
                                      zelt_free_fn free_cb, int32_t *err);
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

@@ -1,5 +1,6 @@
-/** @file
- *  Bit reader: fields, Exp-Golomb and unary codes out of a byte buffer, most significant bit first. */
+/** @defgroup zelt_bsr Bit reader (zelt/bsr.h)
+ *  Bit reader: fields, Exp-Golomb and unary codes out of a byte buffer, most significant bit first.
+ *  @{ */
 #ifndef ZELT_BSR_H
 #define ZELT_BSR_H
 
@@ -124,5 +125,7 @@ ZELT_API uint32_t zelt_bsr_read_un(ZELT_BSR *bs);
 ZELT_API uint32_t zelt_bsr_read_tu(ZELT_BSR *bs, int32_t max);
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

@@ -1,5 +1,6 @@
-/** @file
- *  Bit writer: fields and Exp-Golomb codes into a byte buffer, most significant bit first. */
+/** @defgroup zelt_bsw Bit writer (zelt/bsw.h)
+ *  Bit writer: fields and Exp-Golomb codes into a byte buffer, most significant bit first.
+ *  @{ */
 #ifndef ZELT_BSW_H
 #define ZELT_BSW_H
 
@@ -92,5 +93,7 @@ ZELT_API int32_t zelt_bsw_size_ue(uint32_t val);
 ZELT_API int32_t zelt_bsw_size_se(int32_t val);
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

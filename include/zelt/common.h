@@ -1,6 +1,7 @@
-/** @file
+/** @defgroup zelt_common Common types (zelt/common.h)
  *  What every module shares: export marks, status codes, colour-space identifiers, the names of all records, the
- *  allocator callbacks, the version text, integer logarithms and atomic counters. */
+ *  allocator callbacks, the version text, integer logarithms and atomic counters.
+ *  @{ */
 #ifndef ZELT_COMMON_H
 #define ZELT_COMMON_H
 
@@ -18,8 +19,9 @@
 #define ZELT_API __attribute__((visibility("default")))
 /** @endcond */
 
+/** @name Version
+ *  @{ */
 /** Version of these headers, for the preprocessor. */
-/** @{ */
 #define ZELT_VERSION_MAJOR 1
 #define ZELT_VERSION_MINOR 1
 #define ZELT_VERSION_PATCH 0
@@ -30,7 +32,7 @@ ZELT_BEGIN_DECLS
 /** Status codes. Success is 0, failures are negative. Functions that return an object return null on failure and
  *  write the status through their last argument, where that is not null; other functions return it. Small in-band
  *  codes of single modules (-1 to -4) are described with their functions. */
-enum {
+enum ZELT_STATUS {
     ZELT_OK = 0,                   /**< success */
     ZELT_ERR_OUT_OF_MEMORY = -102, /**< no memory for a record, or an existing block is too small */
     ZELT_ERR_INVALID_ARG = -105,   /**< a null object, an empty source, an allocator without its free routine */
@@ -42,7 +44,7 @@ enum {
 /** Colour-space identifiers. 10 to 99 are planar, a plane per component; 100 to 599 are packed, one plane whose bytes
  *  per pixel follow from the hundreds digit (1, 2: two; 3, 5: four; 4: three), every number in the range being valid;
  *  from 600 up are formats that only the converters know. Multi-byte samples are little-endian. */
-enum {
+enum ZELT_CS {
     ZELT_CS_YUV400 = 10,       /**< luma only */
     ZELT_CS_YUV420 = 11,       /**< Y, U, V; chroma halved both ways, rounded up */
     ZELT_CS_YUV422 = 12,       /**< Y, U, V; chroma halved in width, rounded up */
@@ -178,5 +180,7 @@ ZELT_API int32_t zelt_get_temp_path(char *out);
 ZELT_API int32_t zelt_get_mac_addr(int32_t index, uint8_t out[4]);
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

@@ -1,5 +1,6 @@
-/** @file
- *  Colour conversion: YUV and RGB pictures, planar and packed, and the dispatch that finds a converter for a pair. */
+/** @defgroup zelt_csc Colour conversion (zelt/csc.h)
+ *  Colour conversion: YUV and RGB pictures, planar and packed, and the dispatch that finds a converter for a pair.
+ *  @{ */
 #ifndef ZELT_CSC_H
 #define ZELT_CSC_H
 
@@ -33,6 +34,8 @@ extern ZELT_API const zelt_csc_fn zelt_tbl_fn_csc_to_rgb[2 * 6 * 11];
  *  43, 200, 603, 400, 500, destinations 13, 43, 62. */
 extern ZELT_API const zelt_csc_fn zelt_tbl_fn_csc_to_yuvplanar[2 * 8 * 3];
 
+/** @name YUV to RGB, same size
+ *  @{ */
 /** Converts a picture from YUV 4:4:4 to RGB of the same size. Layouts are those of the colour space in the name
  *  (ZELT_CS_*); alpha is that of a YUV444A8 source, 255 otherwise.
  *
@@ -40,8 +43,8 @@ extern ZELT_API const zelt_csc_fn zelt_tbl_fn_csc_to_yuvplanar[2 * 8 * 3];
  *  R = Y + ((359 e + 128) >> 8), G = Y - ((88 d + 183 e + 128) >> 8), B = Y + ((454 d + 128) >> 8), each clamped to
  *  0..255. RGB565 words take the high bits of R, G and B without rounding.
  *
- *  ARGB8888 and BGRA8888 take four component pointers, dst_a[i] for byte i of a pixel in memory order, each with its
- *  stride; where dst_a[1] is null, dst_a[0] is the picture and dst_s[0] its stride. The other layouts read as many
+ *  **ARGB8888 and BGRA8888 take four component pointers**, dst_a[i] for byte i of a pixel in memory order, each with
+ *  its stride; where dst_a[1] is null, dst_a[0] is the picture and dst_s[0] its stride. The other layouts read as many
  *  entries of both arrays as they have planes. zelt_csc_yuv444_to_rgba8888 writes A, R, G, B where dst_cs is 502 or
  *  more.
  *
@@ -58,7 +61,6 @@ extern ZELT_API const zelt_csc_fn zelt_tbl_fn_csc_to_yuvplanar[2 * 8 * 3];
  *  @param dst_h   ignored
  *  @param dst_s   destination strides in bytes
  *  @param dst_cs  ignored but by zelt_csc_yuv444_to_rgba8888 */
-/** @{ */
 ZELT_API void zelt_csc_yuv444_to_rgb888(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
                                         int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
                                         const int32_t *dst_s, int32_t dst_cs);
@@ -97,6 +99,8 @@ ZELT_API void zelt_csc_yuv444a8_to_bgra8888(void *const *src_a, int32_t src_w, i
                                             const int32_t *dst_s, int32_t dst_cs);
 /** @} */
 
+/** @name RGB to YUV, same size
+ *  @{ */
 /** Converts a picture from RGB to YUV 4:4:4 of the same size. Arguments, sharing of memory and threads are as for the
  *  converters to RGB.
  *
@@ -113,7 +117,6 @@ ZELT_API void zelt_csc_yuv444a8_to_bgra8888(void *const *src_a, int32_t src_w, i
  *  @param dst_h   ignored
  *  @param dst_s   destination strides in bytes
  *  @param dst_cs  ignored */
-/** @{ */
 ZELT_API void zelt_csc_rgb888_to_yuv444(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
                                         int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
                                         const int32_t *dst_s, int32_t dst_cs);
@@ -131,6 +134,8 @@ ZELT_API void zelt_csc_r8g8b8a8_to_yuv444a8(void *const *src_a, int32_t src_w, i
                                             const int32_t *dst_s, int32_t dst_cs);
 /** @} */
 
+/** @name RGB to RGB, same size
+ *  @{ */
 /** Packs planar RGB into another RGB layout of the same size. Arguments, component pointers of ARGB8888 and BGRA8888,
  *  sharing of memory and threads are as for the converters to RGB. Alpha is that of a four-plane source, 255
  *  otherwise; RGB565 words take the high bits without rounding. The x8y8z8 converters serve any component order:
@@ -145,7 +150,6 @@ ZELT_API void zelt_csc_r8g8b8a8_to_yuv444a8(void *const *src_a, int32_t src_w, i
  *  @param dst_h   ignored
  *  @param dst_s   destination strides in bytes
  *  @param dst_cs  ignored */
-/** @{ */
 ZELT_API void zelt_csc_r8g8b8_to_rgb888(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
                                         int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
                                         const int32_t *dst_s, int32_t dst_cs);
@@ -181,6 +185,8 @@ ZELT_API void zelt_csc_r8g8b8a8_to_rgba5658(void *const *src_a, int32_t src_w, i
                                             const int32_t *dst_s, int32_t dst_cs);
 /** @} */
 
+/** @name 10 bits, same size
+ *  @{ */
 /** Converts a picture of 10-bit samples to another of the same size. Samples stand in the low bits of 16-bit words at
  *  any address, 0 to 1023, chroma centred on 512. Arguments, sharing of memory and threads are as for the converters to
  *  RGB; strides are in bytes.
@@ -200,7 +206,6 @@ ZELT_API void zelt_csc_r8g8b8a8_to_rgba5658(void *const *src_a, int32_t src_w, i
  *  @param dst_h   ignored
  *  @param dst_s   destination strides in bytes
  *  @param dst_cs  ignored */
-/** @{ */
 ZELT_API void zelt_csc_p410_to_r10g10b10(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
                                          int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
                                          const int32_t *dst_s, int32_t dst_cs);
@@ -242,6 +247,8 @@ ZELT_API void zelt_csc_yuv444x_to_yuv444x(void *const *src_a, int32_t src_w, int
                                           int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
                                           const int32_t *dst_s, int32_t dst_cs);
 
+/** @name To RGB of another size
+ *  @{ */
 /** Converts a picture to RGB of another size in one pass. Source samples are interpolated bilinearly by the rule of
  *  zelt/irsz.h, each plane by itself, and then converted as by the converter of one size. Nothing is allocated, no
  *  sample outside the source picture is read, and nothing is written where a size is below 1. Source and destination
@@ -256,7 +263,6 @@ ZELT_API void zelt_csc_yuv444x_to_yuv444x(void *const *src_a, int32_t src_w, int
  *  @param dst_h   destination height in rows
  *  @param dst_s   destination strides in bytes
  *  @param dst_cs  ignored */
-/** @{ */
 ZELT_API void zelt_csc_rsz_r8g8b8_to_rgb888(void *const *src_a, int32_t src_w, int32_t src_h, const int32_t *src_s,
                                             int32_t src_cs, void *const *dst_a, int32_t dst_w, int32_t dst_h,
                                             const int32_t *dst_s, int32_t dst_cs);
@@ -284,5 +290,7 @@ ZELT_API void zelt_csc_rsz_yuv444a8_to_rgb565a8(void *const *src_a, int32_t src_
 /** @} */
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

@@ -1,5 +1,6 @@
-/** @file
- *  Media types: what a FourCC or an audio format tag stands for, and which video frames can be decoded on their own. */
+/** @defgroup zelt_fcc2mt Media types, key frames (zelt/fcc2mt.h)
+ *  Media types: what a FourCC or an audio format tag stands for, and which video frames can be decoded on their own.
+ *  @{ */
 #ifndef ZELT_FCC2MT_H
 #define ZELT_FCC2MT_H
 
@@ -8,7 +9,7 @@
 ZELT_BEGIN_DECLS
 
 /** Media types, a range a class; the last value of a range stands for all that the class does not know. */
-enum {
+enum ZELT_MT {
     ZELT_MT_UNKNOWN = 0, /**< unknown to every class */
 
     ZELT_MT_VID_MPEG4 = 102,   /**< MPEG-4 part 2: m4s2 M4S2 DX50 dx50 FMP4 DIV4 div4 XVID xvid DIVX divx MP4V mp4v */
@@ -58,11 +59,12 @@ enum {
     ZELT_MT_SUB_UNKNOWN = 3199 /**< no subtitle code known here */
 };
 
+/** @name Codes of one class
+ *  @{ */
 /** Media type of a container's code, within one class. Codes are compared exactly, case included. Any thread.
  *  @param fcc  a FourCC, its first character in the lowest byte; for audio also a WAVE format tag
  *  @return     the media type, or the class's unknown value: ZELT_MT_VID_UNKNOWN, ZELT_MT_AUD_UNKNOWN,
  *              ZELT_MT_SUB_UNKNOWN, ZELT_MT_DRM_UNKNOWN */
-/** @{ */
 ZELT_API int32_t zelt_fcc2mt_vid(uint32_t fcc);
 ZELT_API int32_t zelt_fcc2mt_aud(uint32_t fcc);
 ZELT_API int32_t zelt_fcc2mt_sub(uint32_t fcc);
@@ -93,5 +95,7 @@ ZELT_API int32_t zelt_fcc2mt(uint32_t fcc);
 ZELT_API int32_t zelt_is_vkeyfrm(int32_t mt, const uint8_t *data, int32_t size);
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

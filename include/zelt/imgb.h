@@ -1,5 +1,6 @@
-/** @file
- *  Image buffers: reference-counted pictures whose planes lie back to back in one block of memory. */
+/** @defgroup zelt_imgb Image buffers (zelt/imgb.h)
+ *  Image buffers: reference-counted pictures whose planes lie back to back in one block of memory.
+ *  @{ */
 #ifndef ZELT_IMGB_H
 #define ZELT_IMGB_H
 
@@ -8,7 +9,7 @@
 ZELT_BEGIN_DECLS
 
 /** Option bits of zelt_imgb_create, zelt_imgb_rebirth and zelt_imgb_option. */
-enum {
+enum ZELT_IMGB_OPTION {
     ZELT_IMGB_CLEAR_ALIGN = 1, /**< zero what alignment added right of and below the picture */
     ZELT_IMGB_CLEAR_PAD = 2    /**< zero the padding border */
 };
@@ -159,5 +160,7 @@ ZELT_API void zelt_imgb_expand_ver_16(const uint16_t *src, uint16_t *dst, int32_
 ZELT_API void zelt_imgb_expand_hor(const uint8_t *src, uint8_t *dst, int32_t width, int32_t count);
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

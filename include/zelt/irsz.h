@@ -1,11 +1,12 @@
-/** @file
+/** @defgroup zelt_irsz Resizing (zelt/irsz.h)
  *  Bilinear resizing of 8-bit and RGB565 pictures in fixed point, a whole picture or a band of rows at a time.
  *
  *  Destination sample i of an axis lies at position i * step / 2^18 on the grid of every 2^shift-th source sample, with
  *  step = (((src - 1) >> shift) << 18) / dst and shift from the integer ratio src / dst: 0 below 3, 1 below 5, 2 below
  *  9, 3 below 17, 4 from there. There is no half-pixel offset. The top three bits of the position's fraction are the
  *  phase, and a value is (TL w0 + TR w1 + BL w2 + BR w3) >> 6, without rounding, with the weights of both phases; the
- *  neighbours are 2^shift samples apart. No sample outside the picture is read. */
+ *  neighbours are 2^shift samples apart. No sample outside the picture is read.
+ *  @{ */
 #ifndef ZELT_IRSZ_H
 #define ZELT_IRSZ_H
 
@@ -14,7 +15,7 @@
 ZELT_BEGIN_DECLS
 
 /** Pixel formats of the resizer. */
-enum {
+enum ZELT_IRSZ_FORMAT {
     ZELT_IRSZ_8B = 20,            /**< one 8-bit channel */
     ZELT_IRSZ_8B8B8B = 21,        /**< three 8-bit channels */
     ZELT_IRSZ_8B8B8B_5B6B5B = 23, /**< bytes R, G, B in, RGB565 words out, low bits dropped */
@@ -23,7 +24,7 @@ enum {
 };
 
 /** Modes of the resizer. */
-enum {
+enum ZELT_IRSZ_MODE {
     ZELT_IRSZ_WHOLE = 10, /**< each call resizes a whole picture */
     ZELT_IRSZ_BANDS = 11  /**< each call takes a band of source rows and writes the rows that it completes */
 };
@@ -60,6 +61,8 @@ ZELT_API ZELT_IRSZ *zelt_irsz_create(const ZELT_IRSZ_PARAM *param, int32_t *err)
  *  @param irsz  the resizer, or null, which does nothing */
 ZELT_API void zelt_irsz_delete(ZELT_IRSZ *irsz);
 
+/** @name With a resizer
+ *  @{ */
 /** Resizes a picture, or a band of one. The names with a format do it for resizers of that format alone (for others
  *  nothing), zelt_irsz for any.
  *
@@ -74,7 +77,6 @@ ZELT_API void zelt_irsz_delete(ZELT_IRSZ *irsz);
  *  @param y0    first row of the band, a multiple of rows; ignored for whole pictures
  *  @param rows  rows of the band, a power of two; ignored for whole pictures
  *  @return      0 */
-/** @{ */
 ZELT_API int32_t zelt_irsz(ZELT_IRSZ *irsz, const uint8_t *src, int32_t y0, int32_t rows);
 ZELT_API int32_t zelt_irsz8b(ZELT_IRSZ *irsz, const uint8_t *src, int32_t y0, int32_t rows);
 ZELT_API int32_t zelt_irsz8b8b8b(ZELT_IRSZ *irsz, const uint8_t *src, int32_t y0, int32_t rows);
@@ -83,6 +85,8 @@ ZELT_API int32_t zelt_irsz5b6b5b(ZELT_IRSZ *irsz, const uint8_t *src, int32_t y0
 ZELT_API int32_t zelt_irsz8b8b8b8b(ZELT_IRSZ *irsz, const uint8_t *src, int32_t y0, int32_t rows);
 /** @} */
 
+/** @name One row
+ *  @{ */
 /** Writes one destination row from two source rows, of the format in the name. Nothing is written where dst_w is below
  *  1. The destination lies apart from the source rows. Any address, any thread.
  *  @param rows     the source rows, the upper one first; both are read, up to the last sample that is needed
@@ -92,7 +96,6 @@ ZELT_API int32_t zelt_irsz8b8b8b8b(ZELT_IRSZ *irsz, const uint8_t *src, int32_t 
  *  @param x_next   distance of the right neighbour in pixels, 1 << x_shift; not read where x_step is 0
  *  @param x_step   horizontal step in 1 / 2^18 of the grid, 0 or more
  *  @param dst_row  where the row goes */
-/** @{ */
 ZELT_API void zelt_irsz8b_line(const uint8_t *const *rows, const uint8_t *weights, int32_t dst_w, int32_t x_shift,
                                int32_t x_next, int32_t x_step, uint8_t *dst_row);
 ZELT_API void zelt_irsz8b8b8b_line(const uint8_t *const *rows, const uint8_t *weights, int32_t dst_w, int32_t x_shift,
@@ -105,6 +108,8 @@ ZELT_API void zelt_irsz8b8b8b8b_line(const uint8_t *const *rows, const uint8_t *
                                      int32_t x_next, int32_t x_step, uint8_t *dst_row);
 /** @} */
 
+/** @name A whole picture, without a resizer
+ *  @{ */
 /** Resizes a whole picture of the format in the name, without a resizer. Nothing is written where a size is below 1.
  *  Source and destination lie apart. Any address, any thread.
  *  @param src            source picture
@@ -115,7 +120,6 @@ ZELT_API void zelt_irsz8b8b8b8b_line(const uint8_t *const *rows, const uint8_t *
  *  @param dst            destination picture
  *  @param x_packed       horizontal step << 3 | shift, see bilinear_rsz_step_size
  *  @param y_packed       the same of the vertical axis */
-/** @{ */
 ZELT_API void zelt_irsz8b_full(const uint8_t *src, int32_t src_row_bytes, int32_t dst_w, int32_t dst_h,
                                int32_t dst_row_bytes, uint8_t *dst, uint32_t x_packed, uint32_t y_packed);
 ZELT_API void zelt_irsz8b8b8b_full(const uint8_t *src, int32_t src_row_bytes, int32_t dst_w, int32_t dst_h,
@@ -139,14 +143,17 @@ ZELT_API void zelt_irsz8b8b8b8b_full(const uint8_t *src, int32_t src_row_bytes, 
 ZELT_API uint32_t bilinear_rsz_step_size(int32_t src_w, int32_t src_h, int32_t dst_w, int32_t dst_h, uint32_t *x_packed,
                                          uint32_t *y_packed);
 
+/** @name Weights
+ *  @{ */
 /** Bilinear weights, four bytes at fx * 32 + fy * 4 for the phases fx and fy of 0..7: (8 - fx)(8 - fy), fx (8 - fy),
  *  (8 - fx) fy, fx fy, for the top left, top right, bottom left and bottom right sample. They sum to 64. Both tables
  *  hold the same. */
-/** @{ */
 extern ZELT_API const uint8_t zelt_tbl_bilinear_rszw[256];
 extern ZELT_API const uint8_t zelt_irsz_tbl_rsz_weight[256];
 /** @} */
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

@@ -1,5 +1,6 @@
-/** @file
- *  A doubly linked list of elements of one size, held by value, with one cursor. */
+/** @defgroup zelt_list Lists with a cursor (zelt/list.h)
+ *  A doubly linked list of elements of one size, held by value, with one cursor.
+ *  @{ */
 #ifndef ZELT_LIST_H
 #define ZELT_LIST_H
 
@@ -33,12 +34,13 @@ ZELT_API void zelt_list_delete(ZELT_LIST *list);
  *  @return      0 */
 ZELT_API int zelt_list_rem_all(ZELT_LIST *list);
 
+/** @name Adding
+ *  @{ */
 /** Copies an element into the list: zelt_list_add behind the last one, zelt_list_add_first before the first.
  *  @param list  the list
  *  @param data  `size` bytes, at any address
  *  @return      the copy, at a multiple of 8, valid until it is removed; null without memory, the list then being as it
  *               was */
-/** @{ */
 ZELT_API void *zelt_list_add(ZELT_LIST *list, const void *data);
 ZELT_API void *zelt_list_add_first(ZELT_LIST *list, const void *data);
 /** @} */
@@ -68,10 +70,11 @@ ZELT_API void *zelt_list_get_id(ZELT_LIST *list, int idx);
  *  @return      the element; null where none in this list has this id */
 ZELT_API void *zelt_list_get_atid(ZELT_LIST *list, void *id);
 
+/** @name The ends
+ *  @{ */
 /** First and last element.
  *  @param list  the list
  *  @return      the element; null for an empty list */
-/** @{ */
 ZELT_API void *zelt_list_get_first(ZELT_LIST *list);
 ZELT_API void *zelt_list_get_last(ZELT_LIST *list);
 /** @} */
@@ -86,11 +89,12 @@ ZELT_API int zelt_list_get_cnt(ZELT_LIST *list);
  *  @return      the element; null when the cursor is not set */
 ZELT_API void *zelt_list_get_cur(ZELT_LIST *list);
 
+/** @name Moving the cursor
+ *  @{ */
 /** Moves the cursor: to the first or last element, or from where it is to the next or previous one. Where there is no
  *  such element, or nothing to step from, the cursor is cleared.
  *  @param list  the list
  *  @return      the element of the cursor now; null when it is cleared */
-/** @{ */
 ZELT_API void *zelt_list_move_first(ZELT_LIST *list);
 ZELT_API void *zelt_list_move_last(ZELT_LIST *list);
 ZELT_API void *zelt_list_move_next(ZELT_LIST *list);
@@ -110,10 +114,11 @@ ZELT_API int zelt_list_rem_at(ZELT_LIST *list, int idx);
  *  @return      the number of elements left */
 ZELT_API int zelt_list_rem_atid(ZELT_LIST *list, void *id);
 
+/** @name Removing at the ends and at the cursor
+ *  @{ */
 /** Removes the first element, the last one, or the cursor's. Where there is none nothing is removed.
  *  @param list  the list
  *  @return      the number of elements left */
-/** @{ */
 ZELT_API int zelt_list_rem_first(ZELT_LIST *list);
 ZELT_API int zelt_list_rem_last(ZELT_LIST *list);
 ZELT_API int zelt_list_rem_cur(ZELT_LIST *list);
@@ -130,5 +135,7 @@ ZELT_API int zelt_list_rem_prev(ZELT_LIST *list);
 ZELT_API int zelt_list_rem_next(ZELT_LIST *list);
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

@@ -1,6 +1,6 @@
-/** @file
+/** @defgroup zelt_md5 MD5 digests (zelt/md5.h)
  *  MD5 digests (RFC 1321) of bytes, of 16-bit samples and of pictures. A check against mistakes, not against forgery.
- */
+ *  @{ */
 #ifndef ZELT_MD5_H
 #define ZELT_MD5_H
 
@@ -58,5 +58,7 @@ ZELT_API void zelt_md5_finish(ZELT_MD5 *ctx, uint8_t digest[16]);
 ZELT_API int32_t zelt_md5_imgb(const ZELT_IMGB *img, uint8_t digest[16]);
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

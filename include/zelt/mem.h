@@ -1,5 +1,6 @@
-/** @file
- *  Aligned allocation, fills, and copies of picture areas and blocks. */
+/** @defgroup zelt_mem Memory (zelt/mem.h)
+ *  Aligned allocation, fills, and copies of picture areas and blocks.
+ *  @{ */
 #ifndef ZELT_MEM_H
 #define ZELT_MEM_H
 
@@ -7,22 +8,26 @@
 
 ZELT_BEGIN_DECLS
 
+/** @name Allocation
+ *  @{ */
 /** Allocates memory that starts at a multiple of 32, from malloc; contents are undefined. Any thread. Both names are
  *  the same function.
  *  @param size  bytes; 0 gives a block that can only be freed
  *  @return      the block, to be freed with zelt_mfree_align32 and with nothing else, or null */
-/** @{ */
 ZELT_API void *zelt_malloc_align32(uint32_t size);
 ZELT_API void *zelt_malloc_fast_align32(uint32_t size);
 /** @} */
 
+/** @name Freeing
+ *  @{ */
 /** Frees a block from zelt_malloc_align32. Any thread. Both names are the same function.
  *  @param p  the block, or null, which does nothing */
-/** @{ */
 ZELT_API void zelt_mfree_align32(void *p);
 ZELT_API void zelt_mfree_fast_align32(void *p);
 /** @} */
 
+/** @name Fills with a word
+ *  @{ */
 /** Fill memory with a word, its low byte first. Any thread.
  *  - zelt_mset_x128 writes steps of 128 bytes, size rounded up, and one step also where size is less than 1.
  *  - zelt_mset_x32 writes steps of 32 bytes, size rounded down.
@@ -32,18 +37,18 @@ ZELT_API void zelt_mfree_fast_align32(void *p);
  *  @param dst   the memory, at any address
  *  @param val   the word
  *  @param size  bytes */
-/** @{ */
 ZELT_API void zelt_mset_x128(void *dst, uint32_t val, int size);
 ZELT_API void zelt_mset_x32(void *dst, uint32_t val, int size);
 ZELT_API void zelt_mset_x32ax4(void *dst, uint32_t val, int size);
 /** @} */
 
+/** @name Fills with a byte
+ *  @{ */
 /** Fill memory with a byte. Any thread. zelt_mset_x64 writes steps of 128 bytes, size rounded down; zelt_mset_x64a
  *  writes exactly size bytes, nothing below 1.
  *  @param dst   the memory, at any address
  *  @param val   the byte, in the low 8 bits
  *  @param size  bytes */
-/** @{ */
 ZELT_API void zelt_mset_x64(void *dst, int val, int size);
 ZELT_API void zelt_mset_x64a(void *dst, int val, int size);
 /** @} */
@@ -80,6 +85,8 @@ ZELT_API void zelt_mcpy_pic(uint8_t *dst, const uint8_t *src, int s_dst, int s_s
  *  @param h      rows */
 ZELT_API void zelt_mcpy_pic_16(int16_t *dst, const int16_t *src, int s_dst, int s_src, int w, int h);
 
+/** @name Copies of blocks
+ *  @{ */
 /** Copy a block of 8-bit or 16-bit samples. The blocks must not overlap. Any thread.
  *  @param dst    first sample of the destination; 16-bit ones are 2-byte aligned
  *  @param src    first sample of the source, likewise
@@ -87,11 +94,12 @@ ZELT_API void zelt_mcpy_pic_16(int16_t *dst, const int16_t *src, int s_dst, int 
  *  @param s_src  samples from one row of the source to the next
  *  @param w      samples in a row: 2, 4, 6, 8, 12, 16, 24, 32 or 48; any other number copies 64
  *  @param h      rows */
-/** @{ */
 ZELT_API void zelt_mcpy_blk(uint8_t *dst, const uint8_t *src, int s_dst, int s_src, int w, int h);
 ZELT_API void zelt_mcpy_blk_16(int16_t *dst, const int16_t *src, int s_dst, int s_src, int w, int h);
 /** @} */
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

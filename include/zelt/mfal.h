@@ -1,5 +1,6 @@
-/** @file
- *  Frame allocators: reference-counted records that belong to their caller. */
+/** @defgroup zelt_mfal Frame allocators (zelt/mfal.h)
+ *  Frame allocators: reference-counted records that belong to their caller.
+ *  @{ */
 #ifndef ZELT_MFAL_H
 #define ZELT_MFAL_H
 
@@ -26,5 +27,7 @@ struct ZELT_MFAL {
 ZELT_API ZELT_MFAL *zelt_mfal_create(uint32_t unused, int32_t *err);
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

@@ -1,5 +1,6 @@
-/** @file
- *  A ring of bytes between one writer and one reader, with text lines. */
+/** @defgroup zelt_rbuf Rings of bytes (zelt/rbuf.h)
+ *  A ring of bytes between one writer and one reader, with text lines.
+ *  @{ */
 #ifndef ZELT_RBUF_H
 #define ZELT_RBUF_H
 
@@ -38,10 +39,11 @@ ZELT_API void zelt_rbuf_empty(ZELT_RBUF *rb);
  *  @return    `size - 1` */
 ZELT_API int zelt_rbuf_get_tot_len(ZELT_RBUF *rb);
 
+/** @name State
+ *  @{ */
 /** Whether a ring is full (`head == (tail + size - 1) % size`), and whether it is empty (`head == tail`).
  *  @param rb  the ring
  *  @return    1 or 0 */
-/** @{ */
 ZELT_API int zelt_rbuf_is_full(ZELT_RBUF *rb);
 ZELT_API int zelt_rbuf_is_empty(ZELT_RBUF *rb);
 /** @} */
@@ -121,5 +123,7 @@ ZELT_API int zelt_rbuf_get(ZELT_RBUF *rb, uint8_t *dst, int len);
 ZELT_API int zelt_rbuf_get_one_line(ZELT_RBUF *rb, char *line, int max);
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

@@ -1,5 +1,6 @@
-/** @file
- *  A first-in first-out queue over a fixed pool of buffers: nothing is allocated after its creation. */
+/** @defgroup zelt_rlist Queues over a pool (zelt/rlist.h)
+ *  A first-in first-out queue over a fixed pool of buffers: nothing is allocated after its creation.
+ *  @{ */
 #ifndef ZELT_RLIST_H
 #define ZELT_RLIST_H
 
@@ -28,10 +29,11 @@ ZELT_API ZELT_RLIST *zelt_rlist_create(uint32_t size, int cnt);
  *  @param rl  the pool, or null, which does nothing */
 ZELT_API void zelt_rlist_delete(ZELT_RLIST *rl);
 
+/** @name Counts
+ *  @{ */
 /** Number of buffers that hold data, and of free ones.
  *  @param rl  the pool
  *  @return    `used`, or `cnt - used` */
-/** @{ */
 ZELT_API int zelt_rlist_get_used_cnt(ZELT_RLIST *rl);
 ZELT_API int zelt_rlist_get_free_cnt(ZELT_RLIST *rl);
 /** @} */
@@ -46,13 +48,16 @@ ZELT_API void *zelt_rlist_get_buf(ZELT_RLIST *rl);
  *  @return    the buffer, which stays in the queue; null when none holds data */
 ZELT_API void *zelt_rlist_get_data(ZELT_RLIST *rl);
 
+/** @name Releasing
+ *  @{ */
 /** Releases the oldest buffer with data, or all of them, oldest first. Does nothing where none holds data.
  *  @param rl  the pool */
-/** @{ */
 ZELT_API void zelt_rlist_rem_data(ZELT_RLIST *rl);
 ZELT_API void zelt_rlist_rem_all(ZELT_RLIST *rl);
 /** @} */
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

@@ -1,4 +1,4 @@
-/** @file
+/** @defgroup zelt_sad Block matching (zelt/sad.h)
  *  Block matching: sums of absolute differences, Hadamard-transformed differences, differences, sums of squares.
  *
  *  A block is W x H samples, W columns and H rows, in memory of the caller. Sample kinds, from the end of a name:
@@ -9,7 +9,8 @@
  *      may differ on x86-64: in programs that are not position independent, and where the C library is not glibc
  *
  *  Every function reads exactly its block, at any alignment of 8-bit and any 2-byte alignment of 16-bit samples; the
- *  strides may be any number, zero and negative ones included. Nothing is kept between calls: any thread. */
+ *  strides may be any number, zero and negative ones included. Nothing is kept between calls: any thread.
+ *  @{ */
 #ifndef ZELT_SAD_H
 #define ZELT_SAD_H
 
@@ -17,6 +18,8 @@
 
 ZELT_BEGIN_DECLS
 
+/** @name SAD, fixed sizes
+ *  @{ */
 /** Sum of absolute differences (SAD) of two blocks of the size in the name.
  *
  *  Exact for 8-bit and for mixed samples. For two 16-bit samples the magnitude of d = a - b is (d ^ m) - m with
@@ -27,7 +30,6 @@ ZELT_BEGIN_DECLS
  *  @param s_src1  from one row of the first block to the next, in its samples
  *  @param s_src2  from one row of the second block to the next, in its samples
  *  @return        the sum */
-/** @{ */
 ZELT_API uint32_t zelt_sad2x2(const void *src1, const void *src2, int s_src1, int s_src2);
 ZELT_API uint32_t zelt_sad2x4(const void *src1, const void *src2, int s_src1, int s_src2);
 ZELT_API uint32_t zelt_sad4x2(const void *src1, const void *src2, int s_src1, int s_src2);
@@ -119,6 +121,8 @@ ZELT_API uint32_t zelt_sad_16(int w, int h, const int16_t *src1, const int16_t *
 ZELT_API int zelt_sad_eskip(int w, int h, const uint8_t *src1, const uint8_t *src2, int s_src1, int s_src2,
                             int threshold);
 
+/** @name SATD, fixed sizes
+ *  @{ */
 /** Hadamard-transformed sum of absolute differences (SATD) of two blocks of N x N samples, N x N as in the name.
  *
  *  With D the differences, H the N x N Hadamard matrix of +1 and -1 and T = H D H^T, S is the sum of all |T[i][j]|.
@@ -130,7 +134,6 @@ ZELT_API int zelt_sad_eskip(int w, int h, const uint8_t *src1, const uint8_t *sr
  *  @param s_src1  from one row of the first block to the next, in its samples
  *  @param s_src2  from one row of the second block to the next, in its samples
  *  @return        the cost */
-/** @{ */
 ZELT_API int zelt_satd4x4(const void *src1, const void *src2, int s_src1, int s_src2);
 ZELT_API int zelt_satd8x8(const void *src1, const void *src2, int s_src1, int s_src2);
 ZELT_API int zelt_satd4x4_16(const void *src1, const void *src2, int s_src1, int s_src2);
@@ -146,6 +149,8 @@ ZELT_API int zelt_satd8x8_bi_16(const void *src1, const void *src2, int s_src1, 
  *  @return     the cost */
 ZELT_API int zelt_hadamard4x4(const int16_t *res);
 
+/** @name SATD, any size
+ *  @{ */
 /** SATD of two blocks of any size: the sum of the costs of their 4x4 tiles. A size that is not a multiple of 4 is
  *  rounded up to whole tiles, which are read whole.
  *  @param w       columns
@@ -155,11 +160,12 @@ ZELT_API int zelt_hadamard4x4(const int16_t *res);
  *  @param s_src1  from one row of the first block to the next, in its samples
  *  @param s_src2  from one row of the second block to the next, in its samples
  *  @return        the cost, 0 where a size is below 1 */
-/** @{ */
 ZELT_API int zelt_satd(int w, int h, const uint8_t *src1, const uint8_t *src2, int s_src1, int s_src2);
 ZELT_API int zelt_satd_16(int w, int h, const int16_t *src1, const int16_t *src2, int s_src1, int s_src2);
 /** @} */
 
+/** @name Differences, fixed sizes
+ *  @{ */
 /** Differences src1 - src2 of two blocks of the size in the name, each the low 16 bits of the true difference.
  *  @param src1    first block, its top-left sample
  *  @param src2    second block, likewise
@@ -167,7 +173,6 @@ ZELT_API int zelt_satd_16(int w, int h, const int16_t *src1, const int16_t *src2
  *  @param s_src2  from one row of the second block to the next, in its samples
  *  @param s_diff  elements from one row of the result to the next
  *  @param diff    the differences, row by row; must not overlap the blocks. Nothing between its rows is written */
-/** @{ */
 ZELT_API void zelt_diff2x2(const void *src1, const void *src2, int s_src1, int s_src2, int s_diff, int16_t *diff);
 ZELT_API void zelt_diff2x4(const void *src1, const void *src2, int s_src1, int s_src2, int s_diff, int16_t *diff);
 ZELT_API void zelt_diff4x2(const void *src1, const void *src2, int s_src1, int s_src2, int s_diff, int16_t *diff);
@@ -208,6 +213,8 @@ ZELT_API void zelt_diff4x4_bi(const void *src1, const void *src2, int s_src1, in
 ZELT_API void zelt_diff4x4_bi_16(const void *src1, const void *src2, int s_src1, int s_src2, int s_diff, int16_t *diff);
 /** @} */
 
+/** @name Differences, any size
+ *  @{ */
 /** Differences of two blocks of any size, as those of the fixed sizes. Nothing is written where a size is below 1.
  *  @param w       columns
  *  @param h       rows
@@ -217,7 +224,6 @@ ZELT_API void zelt_diff4x4_bi_16(const void *src1, const void *src2, int s_src1,
  *  @param s_src2  from one row of the second block to the next, in its samples
  *  @param s_diff  elements from one row of the result to the next
  *  @param diff    the differences, row by row; must not overlap the blocks. Nothing between its rows is written */
-/** @{ */
 ZELT_API void zelt_diff(int w, int h, const uint8_t *src1, const uint8_t *src2, int s_src1, int s_src2, int s_diff,
                         int16_t *diff);
 ZELT_API void zelt_diff_16(int w, int h, const int16_t *src1, const int16_t *src2, int s_src1, int s_src2, int s_diff,
@@ -247,5 +253,7 @@ ZELT_API uint32_t zelt_ssd(int w, int h, const uint8_t *src1, const uint8_t *src
 ZELT_API uint32_t zelt_ssd_16(int w, int h, const int16_t *src1, const int16_t *src2, int s_src1, int s_src2);
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

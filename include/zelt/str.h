@@ -1,6 +1,7 @@
-/** @file
+/** @defgroup zelt_str Text and URIs (zelt/str.h)
  *  Scanners over zero-terminated text: words, lines, pieces, URIs. Lengths are in bytes, nothing is allocated, nothing
- *  past the terminator is read. Whitespace is tab, line feed, carriage return and space, and nothing else. */
+ *  past the terminator is read. Whitespace is tab, line feed, carriage return and space, and nothing else.
+ *  @{ */
 #ifndef ZELT_STR_H
 #define ZELT_STR_H
 
@@ -86,5 +87,7 @@ ZELT_API int32_t zelt_str_conv_uri2a(const char *s, char *out);
 ZELT_API int32_t zelt_str_get_one_az09(void);
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif

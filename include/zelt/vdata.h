@@ -1,5 +1,6 @@
-/** @file
- *  A tagged byte block that owns its memory. */
+/** @defgroup zelt_vdata Owned byte blocks (zelt/vdata.h)
+ *  A tagged byte block that owns its memory.
+ *  @{ */
 #ifndef ZELT_VDATA_H
 #define ZELT_VDATA_H
 
@@ -36,5 +37,7 @@ ZELT_API int32_t zelt_vdata_set(ZELT_VDATA *v, const uint8_t *bytes, int32_t siz
 ZELT_API void zelt_vdata_free(ZELT_VDATA *v);
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif
