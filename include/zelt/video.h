@@ -1,4 +1,4 @@
-/** @file
+/** @defgroup zelt_video Pictures of decoders (zelt/video.h)
  *  Pictures as decoders, cameras and screens have them: 4:2:0 and its relatives, planar, semi-planar and packed, of
  *  limited or full range and the matrix of BT.601, BT.709 or BT.2020, to RGB, back, and into one another.
  *
@@ -162,7 +162,8 @@
  *  it is, of an odd picture too. Packed YUV is not turned, and formats with chroma halved one way only not by 90 or 270
  *  degrees: their pixels would share chroma the other way. Such a picture can become ZELT_CS_YUV420, ZELT_CS_NV12 or
  *  ZELT_CS_YUV444, which FFmpeg's transpose and rotation metadata of containers and cameras (EXIF: 90 is orientation 6,
- *  180 is 3, 270 is 8; mirrored 0, 90, 180, 270 are 2, 7, 4, 5) may ask for. */
+ *  180 is 3, 270 is 8; mirrored 0, 90, 180, 270 are 2, 7, 4, 5) may ask for.
+ *  @{ */
 #ifndef ZELT_VIDEO_H
 #define ZELT_VIDEO_H
 
@@ -171,7 +172,7 @@
 ZELT_BEGIN_DECLS
 
 /** Formats of this header alone, beside those of ZELT_CS_* that the tables above list. */
-enum {
+enum ZELT_VIDEO_FORMAT {
     ZELT_CS_NV12 = 800,   /**< Y; U and V in turn, chroma halved both ways */
     ZELT_CS_NV21 = 801,   /**< Y; V and U in turn, chroma halved both ways */
     ZELT_CS_NV16 = 802,   /**< Y; U and V in turn, chroma halved in width */
@@ -183,29 +184,29 @@ enum {
 };
 
 /** Matrices */
-enum {
+enum ZELT_VIDEO_MATRIX {
     ZELT_VIDEO_BT601 = 0, /**< BT.601: standard definition, JPEG */
     ZELT_VIDEO_BT709 = 1, /**< BT.709: high definition */
     ZELT_VIDEO_BT2020 = 2 /**< BT.2020, not of constant luminance: ultra-high definition */
 };
 /** Ranges */
-enum {
+enum ZELT_VIDEO_RANGE {
     ZELT_VIDEO_LIMITED = 0, /**< Y from 16 to 235, U and V from 16 to 240 */
     ZELT_VIDEO_FULL = 1     /**< 0 to 255 or 1023: JPEG, many cameras */
 };
 /** How chroma gets more samples */
-enum {
+enum ZELT_VIDEO_CHROMA {
     ZELT_VIDEO_REPLICATED = 0, /**< each sample for all pixels that share it */
     ZELT_VIDEO_SMOOTH = 1      /**< bilinear, as above */
 };
 
 /** How a destination of another size is made */
-enum {
+enum ZELT_VIDEO_FILTER {
     ZELT_VIDEO_BILINEAR = 0, /**< between four samples: for enlarging, and down to 1:2 */
     ZELT_VIDEO_AREA = 1      /**< the mean of what a sample covers: for shrinking further, without moire */
 };
 /** How a picture is turned: one of these, and ZELT_VIDEO_MIRRORED or not */
-enum {
+enum ZELT_VIDEO_TURN {
     ZELT_VIDEO_UPRIGHT = 0,
     ZELT_VIDEO_90 = 1,      /**< by 90 degrees clockwise: the left column becomes the top row, right to left */
     ZELT_VIDEO_180 = 2,     /**< upside down */
@@ -279,5 +280,7 @@ ZELT_API int32_t zelt_video_turn(const uint8_t *src, int32_t src_stride, uint8_t
                                  int32_t h, int32_t bytes, int32_t turn);
 
 ZELT_END_DECLS
+
+/** @} */
 
 #endif
