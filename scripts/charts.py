@@ -17,6 +17,8 @@ import bench_tables
 COLOURS = ["#3b6fb6", "#b5523b", "#4f8a4c", "#8a5fb0", "#808080"]
 INK, RULE = "#333333", "#dddddd"
 LINE = 18  # from one line of text to the next
+DARK = ('<style>@media (prefers-color-scheme: dark) { [fill="#333333"] { fill: #dddddd } [stroke="#333333"] '
+        '{ stroke: #dddddd } [stroke="#dddddd"] { stroke: #555555 } [fill="white"] { fill: none } }</style>')
 
 
 class Figure:
@@ -25,7 +27,7 @@ class Figure:
     def __init__(self, width, height):
         self.parts = [f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {height}" width="{width}" '
                       f'height="{height}" font-family="sans-serif" font-size="13" fill="{INK}">',
-                      '<rect width="100%" height="100%" fill="white"/>']
+                      DARK, '<rect width="100%" height="100%" fill="white"/>']
 
     def text(self, x, y, words, anchor="start", colour=INK, size=13):
         self.parts.append(f'<text x="{x:.1f}" y="{y:.1f}" text-anchor="{anchor}" fill="{colour}" font-size="{size}">'
