@@ -30,3 +30,10 @@ configure_file("@PROJECT_SOURCE_DIR@/cmake/zelt.pc.in" "@PROJECT_BINARY_DIR@/zel
 ]=] write_pc @ONLY)
 install(CODE "${write_pc}" COMPONENT dev)
 install(FILES ${PROJECT_BINARY_DIR}/zelt.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
+
+if(ZELT_DOCS)
+  add_custom_target(docs ALL COMMAND ${PROJECT_SOURCE_DIR}/scripts/docs.sh ${PROJECT_BINARY_DIR}/docs VERBATIM)
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/doc/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/html COMPONENT dev)
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/man/man3 DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT dev
+    FILES_MATCHING REGEX "/(zelt|ZELT|bilinear)_[^/]*$")
+endif()

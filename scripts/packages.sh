@@ -7,7 +7,8 @@ test_packages=("${build_packages[@]}" googletest libgtest-dev binutils python3 l
     musl-tools qemu-user)
 arm_packages=(g++-arm-linux-gnueabi g++-arm-linux-gnueabihf g++-aarch64-linux-gnu)
 i686_packages=(g++-i686-linux-gnu)
-check_packages=(clang clang-format doxygen libc++-14-dev libc++abi-14-dev shellcheck)
+docs_packages=(doxygen doxygen-awesome-css python3)
+check_packages=("${docs_packages[@]}" clang clang-format libc++-14-dev libc++abi-14-dev shellcheck)
 # the benchmark, and the libraries that it compares with
 bench_packages=("${build_packages[@]}" libaom-dev libavutil-dev libbenchmark-dev libgstreamer1.0-dev
     libjack-jackd2-dev libnuma-dev libopencv-core-dev libopencv-imgproc-dev libssl-dev libswscale-dev
