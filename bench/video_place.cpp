@@ -37,7 +37,11 @@ const std::vector<placing>& placings() {
         turned("plane", plane, plane), turned("rgba8888", rgba8888, rgba8888), turned("yuv420", yuv420, yuv420);
         turned("nv12_to_yuv420", nv12, yuv420), turned("nv12_to_rgba8888", nv12, rgba8888);
         list.push_back({"nv12_to_rgba8888 of 1280x720", nv12, rgba8888, 0, {1280, 720}, ZELT_VIDEO_BILINEAR});
-        list.push_back({"nv12_to_rgba8888 of 320x180 by area", nv12, rgba8888, 0, {320, 180}, ZELT_VIDEO_AREA});
+        for (const int part : {3, 6}) {
+            const shape to = {source.w / part, source.h / part};
+            const std::string size = std::to_string(to.w) + 'x' + std::to_string(to.h);
+            list.push_back({"nv12_to_rgba8888 of " + size + " by area", nv12, rgba8888, 0, to, ZELT_VIDEO_AREA});
+        }
         return list;
     }();
     return all;

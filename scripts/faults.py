@@ -768,12 +768,21 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
          "shape.samples = n * Bytes;", "tables of a strip end with its own columns"),
     ],
     "src/video/area.h": [
-        ("(first + 1) * dst - begin, end - last * dst};", "dst, end - last * dst};", "the first sample counts whole"),
-        ("last = (end - 1) / dst;", "last = end / dst;", "what ends with a sample covers the next one"),
-        ("sum += n_ / 2;", "sum += 0;", "means are cut off"),
-        ("rows.last - rows.first > 256", "rows.last - rows.first > 512", "sums of bytes overflow 16 bits"),
-        ("last_weight > 0 && last_weight < weight",
-         "last_weight > 0", "a last row that is covered whole counts in part"),
+        ("{first, last, dst - begin.rest, p.rest ? p.rest : dst};",
+         "{first, last, dst, p.rest ? p.rest : dst};", "the first sample counts whole"),
+        ("(p.sample) - (p.rest == 0);", "(p.sample);", "what ends with a sample covers the next one"),
+        ("sum = sum + n / 2;", "", "means are cut off"),
+        ("return quotient + ((n - 1 - (sum - quotient * n)) >> 31);",
+         "return quotient;", "quotients lack what shifting cut off"),
+        ("most_in_words = 257;", "most_in_words = 270;", "sums of bytes overflow 16 bits"),
+        ("totals[k] + sum * factors;", "totals[k] + sum;", "rows of too many weights have none"),
+    ],
+    "src/video/area_scalar.h": [
+        ("return of(a.v * b); }", "return of(a.v); }", "columns that are covered in part count whole"),
+    ],
+    "src/video/area_simd.h": [
+        ("[row / lanes_16 * 2 + row % 2]", "[row / lanes_16 * 2]", "odd rows have the weights of even ones"),
+        ("(u32xn)words.v[i / 2] & 0xFFFF,", "(u32xn)words.v[i / 2],", "sums of even rows take those of odd ones along"),
     ],
     "src/video/back_rows.h": [
         ("mul_q15(dot<64, 0>(v.c2, v.c2), m.blue)",
@@ -848,8 +857,8 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
          "const std::ptrdiff_t above = 0;", "smooth chroma of tiles begins anew"),
         ("resized_plan_.as_csc = p.between_as_csc;",
          "resized_plan_.as_csc = p.as_csc;", "resized pictures are converted as their sources would be"),
-        ("for (std::ptrdiff_t y = begin & -2; y < end;",
-         "for (std::ptrdiff_t y = begin; y < end;", "bands of resized pictures begin at odd rows"),
+        ("for (std::ptrdiff_t top = begin & -2, bottom;",
+         "for (std::ptrdiff_t top = begin, bottom;", "bands of resized pictures begin at odd rows"),
         ("all.w += all.x & 1, all.x &= -2,", "", "tiles of turned pictures begin at odd pixels"),
     ],
     "src/video/repack.h": [

@@ -50,8 +50,11 @@ bool add_size(const std::string& row, libyuv::FilterMode filter) {
     });
 }
 
-const bool added[] = {add_turns(90), add_turns(180), add_turns(270),
+const bool added[] = {add_turns(90),
+                      add_turns(180),
+                      add_turns(270),
                       add_size("nv12_to_rgba8888 of 1280x720", libyuv::kFilterBilinear),
+                      add_size("nv12_to_rgba8888 of 640x360 by area", libyuv::kFilterBox),
                       add_size("nv12_to_rgba8888 of 320x180 by area", libyuv::kFilterBox)};
 }  // namespace
 }  // namespace zelt::bench

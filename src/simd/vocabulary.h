@@ -5,7 +5,7 @@
 //
 // TYPES. `lanes` is the number of bytes in a register, lanes_16 half of it.
 //   u8xn, s16xn, u16xn, u32xn   a register of samples; + - * & | ^ << >> and comparisons are the compiler's own
-//   s16x2n                      as many samples as u8xn has, as 16 bits: {s16xn lo, hi}, with + - << >> and clamp
+//   s16x2n                      as many samples as u8xn has, as 16 bits: {s16xn lo, hi}, with + - * << >> and clamp
 //   u8x16, u16x8, u32x4         registers of 16 bytes on every target: narrow blocks, and tables of the resizer
 //
 // ORDERS. In memory order sample i is in lane i, those of lo first. In widened order, that of widen() for bytes in
@@ -212,6 +212,7 @@ template <class V> struct widened {
     friend widened operator+(widened a, widened b) { return {add(a.lo, b.lo), add(a.hi, b.hi)}; }
     friend widened operator-(widened a, widened b) { return {subtract(a.lo, b.lo), subtract(a.hi, b.hi)}; }
     friend widened operator+(widened a, int b) { return a + all(b); }
+    friend widened operator*(widened a, int b) { return {multiply(a.lo, b), multiply(a.hi, b)}; }
     friend widened operator>>(widened a, int n) { return {a.lo >> n, a.hi >> n}; }
     friend widened operator<<(widened a, int n) { return {a.lo << n, a.hi << n}; }
     friend widened clamp(widened a, int low, int high) {
@@ -224,6 +225,7 @@ private:
     typedef u16 bits __attribute__((vector_size(sizeof(V))));
     static V add(V a, V b) { return (V)((bits)a + (bits)b); }
     static V subtract(V a, V b) { return (V)((bits)a - (bits)b); }
+    static V multiply(V a, int b) { return (V)((bits)a * static_cast<u16>(b)); }
 };
 
 template <class V> struct two { V first, second; };

@@ -4,9 +4,16 @@
 //     (sum of across(s, x) down(t, y) sample(s, t) + w h / 2) / (w h)
 //
 // where across(s, x) is how much of source column s, from s W to (s + 1) W, is in x w to (x + 1) w, and down(t, y)
-// likewise. Rows and columns that are whole in one have the same weight, so that bytes are added up first.
+// likewise. Bytes are added up down first, by registers along the rows. The sums, which are words, are then turned, so
+// that a register has a column's of as many rows, and added up across with the same weights for all.
+#include "video/area_scalar.h"
 #include "video/chroma.h"
+#include "video/turn.h"
+#if ZELT_SIMD
+#include "video/area_simd.h"
+#endif
 
+#include <bit>
 #include <numeric>
 
 namespace zelt::inline ZELT_LEVEL::video {
@@ -15,37 +22,56 @@ namespace zelt::inline ZELT_LEVEL::video {
 struct covered {
     s64 first, last;
     u64 first_weight, last_weight;
+
+    std::ptrdiff_t count() const { return static_cast<std::ptrdiff_t>(last - first) + 1; }
 };
 struct area_axis {
     u64 src, dst;  // without their common divisor
 
     area_axis(s64 from, s64 to)
         : src(static_cast<u64>(from / std::gcd(from, to))), dst(static_cast<u64>(to / std::gcd(from, to))) {}
-    covered at(s64 i) const {
-        const u64 begin = static_cast<u64>(i) * src, end = begin + src;
-        const u64 first = begin / dst, last = (end - 1) / dst;
-        if (first == last) return {static_cast<s64>(first), static_cast<s64>(last), src, 0};
-        return {static_cast<s64>(first), static_cast<s64>(last), (first + 1) * dst - begin, end - last * dst};
+    bool whole() const { return dst == 1; }
+
+    /// Where a destination sample begins: in this source sample, after so much of it
+    struct place {
+        u64 sample, rest;
+    };
+    place at(s64 i) const { return {static_cast<u64>(i) * src / dst, static_cast<u64>(i) * src % dst}; }
+    covered next(place& p) const {
+        const place begin = p;
+        p.sample += src / dst, p.rest += src % dst;
+        if (p.rest >= dst) ++p.sample, p.rest -= dst;
+        const s64 first = static_cast<s64>(begin.sample), last = static_cast<s64>(p.sample) - (p.rest == 0);
+        if (first == last) return {first, last, src, 0};
+        return {first, last, dst - begin.rest, p.rest ? p.rest : dst};
     }
 };
 
-/// Divides sums of up to 255.5 n.
+/// Divides sums of up to 255 n, to the nearest.
 class divisor {
 public:
-    explicit divisor(u64 n) : n_(n), reciprocal_((u64{1} << shift) / n + 1) {}
-    u8 round(u64 sum) const {
-        sum += n_ / 2;
-        return static_cast<u8>(n_ <= most ? sum * reciprocal_ >> shift : sum / n_);
+    explicit divisor(u64 n)
+        : n_(n), shift_(std::max(static_cast<int>(std::bit_width(n)), 8) - 8),
+          factor_(static_cast<u32>((u64{1} << 22 << shift_) / n)) {}
+    /// Whether sums fit 32 bits
+    bool fits() const { return n_ <= 1 << 24; }
+    /// Of such, one or a register of them. The first quotient lacks at most 1: what shifting cuts off is less than
+    /// 1 / 128 of it, and the factor, of sums below 2^16 by then, lacks less than 1 / 64.
+    template <class V> V rounded(V sum) const {
+        const u32 n = static_cast<u32>(n_);
+        sum = sum + n / 2;
+        const V quotient = (sum >> shift_) * factor_ >> 22;
+        return quotient + ((n - 1 - (sum - quotient * n)) >> 31);
     }
+    u8 rounded(u64 sum) const { return static_cast<u8>((sum + n_ / 2) / n_); }
 
 private:
-    // What the reciprocal is too large by adds less than 256 n / 2^55, and up to 2^23 that is less than 1 / n.
-    static constexpr int shift = 55;
-    static constexpr u64 most = u64{1} << 23;
-    u64 n_, reciprocal_;
+    u64 n_;
+    int shift_;
+    u32 factor_;
 };
 
-/// Interleaved samples, of which one or two channels are wanted
+/// Interleaved samples, of which some channels are wanted
 struct interleaved_plane {
     const u8* p;
     std::ptrdiff_t stride;
@@ -55,125 +81,204 @@ struct interleaved_plane {
 /// Some columns of a plane that is shrunk
 class shrinking {
 public:
-    static constexpr int most = 256;
+    static constexpr int most = 128;
 
     /// n columns from x on
     shrinking(s64 w, s64 h, s64 to_w, s64 to_h, s64 x, std::ptrdiff_t n, int bytes)
-        : x_(w, to_w), y_(h, to_h), mean_(x_.src * y_.src), n_(n), bytes_(bytes), start_(x_.at(x).first) {
+        : x_(w, to_w), y_(h, to_h), mean_(x_.src * y_.src), n_(n), bytes_(bytes),
+          start_(static_cast<s64>(x_.at(x).sample)) {
+        area_axis::place at = x_.at(x);
         for (std::ptrdiff_t i = 0; i < n; ++i) {
-            const covered c = x_.at(x + i);
+            const covered c = x_.next(at);
             columns_[i] = {static_cast<u32>(c.first - start_), static_cast<u32>(c.last - start_),
                            static_cast<u32>(c.first_weight), static_cast<u32>(c.last_weight)};
         }
     }
 
-    /// Row y of each channel
-    void row(const interleaved_plane& src, s64 y, u8* const* out) const {
-        const covered rows = y_.at(y);
-        const u8* first =
-            src.p + static_cast<std::ptrdiff_t>(rows.first) * src.stride + static_cast<std::ptrdiff_t>(start_) * bytes_;
-        s16 sums[most_bytes];
-        for (std::ptrdiff_t i = 0, end; i < n_; i = end) {
-            const auto bytes_to = [&](std::ptrdiff_t k) {
-                return (s64{columns_[k].last} + 1 - columns_[i].first) * bytes_;
-            };
-            for (end = i; end < n_ && bytes_to(end) <= most_bytes;) ++end;
-            if (end == i || rows.last - rows.first > 256) {  // not to be added up in 16 bits
-                end = i + 1;
-                for (int c = 0; c < src.channels; ++c)
-                    out[c][i] = mean_of(first + src.first[c], src.stride, rows, columns_[i]);
-                continue;
+    std::ptrdiff_t first() const { return static_cast<std::ptrdiff_t>(start_); }
+    std::ptrdiff_t count() const { return n_; }
+    bool as_it_is() const { return x_.src * y_.src == 1 && x_.dst * y_.dst == 1; }
+
+    /// Rows of each channel from y on
+    void rows(const interleaved_plane& src, s64 y, std::ptrdiff_t count, u8* const* out, const s32* out_s) const {
+        constexpr std::ptrdiff_t most_rows = column_sums::rows;
+        area_axis::place at = y_.at(y);
+        for (std::ptrdiff_t top = 0; top < count; top += most_rows) {
+            covered_rows rows = {{}, std::min(count - top, most_rows)};
+            bool fits = mean_.fits();
+            for (std::ptrdiff_t i = 0; i < rows.count; ++i) {
+                rows.of[i] = y_.next(at);
+                fits = fits && rows.of[i].count() <= most_in_words;
             }
-            const summed_rows summed(first + columns_[i].first * std::ptrdiff_t{bytes_}, src.stride, rows, y_.dst, sums,
-                                     static_cast<std::ptrdiff_t>(bytes_to(end - 1)));
-            const bool same_weights = x_.dst == 1 && !summed.first_weight && !summed.last_weight;
-            for (std::ptrdiff_t k = i; k < end; ++k)
-                for (int c = 0; c < src.channels; ++c) {
-                    const column& of = columns_[k];
-                    const std::ptrdiff_t at =
-                        static_cast<std::ptrdiff_t>(of.first - columns_[i].first) * bytes_ + src.first[c];
-                    out[c][k] = same_weights ? mean_of(summed, at) : mean_of(summed, of, at);
+            u8* to[2];
+            for (int c = 0; c < src.channels; ++c) to[c] = out[c] + top * out_s[c];
+            for (std::ptrdiff_t i = 0, end; i < n_; i = end) {
+                end = i;
+                while (fits && end < n_ && bytes_of(i, end + 1) <= most_bytes) ++end;
+                if (end > i) {
+                    add_up(src, rows, i, end, to, out_s);
+                    continue;
                 }
+                for (std::ptrdiff_t k = 0; k < rows.count; ++k)
+                    for (int c = 0; c < src.channels; ++c)
+                        to[c][k * out_s[c] + i] = mean_of(src, rows.of[k], i, src.first[c]);
+                end = i + 1;
+            }
         }
     }
 
 private:
-    static constexpr std::ptrdiff_t most_bytes = 4096;
+    static constexpr std::ptrdiff_t most_bytes = 384;  // of a source row that is added up at once
+    static constexpr int most_in_words = 257;          // bytes whose sum fits a word
+    static constexpr std::ptrdiff_t most_means = most * column_sums::rows + 32;  // stored by registers
     struct column {
         u32 first, last, first_weight, last_weight;  // from start_ on
     };
-
-    /// Rows of some columns: a sum of those that are covered whole, and those that are covered in part, which have no
-    /// weight where there are none
-    struct summed_rows {
-        const s16* whole;
-        const u8 *first, *last;
-        u64 whole_weight, first_weight, last_weight;
-
-        summed_rows(const u8* p, std::ptrdiff_t stride, const covered& rows, u64 weight, s16* sums, std::ptrdiff_t n)
-            : whole(sums), first(p), last(p), whole_weight(weight), first_weight(rows.first_weight),
-              last_weight(rows.last_weight) {
-            auto count = static_cast<std::ptrdiff_t>(rows.last - rows.first) + 1;
-            const u8* from = p;
-            if (last_weight > 0 && last_weight < weight)
-                last = p + (count - 1) * stride, --count;
-            else
-                last_weight = 0;
-            if (first_weight != weight)
-                --count, from = count > 0 ? p + stride : p;
-            else
-                first_weight = 0;
-            for_each(n, [=](auto v, std::ptrdiff_t i) {
-                wide_of<decltype(v)> sum{};
-                const u8* row = from;
-                for (std::ptrdiff_t t = count; t > 0; --t) {
-                    load(row + i, v);
-                    sum = sum + widen(v);
-                    if (t > 1) row += stride;
-                }
-                store_widened(sums + i, sum);
-            });
-        }
-        /// Of n columns from byte i on
-        u64 sum(std::ptrdiff_t i, std::ptrdiff_t n, int bytes) const {
-            const auto add = [=](auto* p) {
-                u32 all = 0;
-                for (std::ptrdiff_t k = i, left = n; left > 0; --left, k += bytes) all += p[k];
-                return all;
-            };
-            u64 all = whole_weight * add(reinterpret_cast<const u16*>(whole));
-            if (first_weight) all += first_weight * add(first);
-            if (last_weight) all += last_weight * add(last);
-            return all;
-        }
+    struct covered_rows {
+        covered of[column_sums::rows];
+        std::ptrdiff_t count;
     };
-    u8 mean_of(const summed_rows& rows, std::ptrdiff_t at) const {
-        const s16* p = rows.whole + at;
-        u32 sum = 0;
-        for (u64 left = x_.src; left > 0; --left, p += bytes_) sum += static_cast<u16>(*p);
-        return mean_.round(rows.whole_weight * sum);
+
+    std::ptrdiff_t bytes_of(std::ptrdiff_t begin, std::ptrdiff_t end) const {
+        return static_cast<std::ptrdiff_t>(s64{columns_[end - 1].last} + 1 - columns_[begin].first) * bytes_;
     }
-    u8 mean_of(const summed_rows& rows, const column& c, std::ptrdiff_t at) const {
-        const std::ptrdiff_t more = static_cast<std::ptrdiff_t>(c.last - c.first);
-        u64 sum = c.first_weight * rows.sum(at, 1, bytes_);
-        if (more > 0) sum += c.last_weight * rows.sum(at + more * bytes_, 1, bytes_);
-        if (more > 1) sum += x_.dst * rows.sum(at + bytes_, more - 1, bytes_);
-        return mean_.round(sum);
+    const u8* place(const interleaved_plane& src, s64 row, std::ptrdiff_t i) const {
+        return src.p + static_cast<std::ptrdiff_t>(row) * src.stride +
+               static_cast<std::ptrdiff_t>(start_ + columns_[i].first) * bytes_;
     }
+
+    // ------------------------------------------------------------------------------------------------- down, in words
+
+    template <class V> static wide_of<V> sum_of_rows(const u8* p, std::ptrdiff_t stride, std::ptrdiff_t count) {
+        V v, w;
+        wide_of<V> sum{};
+        for (; count > 1; count -= 2, p += 2 * stride) {
+            load(p, v), load(p + stride, w);
+            sum = sum + dot<1, 1>(v, w);
+        }
+        if (count == 0) return sum;
+        load(p, v);
+        return sum + widen(v);
+    }
+    /// n bytes of rows
+    static void add_rows(const u8* p, std::ptrdiff_t stride, std::ptrdiff_t count, s16* sums, std::ptrdiff_t n) {
+        for_each(n, [=](auto v, std::ptrdiff_t i) {
+            store_widened(sums + i, sum_of_rows<decltype(v)>(p + i, stride, count));
+        });
+    }
+    void weigh_rows(const u8* p, std::ptrdiff_t stride, const covered& rows, s16* sums, std::ptrdiff_t n) const {
+        const int weight = static_cast<int>(y_.dst), upper = static_cast<int>(rows.first_weight),
+                  lower = static_cast<int>(rows.last_weight);
+        const u8* last = p + (rows.count() - 1) * stride;
+        for_each(n, [=, between = rows.count() - 2](auto v, std::ptrdiff_t i) {
+            using V = decltype(v);
+            V w;
+            load(p + i, v), load(last + i, w);
+            wide_of<V> sum = widen(v) * upper + widen(w) * lower;
+            if (between > 0) sum = sum + sum_of_rows<V>(p + stride + i, stride, between) * weight;
+            store_widened(sums + i, sum);
+        });
+    }
+
+    // --------------------------------------------------------------------------------------------------------- across
+
+    template <class Sum> Sum sum_across(const u16* p, const column& c) const {
+        const std::ptrdiff_t step = bytes_ * std::ptrdiff_t{column_sums::rows},
+                             count = std::ptrdiff_t{c.last} - c.first + 1;
+        const auto sum_of = [step](const u16* first, std::ptrdiff_t left) {
+            Sum sum(first);
+            while (--left > 0) sum = sum + Sum(first += step);
+            return sum;
+        };
+        if (x_.whole()) return sum_of(p, count);
+        Sum sum = Sum(p) * c.first_weight;
+        if (count > 1) sum = sum + Sum(p + (count - 1) * step) * c.last_weight;
+        if (count > 2) sum = sum + sum_of(p + step, count - 2) * static_cast<u32>(x_.dst);
+        return sum;
+    }
+    column_sums across(const u16* p, const column& c, bool in_words) const {
+        return in_words ? column_sums(sum_across<column_words>(p, c)) : sum_across<column_sums>(p, c);
+    }
+
+    /// Columns from begin to end, of rows whose sums fit words. If they would not with their weights, rows of each
+    /// weight have sums of their own.
+    void add_up(const interleaved_plane& src, const covered_rows& rows, std::ptrdiff_t begin, std::ptrdiff_t end,
+                u8* const* out, const s32* out_s) const {
+        constexpr std::ptrdiff_t most_rows = column_sums::rows;
+        enum { upper, lower, between, weights };
+        alignas(64) s16 sums[most_rows][most_bytes];
+        alignas(64) u16 turned_sums[most_bytes * most_rows];
+        u8 means[most_means];
+        const std::ptrdiff_t n = bytes_of(begin, end);
+        const auto turn = [&] {
+            transpose<2>(reinterpret_cast<const u8*>(sums), sizeof sums[0], reinterpret_cast<u8*>(turned_sums),
+                         sizeof(u16) * most_rows, std::max<std::ptrdiff_t>(n, 8), most_rows);
+        };
+        const auto each_column = [&](int channel, bool in_words, auto body) {
+            for (std::ptrdiff_t k = begin; k < end; ++k) {
+                const std::ptrdiff_t at = std::ptrdiff_t{columns_[k].first - columns_[begin].first} * bytes_;
+                body(k - begin, across(turned_sums + (at + src.first[channel]) * most_rows, columns_[k], in_words));
+            }
+        };
+        if (y_.src <= most_in_words) {
+            for (std::ptrdiff_t i = 0; i < rows.count; ++i) {
+                const u8* p = place(src, rows.of[i].first, begin);
+                y_.whole() ? add_rows(p, src.stride, rows.of[i].count(), sums[i], n)
+                           : weigh_rows(p, src.stride, rows.of[i], sums[i], n);
+            }
+            turn();
+            for (int c = 0; c < src.channels; ++c) {
+                each_column(c, x_.src * y_.src <= most_in_words, [&](std::ptrdiff_t k, const column_sums& sum) {
+                    sum.store_means(mean_, means + k * most_rows);
+                });
+                put(means, end - begin, out[c] + begin, out_s[c], rows.count);
+            }
+            return;
+        }
+        column_sums totals[most];
+        for (int c = 0; c < src.channels; ++c) {
+            std::fill_n(totals, end - begin, column_sums{});
+            for (int part = upper; part < weights; ++part) {
+                column_sums factors{};
+                for (std::ptrdiff_t i = 0; i < rows.count; ++i) {
+                    const covered& of = rows.of[i];
+                    const u64 weight_of[] = {of.first_weight, of.last_weight, y_.dst};
+                    const s64 first_of[] = {of.first, of.last, of.first + 1};
+                    const std::ptrdiff_t count = part == between ? std::max<std::ptrdiff_t>(of.count() - 2, 0) : 1;
+                    factors.set_row(static_cast<int>(i), static_cast<u32>(weight_of[part]));
+                    add_rows(place(src, first_of[part], begin), src.stride, count, sums[i], n);
+                }
+                turn();
+                each_column(c, false,
+                            [&](std::ptrdiff_t k, const column_sums& sum) { totals[k] = totals[k] + sum * factors; });
+            }
+            for (std::ptrdiff_t k = 0; k < end - begin; ++k) totals[k].store_means(mean_, means + k * most_rows);
+            put(means, end - begin, out[c] + begin, out_s[c], rows.count);
+        }
+    }
+    static void put(const u8* means, std::ptrdiff_t n, u8* out, std::ptrdiff_t out_s, std::ptrdiff_t rows) {
+        constexpr std::ptrdiff_t most_rows = column_sums::rows, least = 32;  // that registers turn
+        u8 turned_means[most_rows][most];
+        transpose<1>(means, most_rows, turned_means[0], most, most_rows, std::max(n, least));
+        for (std::ptrdiff_t i = 0; i < rows; ++i)
+            std::memcpy(out + i * out_s, turned_means[i], static_cast<std::size_t>(n));
+    }
+
     /// As it is defined
-    u8 mean_of(const u8* p, std::ptrdiff_t stride, const covered& rows, const column& c) const {
+    u8 mean_of(const interleaved_plane& src, const covered& rows, std::ptrdiff_t i, int channel) const {
+        const column& c = columns_[i];
         u64 sum = 0;
         for (s64 t = rows.first; t <= rows.last; ++t) {
-            const u8* row = p + static_cast<std::ptrdiff_t>(t - rows.first) * stride;
+            const u8* row = place(src, t, i) + channel;
             u64 of_row = 0;
-            for (s64 s = c.first; s <= c.last; ++s)
+            for (u32 s = c.first; s <= c.last; ++s)
                 of_row += (s == c.first  ? c.first_weight
                            : s == c.last ? c.last_weight
                                          : x_.dst) *
-                          row[static_cast<std::ptrdiff_t>(s) * bytes_];
+                          row[(std::ptrdiff_t{s} - c.first) * bytes_];
             sum += (t == rows.first ? rows.first_weight : t == rows.last ? rows.last_weight : y_.dst) * of_row;
         }
-        return mean_.round(sum);
+        return mean_.rounded(sum);
     }
 
     const area_axis x_, y_;

@@ -102,7 +102,7 @@ public:
 
 private:
     // Tiles, of which a few rows stay in the nearest cache. Turned ones are squares of which registers turn blocks.
-    static constexpr std::ptrdiff_t most_pixels = 2048, rows_upright = 8, size_turned = 64;
+    static constexpr std::ptrdiff_t most_turned = 2048, size_turned = 64;
     std::ptrdiff_t resized_columns(std::ptrdiff_t columns) const {
         const int bytes = src_.format.kind == kind::packed ? 4 : 2;
         return std::min<std::ptrdiff_t>(columns, bilinear_columns::most / bytes);
@@ -110,15 +110,19 @@ private:
     const format& between() const { return formats[plan_.between]; }
 
     template <class Columns> void resize(std::ptrdiff_t begin, std::ptrdiff_t end) const {
-        const std::ptrdiff_t most = resized_columns(most_pixels / rows_upright);
-        tile<3 * most_pixels> memory;
-        for (std::ptrdiff_t x = 0; x < up_w_; x += most) {
-            const std::ptrdiff_t columns = std::min(most, up_w_ - x);
-            Columns from_source(src_, between(), {w_, h_, up_w_, up_h_}, x, columns);
-            for (std::ptrdiff_t y = begin & -2; y < end; y += rows_upright) {
-                const std::ptrdiff_t rows = std::min(rows_upright, end - y);
-                put_resized(from_source, memory, {x, y, columns, rows}, from(dst_, x, y),
-                            std::max(begin - y, std::ptrdiff_t{0}));
+        constexpr std::ptrdiff_t most_rows = Columns::rows_at_once;
+        const std::ptrdiff_t most = resized_columns(Columns::most);
+        tile<3 * Columns::most_pixels> memory;
+        for (std::ptrdiff_t top = begin & -2, bottom; top < end; top = bottom) {
+            bottom = Columns::all_columns_first && end - top > most_rows ? top + most_rows : end;
+            for (std::ptrdiff_t x = 0; x < up_w_; x += most) {
+                const std::ptrdiff_t columns = std::min(most, up_w_ - x);
+                Columns from_source(src_, between(), {w_, h_, up_w_, up_h_}, x, columns);
+                for (std::ptrdiff_t y = top; y < bottom; y += most_rows) {
+                    const std::ptrdiff_t rows = std::min(most_rows, bottom - y);
+                    put_resized(from_source, memory, {x, y, columns, rows}, from(dst_, x, y),
+                                std::max(begin - y, std::ptrdiff_t{0}));
+                }
             }
         }
     }
@@ -275,9 +279,9 @@ private:
         });
     }
     template <class Columns> void turn_resized(area all, const area (&parts)[3]) const {
-        tile<3 * most_pixels> memory;
-        tile<4 * most_pixels> upright;
-        constexpr std::ptrdiff_t columns = most_pixels / size_turned;
+        tile<3 * most_turned> memory;
+        tile<4 * most_turned> upright;
+        constexpr std::ptrdiff_t columns = most_turned / size_turned;
         for (std::ptrdiff_t x = 0; x < all.w; x += columns) {
             const std::ptrdiff_t n = std::min(columns, all.w - x);
             Columns from_source(src_, between(), {w_, h_, up_w_, up_h_}, all.x + x, n);

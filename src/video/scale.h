@@ -27,10 +27,25 @@ inline place_of_samples place_of(const format& f, int channel) {
     return {channel, 1, 0};
 }
 
+/// A channel of a row of interleaved samples
+inline void deal(const u8* row, place_of_samples from, u8* out, std::ptrdiff_t n) {
+    if (from.bytes == 1) {
+        std::memcpy(out, row, static_cast<std::size_t>(n));
+    } else if (from.bytes == 2) {
+        take(row, from.first, out, n);
+    } else {
+        u8 pairs[resized_part::most / 2];
+        take(row, from.first % 2, pairs, 2 * n);
+        take(pairs, from.first / 2, out, n);
+    }
+}
+
 /// Some columns of the planes of a picture in another size, between four samples
 class bilinear_columns {
 public:
     static constexpr int most = resized_part::most;  // bytes of source samples for as many columns
+    static constexpr std::ptrdiff_t most_pixels = 2048, rows_at_once = 8;
+    static constexpr bool all_columns_first = false;  // tables of columns serve all rows
 
     /// n columns from x on, where `dst` has the planes' sizes
     bilinear_columns(const picture& src, const format& dst, const sizes& s, std::ptrdiff_t x, std::ptrdiff_t n)
@@ -68,25 +83,11 @@ private:
             part.rows(caches_[channel],
                       {src_.p[from.plane], src_.s[from.plane], y, first + i, to, apart ? most : out_s[channel]},
                       static_cast<int>(n));
-            for (std::ptrdiff_t k = 0; k < n && apart; ++k) deal(pixels[k], channel, i + k, out, out_s);
+            for (std::ptrdiff_t k = 0; k < n && apart; ++k)
+                for (int c = channel; c < (channel ? 3 : 1); ++c)
+                    deal(pixels[k], place_of(src_.format, c), out[c] + (i + k) * out_s[c], columns(c));
         }
     }
-    /// A row of interleaved samples to their planes
-    void deal(u8* pixels, int channel, std::ptrdiff_t row, u8* const* out, const s32* out_s) const {
-        const std::ptrdiff_t n = columns(channel);
-        for (int c = channel; c < (channel ? 3 : 1); ++c) {
-            const place_of_samples from = place_of(src_.format, c);
-            u8* const to = out[c] + row * out_s[c];
-            if (from.bytes == 2) {
-                take(pixels, from.first, to, n);
-            } else {
-                u8 pairs[most / 2];
-                take(pixels, from.first % 2, pairs, 2 * n);
-                take(pairs, from.first / 2, to, n);
-            }
-        }
-    }
-
     const picture& src_;
     const format& dst_;
     const sizes chroma_sizes_;
@@ -99,6 +100,10 @@ private:
 /// The same by area
 class area_columns {
 public:
+    static constexpr int most = shrinking::most;
+    static constexpr std::ptrdiff_t most_pixels = 4096, rows_at_once = 32;  // of halved chroma as many as are added up
+    static constexpr bool all_columns_first = true;                         // memory is read as it comes
+
     area_columns(const picture& src, const format& dst, const sizes& s, std::ptrdiff_t x, std::ptrdiff_t n)
         : src_(src), dst_(dst), luma_(s.w, s.h, s.to_w, s.to_h, x, n, place_of(src.format, 0).bytes),
           chroma_(chroma_of(s.of_chroma(src.format, dst), dst.half_w ? x / 2 : x, dst.half_w ? (n + 1) / 2 : n)) {}
@@ -120,12 +125,18 @@ private:
               u8* const* out, const s32* out_s) const {
         const place_of_samples from = place_of(src_.format, channel);
         const int second = channels > 1 ? channel + 1 : channel;
+        if (columns.as_it_is()) {  // chroma, where only luma is shrunk
+            for (int c = channel; c < channel + channels; ++c)
+                for (std::ptrdiff_t i = 0; i < count; ++i)
+                    deal(src_.row(from.plane, y + i) + columns.first() * from.bytes, place_of(src_.format, c),
+                         out[c] + i * out_s[c], columns.count());
+            return;
+        }
         const interleaved_plane plane = {
             src_.p[from.plane], src_.s[from.plane], channels, {from.first, place_of(src_.format, second).first}};
-        for (std::ptrdiff_t i = 0; i < count; ++i) {
-            u8* const to[] = {out[channel] + i * out_s[channel], out[second] + i * out_s[second]};
-            columns.row(plane, y + i, to);
-        }
+        u8* const to[] = {out[channel], out[second]};
+        const s32 to_s[] = {out_s[channel], out_s[second]};
+        columns.rows(plane, y, count, to, to_s);
     }
 
     const picture& src_;

@@ -152,9 +152,10 @@ constexpr ratio same = {"", 1, 1, 1, 1};
 
 /// Every pair, with ways to turn, ratios, filters, matrices and bands in turn
 void add_pictures(std::vector<kernel>& turns, std::vector<kernel>& sizes) {
-    static constexpr ratio ratios[] = {{"3:2", 3, 2, 3, 2},   {"2:3", 2, 3, 2, 3},       {"2:1, 1:2", 2, 1, 1, 2},
-                                       {"5:1", 5, 1, 5, 1},   {"29:10", 29, 10, 9, 5},   {"1:3, 4:1", 1, 3, 4, 1},
-                                       {"12:1", 12, 1, 9, 1}, {"one column", 0, 1, 3, 2}};
+    static constexpr ratio ratios[] = {{"3:2", 3, 2, 3, 2},    {"2:3", 2, 3, 2, 3},        {"2:1, 1:2", 2, 1, 1, 2},
+                                       {"5:1", 5, 1, 5, 1},    {"29:10", 29, 10, 9, 5},    {"1:3, 4:1", 1, 3, 4, 1},
+                                       {"12:1", 12, 1, 9, 1},  {"one column", 0, 1, 3, 2}, {"251:10", 3, 2, 251, 10},
+                                       {"300:1", 3, 2, 300, 1}};
     int i = 0;
     for (const video_format& from : video_formats())
         for (const video_format& to : video_formats()) {
@@ -174,8 +175,8 @@ void add_pictures(std::vector<kernel>& turns, std::vector<kernel>& sizes) {
             if (to.packed() || (v.turn & 1 && to.half_w != to.half_h) || i % 3) v.turn = 0;
             v.dst_w = 1, v.filter = i / 2 % 2;
             sizes.push_back(placed_kernel(
-                v, from, to, ratios[i % 8],
-                i % 9 ? std::vector<shape>{{1, 1}, {3, 5}, {37, 11}} : std::vector<shape>{{259, 17}}, bands));
+                v, from, to, ratios[i % 10],
+                i % 11 ? std::vector<shape>{{1, 1}, {3, 5}, {37, 11}} : std::vector<shape>{{259, 17}}, bands));
         }
 }
 }  // namespace
