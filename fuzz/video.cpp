@@ -46,7 +46,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const shape s = {std::max(w, 1), 1 + in.byte() % 12};
     std::vector<int> bands(in.byte() % 4);
     for (int& rows : bands) rows = 1 + in.byte() % 5;
-    v.dst_w = from->resizable() && in.byte() % 2;
+    v.dst_w = to->bits == 8 && in.byte() % 2;
     ratio q = {"", 1, 1, 1, 1};
     if (v.dst_w) q = {"", in.byte() % 8, 1 + in.byte() % 4, in.byte() % 8, 1 + in.byte() % 4};
     fuzz::check(in, placed_kernel(v, *from, *to, q, {}, bands), s);

@@ -761,11 +761,13 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
          "{{top}, {top + src_stride}", "the lower neighbour is the next row whatever the ratio"),
     ],
     "src/resize/part_simd.h": [
-        ("n * bytes < lanes || w", "n * bytes < 2 || w", "strips narrower than a register are made in registers"),
+        ("n * f.bytes < lanes || w", "n * f.bytes < 2 || w", "strips narrower than a register are made in registers"),
         ("columns_.first -= start, columns_.last -= start;",
          "columns_.first -= start;", "the last columns of a strip are where they are in the picture"),
         ("shape.samples = start + n * Bytes;",
          "shape.samples = n * Bytes;", "tables of a strip end with its own columns"),
+        ("if (columns_.source_end(windows_) > unpacked::most) windows_ = 0;",
+         "", "more of a row is unpacked than there is room for"),
     ],
     "src/video/area.h": [
         ("{first, last, dst - begin.rest, p.rest ? p.rest : dst};",
@@ -775,6 +777,7 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("return quotient + ((n - 1 - (sum - quotient * n)) >> 31);",
          "return quotient;", "quotients lack what shifting cut off"),
         ("most_in_words = 257;", "most_in_words = 270;", "sums of bytes overflow 16 bits"),
+        ("std::min(most_bytes, most_unpacked / tallest)", "most_bytes", "more rows are unpacked than there is room for"),
         ("totals[k] + sum * factors;", "totals[k] + sum;", "rows of too many weights have none"),
     ],
     "src/video/area_scalar.h": [
@@ -810,7 +813,9 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
     "src/video/convert.cpp": [
         ("(src->ten && !src->rgb);", "src->ten;", "RGB of 10 bits becomes YUV of 8"),
         ("begin = std::max<s64>(begin, 0);", "", "bands begin above the picture"),
-        ("if (v.dst_w && (src.rgb || src.ten)) return false;", "", "samples of two bytes are resized as bytes"),
+        ("if (v.dst_w && dst.ten) return false;", "", "bytes are to become another size of 10 bits"),
+        ("(src->rgb ? dst : between)->cs", "between->cs", "RGB of another size has no transform of csc.h"),
+        ("src.cs == ZELT_CS_RGB565 ? find(ZELT_CS_RGBA8888) : &src;", "&src;", "RGB565 of another size is read as words again"),
         ("return !(v.turn & 1) || dst.half_w == dst.half_h;", "return true;", "4:2:2 is turned by 90 degrees"),
     ],
     "src/video/direct.h": [
@@ -855,6 +860,8 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
     "src/video/place.h": [
         ("const std::ptrdiff_t above = std::min<std::ptrdiff_t>(y, 2);",
          "const std::ptrdiff_t above = 0;", "smooth chroma of tiles begins anew"),
+        ("std::min((rows + 1) & -2, up_h_ - y);", "rows;", "chroma at a band's end is that of one row of RGB"),
+        ("resized_plan_.matrix = p.matrix_of_bytes;", "", "bytes of 10 bits are converted as words of 10"),
         ("resized_plan_.as_csc = p.between_as_csc;",
          "resized_plan_.as_csc = p.as_csc;", "resized pictures are converted as their sources would be"),
         ("for (std::ptrdiff_t top = begin & -2, bottom;",
@@ -889,8 +896,6 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
          "narrow_q6_even_odd(luma + chroma); }", "bright pixels wrap round"),
     ],
     "src/video/scale.h": [
-        ("return {1, 2, (channel == 2) != f.second};", "return {1, 2, channel == 2};", "NV21 is resized as NV12"),
-        ("{0, 4, 2 * channel - 1 - f.second};", "{0, 4, 2 * channel - 1};", "chroma of UYVY is its luma"),
         ("chroma_(axis_of(chroma_sizes_.w, chroma_sizes_.to_w), chroma_y_, chroma_sizes_.to_w, dst.half_w ? x / 2 : x,",
          "chroma_(axis_of(chroma_sizes_.w, chroma_sizes_.to_w), chroma_y_, chroma_sizes_.to_w, x,",
          "tiles of halved chroma begin twice as far"),
@@ -939,6 +944,12 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
          "k, y = std::min(i, h - rows);", "blocks reach beyond the right edge"),
         ("from = src + (n - at - step) * Bytes;",
          "from = src + (n - at - step) * Bytes + 1;", "reversed registers begin a byte late"),
+    ],
+    "src/video/unpack.h": [
+        ("return {1, 2, (channel == 2) != f.second};", "return {1, 2, channel == 2};", "NV21 is resized as NV12"),
+        ("{0, 4, 2 * channel - 1 - f.second};", "{0, 4, 2 * channel - 1};", "chroma of UYVY is its luma"),
+        ("((((v >> 6) + 2) >> 2) + 128)", "(((v >> 6) >> 2) + 128)", "10 bits are cut off on the way to another size"),
+        ("(f.cs == ZELT_CS_ARGB8888) +", "", "the alpha of ARGB is its red in another size"),
     ],
     "tools/zelt/compare.cpp": [
         ("d[1].psnr(), d[2].psnr(),", "d[2].psnr(), d[1].psnr(),", "PSNR of U and V change places"),

@@ -156,7 +156,10 @@
  *      (sum of across(s, x) down(t, y) sample(s, t) + w h / 2) / (w h)
  *
  *  cut off: the rounded mean, in integers, the same on every processor. It may enlarge, too, but makes blocks then.
- *  Sources of 10 bits and of RGB have no other sizes: convert to YUV of 8 bits first, or resize RGB by irsz.h.
+ *
+ *  R, G and B of a source are resized, and then converted. Samples of 10 bits are rounded to 8 first, divided by 4 as
+ *  between YUV formats: of another size they become what the formats of 8 bits would. There is no other size of 10
+ *  bits, since that would have no more than 8 of them.
  *
  *  **Turned.** With `turn` each plane of the destination is turned after it is converted, a plane of halved chroma as
  *  it is, of an odd picture too. Packed YUV is not turned, and formats with chroma halved one way only not by 90 or 270

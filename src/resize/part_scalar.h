@@ -17,6 +17,19 @@ struct strip_of_rows {
         return {{top}, {top + y.next * src_stride}, axis::phase(position), dst + i * dst_stride};
     }
 };
+
+/// How a plane has its pixels: bytes of one as it is resized and in the source, what makes a row of bytes of the
+/// source's where these differ, and the definition
+struct pixel_format {
+    int bytes, src_bytes;
+    void (*unpack)(const u8* src, u8* dst, std::ptrdiff_t pixels);
+    decltype(&scalar::resize_row<channels<1>>) resize_row;
+};
+template <class Format> constexpr pixel_format pixels_of() {
+    pixel_format f = {Format::dst_bytes, Format::src_bytes, nullptr, scalar::resize_row<Format>};
+    if constexpr (requires { Format::unpack; }) f.unpack = Format::unpack;
+    return f;
+}
 }  // namespace zelt::inline ZELT_LEVEL::rsz
 
 namespace zelt::inline ZELT_LEVEL::scalar {
@@ -29,23 +42,18 @@ public:
         explicit cache(const resized_part&) {}
     };
 
-    /// n columns from `first` on, of w; pixels of 1, 2 or 4 bytes
-    resized_part(const axis& x, const axis&, s64, s64 first, int n, int bytes)
-        : x_(x), first_(first), n_(n), bytes_(bytes) {}
+    /// n columns from `first` on, of w
+    resized_part(const axis& x, const axis&, s64, s64 first, int n, const rsz::pixel_format& f)
+        : x_(x), first_(first), n_(n), format_(f) {}
 
     void rows(cache&, const rsz::strip_of_rows& rows, int count) const {
-        for (int i = 0; i < count; ++i)
-            if (bytes_ == 1)
-                resize_row<rsz::channels<1>>(rows[i], x_, n_, first_);
-            else if (bytes_ == 2)
-                resize_row<rsz::channels<2>>(rows[i], x_, n_, first_);
-            else
-                resize_row<rsz::channels<4>>(rows[i], x_, n_, first_);
+        for (int i = 0; i < count; ++i) format_.resize_row(rows[i], x_, n_, first_);
     }
 
 private:
     axis x_;
     s64 first_;
-    int n_, bytes_;
+    int n_;
+    rsz::pixel_format format_;
 };
 }  // namespace zelt::inline ZELT_LEVEL::scalar

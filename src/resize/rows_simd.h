@@ -185,7 +185,9 @@ public:
     static constexpr int max_samples = Samples / planes / lanes * lanes;
     using source_row = const u8* [source_planes];
 
-    row_cache(const columns& c, int windows, filter_horizontal_fn filter) : source_(c, windows), filter_(filter) {}
+    template <class... Of>
+    row_cache(const columns& c, int windows, filter_horizontal_fn filter, const Of&... source)
+        : source_(c, windows, source...), filter_(filter) {}
 
     /// Sums of `row`, computed into the slot that does not hold `other` unless they are cached
     const s16xn* filtered(const columns c, const source_row& row, const source_row& other, const source_row& next) {

@@ -7,8 +7,8 @@
 // likewise. Bytes are added up down first, by registers along the rows. The sums, which are words, are then turned, so
 // that a register has a column's of as many rows, and added up across with the same weights for all.
 #include "video/area_scalar.h"
-#include "video/chroma.h"
 #include "video/turn.h"
+#include "video/unpack.h"
 #if ZELT_SIMD
 #include "video/area_simd.h"
 #endif
@@ -75,7 +75,7 @@ private:
 struct interleaved_plane {
     const u8* p;
     std::ptrdiff_t stride;
-    int channels, first[2];
+    int channels, first[3];
 };
 
 /// Some columns of a plane that is shrunk
@@ -84,8 +84,8 @@ public:
     static constexpr int most = 128;
 
     /// n columns from x on
-    shrinking(s64 w, s64 h, s64 to_w, s64 to_h, s64 x, std::ptrdiff_t n, int bytes)
-        : x_(w, to_w), y_(h, to_h), mean_(x_.src * y_.src), n_(n), bytes_(bytes),
+    shrinking(s64 w, s64 h, s64 to_w, s64 to_h, s64 x, std::ptrdiff_t n, const rsz::pixel_format& pixels)
+        : x_(w, to_w), y_(h, to_h), mean_(x_.src * y_.src), n_(n), bytes_(pixels.bytes), pixels_(pixels),
           start_(static_cast<s64>(x_.at(x).sample)) {
         area_axis::place at = x_.at(x);
         for (std::ptrdiff_t i = 0; i < n; ++i) {
@@ -95,9 +95,12 @@ public:
         }
     }
 
-    std::ptrdiff_t first() const { return static_cast<std::ptrdiff_t>(start_); }
     std::ptrdiff_t count() const { return n_; }
     bool as_it_is() const { return x_.src * y_.src == 1 && x_.dst * y_.dst == 1; }
+    /// A row of these columns, as it is or in memory
+    const u8* bytes(const interleaved_plane& src, s64 row, u8* memory) const {
+        return bytes_at(src, row, 1, 0, n_ * bytes_, memory).p;
+    }
 
     /// Rows of each channel from y on
     void rows(const interleaved_plane& src, s64 y, std::ptrdiff_t count, u8* const* out, const s32* out_s) const {
@@ -105,16 +108,19 @@ public:
         area_axis::place at = y_.at(y);
         for (std::ptrdiff_t top = 0; top < count; top += most_rows) {
             covered_rows rows = {{}, std::min(count - top, most_rows)};
-            bool fits = mean_.fits();
+            std::ptrdiff_t tallest = 0;
             for (std::ptrdiff_t i = 0; i < rows.count; ++i) {
                 rows.of[i] = y_.next(at);
-                fits = fits && rows.of[i].count() <= most_in_words;
+                tallest = std::max(tallest, rows.of[i].count());
             }
-            u8* to[2];
+            const bool fits = mean_.fits() && tallest <= most_in_words;
+            const std::ptrdiff_t most_here =
+                pixels_.unpack ? std::min(most_bytes, most_unpacked / tallest) : most_bytes;
+            u8* to[3];
             for (int c = 0; c < src.channels; ++c) to[c] = out[c] + top * out_s[c];
             for (std::ptrdiff_t i = 0, end; i < n_; i = end) {
                 end = i;
-                while (fits && end < n_ && bytes_of(i, end + 1) <= most_bytes) ++end;
+                while (fits && end < n_ && bytes_of(i, end + 1) <= most_here) ++end;
                 if (end > i) {
                     add_up(src, rows, i, end, to, out_s);
                     continue;
@@ -128,8 +134,9 @@ public:
     }
 
 private:
-    static constexpr std::ptrdiff_t most_bytes = 384;  // of a source row that is added up at once
-    static constexpr int most_in_words = 257;          // bytes whose sum fits a word
+    static constexpr std::ptrdiff_t most_bytes = 384;      // of a source row that is added up at once
+    static constexpr std::ptrdiff_t most_unpacked = 8192;  // of all rows that a row of the destination covers
+    static constexpr int most_in_words = 257;              // bytes whose sum fits a word
     static constexpr std::ptrdiff_t most_means = most * column_sums::rows + 32;  // stored by registers
     struct column {
         u32 first, last, first_weight, last_weight;  // from start_ on
@@ -144,7 +151,20 @@ private:
     }
     const u8* place(const interleaved_plane& src, s64 row, std::ptrdiff_t i) const {
         return src.p + static_cast<std::ptrdiff_t>(row) * src.stride +
-               static_cast<std::ptrdiff_t>(start_ + columns_[i].first) * bytes_;
+               static_cast<std::ptrdiff_t>(start_ + columns_[i].first) * pixels_.src_bytes;
+    }
+
+    struct rows_of_bytes {
+        const u8* p;
+        std::ptrdiff_t stride;
+    };
+    /// n bytes of some rows from a column on, as they are or in memory
+    rows_of_bytes bytes_at(const interleaved_plane& src, s64 row, std::ptrdiff_t rows, std::ptrdiff_t column,
+                           std::ptrdiff_t n, u8* memory) const {
+        const u8* p = place(src, row, column);
+        if (!pixels_.unpack) return {p, src.stride};
+        for (std::ptrdiff_t i = 0; i < rows; ++i) pixels_.unpack(p + i * src.stride, memory + i * n, n / bytes_);
+        return {memory, n};
     }
 
     // ------------------------------------------------------------------------------------------------- down, in words
@@ -161,21 +181,21 @@ private:
         return sum + widen(v);
     }
     /// n bytes of rows
-    static void add_rows(const u8* p, std::ptrdiff_t stride, std::ptrdiff_t count, s16* sums, std::ptrdiff_t n) {
+    static void add_rows(rows_of_bytes rows, std::ptrdiff_t count, s16* sums, std::ptrdiff_t n) {
         for_each(n, [=](auto v, std::ptrdiff_t i) {
-            store_widened(sums + i, sum_of_rows<decltype(v)>(p + i, stride, count));
+            store_widened(sums + i, sum_of_rows<decltype(v)>(rows.p + i, rows.stride, count));
         });
     }
-    void weigh_rows(const u8* p, std::ptrdiff_t stride, const covered& rows, s16* sums, std::ptrdiff_t n) const {
+    void weigh_rows(rows_of_bytes from, const covered& rows, s16* sums, std::ptrdiff_t n) const {
         const int weight = static_cast<int>(y_.dst), upper = static_cast<int>(rows.first_weight),
                   lower = static_cast<int>(rows.last_weight);
-        const u8* last = p + (rows.count() - 1) * stride;
-        for_each(n, [=, between = rows.count() - 2](auto v, std::ptrdiff_t i) {
+        const u8 *first = from.p, *last = first + (rows.count() - 1) * from.stride;
+        for_each(n, [=, stride = from.stride, between = rows.count() - 2](auto v, std::ptrdiff_t i) {
             using V = decltype(v);
             V w;
-            load(p + i, v), load(last + i, w);
+            load(first + i, v), load(last + i, w);
             wide_of<V> sum = widen(v) * upper + widen(w) * lower;
-            if (between > 0) sum = sum + sum_of_rows<V>(p + stride + i, stride, between) * weight;
+            if (between > 0) sum = sum + sum_of_rows<V>(first + stride + i, stride, between) * weight;
             store_widened(sums + i, sum);
         });
     }
@@ -208,7 +228,7 @@ private:
         enum { upper, lower, between, weights };
         alignas(64) s16 sums[most_rows][most_bytes];
         alignas(64) u16 turned_sums[most_bytes * most_rows];
-        u8 means[most_means];
+        u8 means[most_means], memory[most_unpacked];
         const std::ptrdiff_t n = bytes_of(begin, end);
         const auto turn = [&] {
             transpose<2>(reinterpret_cast<const u8*>(sums), sizeof sums[0], reinterpret_cast<u8*>(turned_sums),
@@ -222,9 +242,9 @@ private:
         };
         if (y_.src <= most_in_words) {
             for (std::ptrdiff_t i = 0; i < rows.count; ++i) {
-                const u8* p = place(src, rows.of[i].first, begin);
-                y_.whole() ? add_rows(p, src.stride, rows.of[i].count(), sums[i], n)
-                           : weigh_rows(p, src.stride, rows.of[i], sums[i], n);
+                const covered& of = rows.of[i];
+                const rows_of_bytes from = bytes_at(src, of.first, of.count(), begin, n, memory);
+                y_.whole() ? add_rows(from, of.count(), sums[i], n) : weigh_rows(from, of, sums[i], n);
             }
             turn();
             for (int c = 0; c < src.channels; ++c) {
@@ -246,7 +266,7 @@ private:
                     const s64 first_of[] = {of.first, of.last, of.first + 1};
                     const std::ptrdiff_t count = part == between ? std::max<std::ptrdiff_t>(of.count() - 2, 0) : 1;
                     factors.set_row(static_cast<int>(i), static_cast<u32>(weight_of[part]));
-                    add_rows(place(src, first_of[part], begin), src.stride, count, sums[i], n);
+                    add_rows(bytes_at(src, first_of[part], count, begin, n, memory), count, sums[i], n);
                 }
                 turn();
                 each_column(c, false,
@@ -269,13 +289,16 @@ private:
         const column& c = columns_[i];
         u64 sum = 0;
         for (s64 t = rows.first; t <= rows.last; ++t) {
-            const u8* row = place(src, t, i) + channel;
+            const u8* p = place(src, t, i);
             u64 of_row = 0;
-            for (u32 s = c.first; s <= c.last; ++s)
+            for (u32 s = c.first; s <= c.last; ++s, p += pixels_.src_bytes) {
+                u8 pixel[4];
+                if (pixels_.unpack) pixels_.unpack(p, pixel, 1);
                 of_row += (s == c.first  ? c.first_weight
                            : s == c.last ? c.last_weight
                                          : x_.dst) *
-                          row[(std::ptrdiff_t{s} - c.first) * bytes_];
+                          (pixels_.unpack ? pixel : p)[channel];
+            }
             sum += (t == rows.first ? rows.first_weight : t == rows.last ? rows.last_weight : y_.dst) * of_row;
         }
         return mean_.rounded(sum);
@@ -285,6 +308,7 @@ private:
     const divisor mean_;
     const std::ptrdiff_t n_;
     const int bytes_;
+    const rsz::pixel_format pixels_;
     const s64 start_;  // source column where they begin
     column columns_[most];
 };

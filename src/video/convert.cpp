@@ -12,16 +12,18 @@ using namespace zelt::video;
 static_assert(sizeof(plan) <= sizeof(ZELT_VIDEO::state));
 
 namespace {
-/// Pixels that share a sample must do so when they are turned, too. Only planes of bytes are resized.
-bool can_place(const ZELT_VIDEO& v, const format& src, const format& dst) {
+/// Pixels that share a sample must do so when they are turned, too. Other sizes are made of bytes.
+bool can_place(const ZELT_VIDEO& v, const format& dst) {
     if (v.filter < 0 || v.filter > 1 || v.turn < 0 || v.turn > 7) return false;
     if (v.dst_w < 0 || v.dst_h < 0 || (v.dst_w > 0) != (v.dst_h > 0)) return false;
-    if (v.dst_w && (src.rgb || src.ten)) return false;
+    if (v.dst_w && dst.ten) return false;
     if (v.turn && dst.kind == kind::packed) return false;
     return !(v.turn & 1) || dst.half_w == dst.half_h;
 }
-/// Planes with as many samples as the destination has
-const format* planes_between(const format& src, const format& dst) {
+/// Planes with as many samples as the destination has, or bytes of RGB
+const format* planes_between(const format& src, const format& dst, s32 filter) {
+    if (src.rgb && filter == ZELT_VIDEO_AREA) return find(ZELT_CS_R8G8B8);
+    if (src.rgb) return src.cs == ZELT_CS_RGB565 ? find(ZELT_CS_RGBA8888) : &src;
     if (src.kind == kind::grey || dst.kind == kind::grey) return find(ZELT_CS_YUV400);
     if (!dst.half_w) return find(dst.half_h ? ZELT_CS_YUV440 : ZELT_CS_YUV444);
     return find(dst.half_h ? ZELT_CS_YUV420 : ZELT_CS_YUV422);
@@ -35,7 +37,7 @@ s32 make_plan(const ZELT_VIDEO& v, plan& p) {
     if (!src || !dst || (src->rgb && dst->rgb) || !depths_fit() || !below(v.matrix, 3) || !below(v.range, 2) ||
         !below(v.chroma, 2))
         return ZELT_ERR_UNSUPPORTED;
-    if (!can_place(v, *src, *dst)) return ZELT_ERR_UNSUPPORTED;
+    if (!can_place(v, *dst)) return ZELT_ERR_UNSUPPORTED;
     for (const s32 later : v.reserved)
         if (later) return ZELT_ERR_UNSUPPORTED;
     p.src = static_cast<s32>(src - formats);
@@ -44,11 +46,12 @@ s32 make_plan(const ZELT_VIDEO& v, plan& p) {
     const s32 yuv = dst->rgb ? v.src_cs : v.dst_cs;
     const bool csc = (src->rgb || dst->rgb) && v.range == ZELT_VIDEO_FULL && v.matrix == ZELT_VIDEO_BT601;
     p.as_csc = csc && yuv == ZELT_CS_YUV444;
-    const format* between = planes_between(*src, *dst);
+    const format* between = planes_between(*src, *dst, v.filter);
     p.between = static_cast<s32>(between - formats);
-    p.between_as_csc = csc && between->cs == ZELT_CS_YUV444;
+    p.between_as_csc = csc && (src->rgb ? dst : between)->cs == ZELT_CS_YUV444;
     p.filter = v.filter, p.dst_w = v.dst_w, p.dst_h = v.dst_h, p.turn = v.turn;
     p.matrix = matrices.of[src->ten + (src->ten && dst->ten)][v.matrix][v.range];
+    p.matrix_of_bytes = matrices.of[0][v.matrix][v.range];
     p.back = back_matrices[v.matrix][v.range];
     p.ten_back = ten_back_matrices[v.matrix][v.range];
     p.ready = 1;

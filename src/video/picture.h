@@ -12,7 +12,7 @@ struct plan {
     // Of other sizes, what the source's planes become before they are converted, and as_csc from there
     s32 between, between_as_csc;
     s32 filter, dst_w, dst_h, turn;
-    video::matrix matrix;
+    video::matrix matrix, matrix_of_bytes;
     back_matrix back;
     ten_back_matrix ten_back;
 };

@@ -86,6 +86,7 @@ public:
         resized_ = up_w_ != w || up_h_ != h;
         resized_plan_ = p;
         resized_plan_.src = p.between, resized_plan_.smooth = 0, resized_plan_.as_csc = p.between_as_csc;
+        resized_plan_.matrix = p.matrix_of_bytes;
     }
     std::ptrdiff_t rows() const { return way_.exchanged ? up_w_ : up_h_; }
 
@@ -103,16 +104,13 @@ public:
 private:
     // Tiles, of which a few rows stay in the nearest cache. Turned ones are squares of which registers turn blocks.
     static constexpr std::ptrdiff_t most_turned = 2048, size_turned = 64;
-    std::ptrdiff_t resized_columns(std::ptrdiff_t columns) const {
-        const int bytes = src_.format.kind == kind::packed ? 4 : 2;
-        return std::min<std::ptrdiff_t>(columns, bilinear_columns::most / bytes);
-    }
     const format& between() const { return formats[plan_.between]; }
 
     template <class Columns> void resize(std::ptrdiff_t begin, std::ptrdiff_t end) const {
         constexpr std::ptrdiff_t most_rows = Columns::rows_at_once;
-        const std::ptrdiff_t most = resized_columns(Columns::most);
-        tile<3 * Columns::most_pixels> memory;
+        const int bytes = std::max(place_of(src_.format, 0).bytes, place_of(src_.format, 1).bytes);
+        const std::ptrdiff_t most = std::min<std::ptrdiff_t>(Columns::most, resized_part::most / bytes & -2);
+        tile<Columns::most_bytes> memory;
         for (std::ptrdiff_t top = begin & -2, bottom; top < end; top = bottom) {
             bottom = Columns::all_columns_first && end - top > most_rows ? top + most_rows : end;
             for (std::ptrdiff_t x = 0; x < up_w_; x += most) {
@@ -120,19 +118,21 @@ private:
                 Columns from_source(src_, between(), {w_, h_, up_w_, up_h_}, x, columns);
                 for (std::ptrdiff_t y = top; y < bottom; y += most_rows) {
                     const std::ptrdiff_t rows = std::min(most_rows, bottom - y);
-                    put_resized(from_source, memory, {x, y, columns, rows}, from(dst_, x, y),
-                                std::max(begin - y, std::ptrdiff_t{0}));
+                    const std::ptrdiff_t with_next = std::min((rows + 1) & -2, up_h_ - y);
+                    put_resized(from_source, memory, {x, y, columns, with_next}, from(dst_, x, y),
+                                std::max(begin - y, std::ptrdiff_t{0}), rows);
                 }
             }
         }
     }
-    /// A tile's rows from one on
+    /// Some of a tile's rows
     template <class Columns, class Memory>
-    void put_resized(Columns& columns, Memory& memory, area t, const plane_list& out, std::ptrdiff_t begin) const {
+    void put_resized(Columns& columns, Memory& memory, area t, const plane_list& out, std::ptrdiff_t begin,
+                     std::ptrdiff_t end) const {
         const plane_list planes = memory.planes(between(), t.w, t.h);
         u8* const p[] = {planes.row(0, 0), planes.row(1, 0), planes.row(2, 0)};
         columns.rows(t.y, t.h, p, planes.s);
-        convert_band(resized_plan_, planes, out, {t.w, t.h, begin, t.h, t.w});
+        convert_band(resized_plan_, planes, out, {t.w, t.h, begin, end, t.w});
     }
 
     // ------------------------------------------------------------------------------------------------------- turned
@@ -279,7 +279,7 @@ private:
         });
     }
     template <class Columns> void turn_resized(area all, const area (&parts)[3]) const {
-        tile<3 * most_turned> memory;
+        tile<4 * most_turned> memory;
         tile<4 * most_turned> upright;
         constexpr std::ptrdiff_t columns = most_turned / size_turned;
         for (std::ptrdiff_t x = 0; x < all.w; x += columns) {
@@ -288,7 +288,7 @@ private:
             for (std::ptrdiff_t y = 0; y < all.h; y += size_turned) {
                 const area t = {all.x + x, all.y + y, n, std::min(size_turned, all.h - y)};
                 const plane_list out = upright.planes(dst_.format, t.w, t.h);
-                put_resized(from_source, memory, t, out, 0);
+                put_resized(from_source, memory, t, out, 0, t.h);
                 put_parts(t, parts, out, 0);
             }
         }

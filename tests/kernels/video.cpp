@@ -203,6 +203,14 @@ double read(const video_format& f, const view* planes, int channel, int x, int y
     const u8* p = sample(f, planes, channel, x, y);
     return f.bits == 8 ? p[0] : ((p[0] | p[1] << 8) >> f.above & 1023) / 4.0;
 }
+}  // namespace
+
+int byte_of(const video_format& f, const view* planes, int channel, int x, int y) {
+    if (!f.channels()) return read_rgb(f, planes, x, y).v[channel];
+    return static_cast<int>(std::min(read(f, planes, channel, x, y) + 0.5, 255.0));
+}
+
+namespace {
 void write_word(u8* p, int word) { p[0] = static_cast<u8>(word), p[1] = static_cast<u8>(word >> 8); }
 void write(const video_format& f, const view* planes, int channel, int x, int y, double value) {
     u8* p = sample(f, planes, channel, x, y);

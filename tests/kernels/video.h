@@ -15,13 +15,15 @@ struct video_format {
 
     int channels() const;  // 0 of RGB formats
     bool packed() const { return channels() && samples[0].step == (bits > 8 ? 4 : 2); }
-    bool resizable() const { return channels() && bits == 8; }
     std::vector<operand> operands(shape s, bool written) const;
 };
 const std::vector<video_format>& video_formats();
 
 /// Whether there is a conversion
 bool converts(const video_format& from, const video_format& to);
+
+/// Y, U, V or R, G, B of a place as the bytes that other sizes are made of; of Y, U, V that of one channel
+int byte_of(const video_format& f, const view* planes, int channel, int x, int y);
 
 /// What a record gives of a picture, its planes in front of the destination's
 void model_video(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes);

@@ -57,10 +57,6 @@ struct held {
         for (const operand& o : f.operands(s, false)) planes.push_back({memory[i++].data(), o.width});
     }
 };
-u8& sample(const video_format& f, const view* planes, int channel, int x, int y) {
-    const auto& at = f.samples[channel];
-    return planes[at.plane].p[y * planes[at.plane].stride + at.first + x * at.step];
-}
 shape halved(shape s, const video_format& f) { return {(s.w + f.half_w) >> f.half_w, (s.h + f.half_h) >> f.half_h}; }
 
 /// The rounded mean of what a sample covers, by the lengths of all overlaps
@@ -92,16 +88,17 @@ void model_placed(const ZELT_VIDEO& v, const video_format& from, shape s, const 
         model_video(v, from, to, s, all.data());
     } else {
         const auto has = [&](const video_format& f) {
+            if (!from.channels()) return f.cs == ZELT_CS_R8G8B8;
             if (from.channels() == 1 || to.channels() == 1) return f.channels() == 1;
             return f.channels() == 3 && f.bits == 8 && f.half_w == to.half_w && f.half_h == to.half_h;
         };
         const video_format& between = *std::ranges::find_if(video_formats(), has);  // planar ones come first
         held resized(between, upright);
-        for (int c = 0; c < between.channels(); ++c) {
+        for (int c = 0; c < static_cast<int>(resized.planes.size()); ++c) {
             const shape size = c ? halved(s, from) : s, new_size = c ? halved(upright, between) : upright;
             std::vector<u8> plane;
             for (int y = 0; y < size.h; ++y)
-                for (int x = 0; x < size.w; ++x) plane.push_back(sample(from, planes, c, x, y));
+                for (int x = 0; x < size.w; ++x) plane.push_back(static_cast<u8>(byte_of(from, planes, c, x, y)));
             const view src = {plane.data(), size.w}, dst = resized.planes[static_cast<std::size_t>(c)];
             if (v.filter == ZELT_VIDEO_AREA)
                 model_area(src, size, dst, new_size);
@@ -152,10 +149,10 @@ constexpr ratio same = {"", 1, 1, 1, 1};
 
 /// Every pair, with ways to turn, ratios, filters, matrices and bands in turn
 void add_pictures(std::vector<kernel>& turns, std::vector<kernel>& sizes) {
-    static constexpr ratio ratios[] = {{"3:2", 3, 2, 3, 2},    {"2:3", 2, 3, 2, 3},        {"2:1, 1:2", 2, 1, 1, 2},
-                                       {"5:1", 5, 1, 5, 1},    {"29:10", 29, 10, 9, 5},    {"1:3, 4:1", 1, 3, 4, 1},
-                                       {"12:1", 12, 1, 9, 1},  {"one column", 0, 1, 3, 2}, {"251:10", 3, 2, 251, 10},
-                                       {"300:1", 3, 2, 300, 1}};
+    static constexpr ratio ratios[] = {{"3:2", 3, 2, 3, 2},       {"2:3", 2, 3, 2, 3},        {"2:1, 1:2", 2, 1, 1, 2},
+                                       {"5:1", 5, 1, 5, 1},       {"29:10", 29, 10, 9, 5},    {"1:3, 4:1", 1, 3, 4, 1},
+                                       {"12:1", 12, 1, 9, 1},     {"one column", 0, 1, 3, 2}, {"251:10", 3, 2, 251, 10},
+                                       {"300 rows", 0, 1, 300, 1}};
     int i = 0;
     for (const video_format& from : video_formats())
         for (const video_format& to : video_formats()) {
@@ -171,12 +168,13 @@ void add_pictures(std::vector<kernel>& turns, std::vector<kernel>& sizes) {
                     v, from, to, same,
                     i % 10 ? std::vector<shape>{{1, 1}, {3, 6}, {33, 18}} : std::vector<shape>{{67, 131}}, bands));
             }
-            if (!from.resizable()) continue;
+            if (to.bits > 8) continue;
             if (to.packed() || (v.turn & 1 && to.half_w != to.half_h) || i % 3) v.turn = 0;
             v.dst_w = 1, v.filter = i / 2 % 2;
-            sizes.push_back(placed_kernel(
-                v, from, to, ratios[i % 10],
-                i % 11 ? std::vector<shape>{{1, 1}, {3, 5}, {37, 11}} : std::vector<shape>{{259, 17}}, bands));
+            sizes.push_back(placed_kernel(v, from, to, ratios[i % 10],
+                                          i % 11 || i % 10 > 5 ? std::vector<shape>{{1, 1}, {3, 5}, {37, 11}}
+                                                               : std::vector<shape>{{259, 17}},
+                                          bands));
         }
 }
 }  // namespace
