@@ -5,7 +5,8 @@
 //
 // where across(s, x) is how much of source column s, from s W to (s + 1) W, is in x w to (x + 1) w, and down(t, y)
 // likewise. Bytes are added up down first, by registers along the rows. The sums, which are words, are then turned, so
-// that a register has a column's of as many rows, and added up across with the same weights for all.
+// that a register has a column's of as many rows, and added up across with the same weights for all. Halves are made of
+// pairs as they are.
 #include "video/area_scalar.h"
 #include "video/turn.h"
 #include "video/unpack.h"
@@ -31,6 +32,9 @@ struct area_axis {
     area_axis(s64 from, s64 to)
         : src(static_cast<u64>(from / std::gcd(from, to))), dst(static_cast<u64>(to / std::gcd(from, to))) {}
     bool whole() const { return dst == 1; }
+    bool halves() const { return dst == 1 && src == 2; }
+    /// How many of the destination so many of the source make up at least, wherever they begin
+    s64 within(s64 n) const { return n > 2 ? (n - 2) * static_cast<s64>(dst) / static_cast<s64>(src) : 0; }
 
     /// Where a destination sample begins: in this source sample, after so much of it
     struct place {
@@ -52,7 +56,11 @@ class divisor {
 public:
     explicit divisor(u64 n)
         : n_(n), shift_(std::max(static_cast<int>(std::bit_width(n)), 8) - 8),
-          factor_(static_cast<u32>((u64{1} << 22 << shift_) / n)) {}
+          factor_(static_cast<u32>((u64{1} << 22 << shift_) / n)), words_{static_cast<int>(n), 0, 0} {
+        if (!words_fit()) return;
+        while ((131072 << words_.shift) / words_.n < 32767) ++words_.shift;
+        words_.factor = (65536 << words_.shift) / words_.n + 1;
+    }
     /// Whether sums fit 32 bits
     bool fits() const { return n_ <= 1 << 24; }
     /// Of such, one or a register of them. The first quotient lacks at most 1: what shifting cuts off is less than
@@ -65,10 +73,18 @@ public:
     }
     u8 rounded(u64 sum) const { return static_cast<u8>((sum + n_ / 2) / n_); }
 
+    /// Whether sums fit words, and then a factor of 15 bits, too large by less than 1, with 16 + shift fractional ones
+    bool words_fit() const { return n_ > 2 && n_ <= 256; }
+    struct of_words {
+        int n, shift, factor;
+    };
+    const of_words& words() const { return words_; }
+
 private:
     u64 n_;
     int shift_;
     u32 factor_;
+    of_words words_;
 };
 
 /// Interleaved samples, of which some channels are wanted
@@ -104,6 +120,7 @@ public:
 
     /// Rows of each channel from y on
     void rows(const interleaved_plane& src, s64 y, std::ptrdiff_t count, u8* const* out, const s32* out_s) const {
+        if (x_.halves() && y_.halves() && bytes_ < 3 && !pixels_.unpack) return halve(src, y, count, out, out_s);
         constexpr std::ptrdiff_t most_rows = column_sums::rows;
         area_axis::place at = y_.at(y);
         for (std::ptrdiff_t top = 0; top < count; top += most_rows) {
@@ -118,8 +135,9 @@ public:
                 pixels_.unpack ? std::min(most_bytes, most_unpacked / tallest) : most_bytes;
             u8* to[3];
             for (int c = 0; c < src.channels; ++c) to[c] = out[c] + top * out_s[c];
+            const s64 at_least = fits ? x_.within(most_here / bytes_) : 0;
             for (std::ptrdiff_t i = 0, end; i < n_; i = end) {
-                end = i;
+                end = static_cast<std::ptrdiff_t>(std::min<s64>(n_, i + at_least));
                 while (fits && end < n_ && bytes_of(i, end + 1) <= most_here) ++end;
                 if (end > i) {
                     add_up(src, rows, i, end, to, out_s);
@@ -152,6 +170,40 @@ private:
     const u8* place(const interleaved_plane& src, s64 row, std::ptrdiff_t i) const {
         return src.p + static_cast<std::ptrdiff_t>(row) * src.stride +
                static_cast<std::ptrdiff_t>(start_ + columns_[i].first) * pixels_.src_bytes;
+    }
+
+    // --------------------------------------------------------------------------------------------------------- halves
+
+    template <class V> static V mean_of_four(const V (&upper)[2], const V (&lower)[2]) {
+        const auto pairs = [&](int i) { return add_pair_sums(pair_sums(upper[i]), lower[i]); };
+        return narrow_ordered((both_halves(pairs(0), pairs(1)) + 2) >> 2);
+    }
+    void halve(const interleaved_plane& src, s64 y, std::ptrdiff_t count, u8* const* out, const s32* out_s) const {
+        for (std::ptrdiff_t i = 0; i < count; ++i) {
+            const u8 *upper = place(src, 2 * (y + i), 0), *lower = upper + src.stride;
+            u8* const first = out[0] + i * out_s[0];
+            if (bytes_ == 1) {
+                for_each(n_, [=](auto v, std::ptrdiff_t k) {
+                    constexpr std::ptrdiff_t next = sizeof v;
+                    decltype(v) a[2], b[2];
+                    load(upper + 2 * k, a[0]), load(upper + 2 * k + next, a[1]);
+                    load(lower + 2 * k, b[0]), load(lower + 2 * k + next, b[1]);
+                    store(first + k, mean_of_four(a, b));
+                });
+                continue;
+            }
+            u8* const second = src.channels > 1 ? out[1] + i * out_s[1] : nullptr;
+            const bool odd_first = src.first[0] > 0;
+            for_each(n_, [=](auto v, std::ptrdiff_t k) {
+                constexpr std::ptrdiff_t next = 2 * sizeof v;
+                decltype(v) a[2], b[2], c[2], d[2];  // the even bytes of both rows, the odd ones
+                load2(upper + 4 * k, a[0], c[0]), load2(upper + 4 * k + next, a[1], c[1]);
+                load2(lower + 4 * k, b[0], d[0]), load2(lower + 4 * k + next, b[1], d[1]);
+                const auto even = mean_of_four(a, b), odd = mean_of_four(c, d);
+                store(first + k, odd_first ? odd : even);
+                if (second) store(second + k, odd_first ? even : odd);
+            });
+        }
     }
 
     struct rows_of_bytes {
@@ -203,8 +255,8 @@ private:
     // --------------------------------------------------------------------------------------------------------- across
 
     template <class Sum> Sum sum_across(const u16* p, const column& c) const {
-        const std::ptrdiff_t step = bytes_ * std::ptrdiff_t{column_sums::rows},
-                             count = std::ptrdiff_t{c.last} - c.first + 1;
+        const std::ptrdiff_t step = bytes_ * std::ptrdiff_t{column_sums::rows};
+        const auto count = static_cast<std::ptrdiff_t>(c.last - c.first) + 1;
         const auto sum_of = [step](const u16* first, std::ptrdiff_t left) {
             Sum sum(first);
             while (--left > 0) sum = sum + Sum(first += step);
@@ -216,8 +268,14 @@ private:
         if (count > 2) sum = sum + sum_of(p + step, count - 2) * static_cast<u32>(x_.dst);
         return sum;
     }
-    column_sums across(const u16* p, const column& c, bool in_words) const {
-        return in_words ? column_sums(sum_across<column_words>(p, c)) : sum_across<column_sums>(p, c);
+
+    /// Calls body(k, sum) for columns from begin to end.
+    template <class Sum, class Body>
+    void each_column(const u16* p, std::ptrdiff_t begin, std::ptrdiff_t end, Body body) const {
+        for (std::ptrdiff_t k = begin; k < end; ++k) {
+            const auto at = static_cast<std::ptrdiff_t>(columns_[k].first - columns_[begin].first) * bytes_;
+            body(k - begin, sum_across<Sum>(p + at * column_sums::rows, columns_[k]));
+        }
     }
 
     /// Columns from begin to end, of rows whose sums fit words. If they would not with their weights, rows of each
@@ -234,12 +292,6 @@ private:
             transpose<2>(reinterpret_cast<const u8*>(sums), sizeof sums[0], reinterpret_cast<u8*>(turned_sums),
                          sizeof(u16) * most_rows, std::max<std::ptrdiff_t>(n, 8), most_rows);
         };
-        const auto each_column = [&](int channel, bool in_words, auto body) {
-            for (std::ptrdiff_t k = begin; k < end; ++k) {
-                const std::ptrdiff_t at = std::ptrdiff_t{columns_[k].first - columns_[begin].first} * bytes_;
-                body(k - begin, across(turned_sums + (at + src.first[channel]) * most_rows, columns_[k], in_words));
-            }
-        };
         if (y_.src <= most_in_words) {
             for (std::ptrdiff_t i = 0; i < rows.count; ++i) {
                 const covered& of = rows.of[i];
@@ -248,9 +300,12 @@ private:
             }
             turn();
             for (int c = 0; c < src.channels; ++c) {
-                each_column(c, x_.src * y_.src <= most_in_words, [&](std::ptrdiff_t k, const column_sums& sum) {
+                const auto store = [&](std::ptrdiff_t k, const auto& sum) {
                     sum.store_means(mean_, means + k * most_rows);
-                });
+                };
+                const u16* from = turned_sums + src.first[c] * most_rows;
+                mean_.words_fit() ? each_column<column_words>(from, begin, end, store)
+                                  : each_column<column_sums>(from, begin, end, store);
                 put(means, end - begin, out[c] + begin, out_s[c], rows.count);
             }
             return;
@@ -269,8 +324,8 @@ private:
                     add_rows(bytes_at(src, first_of[part], count, begin, n, memory), count, sums[i], n);
                 }
                 turn();
-                each_column(c, false,
-                            [&](std::ptrdiff_t k, const column_sums& sum) { totals[k] = totals[k] + sum * factors; });
+                const auto add = [&](std::ptrdiff_t k, const auto& sum) { totals[k] = totals[k] + sum * factors; };
+                each_column<column_sums>(turned_sums + src.first[c] * most_rows, begin, end, add);
             }
             for (std::ptrdiff_t k = 0; k < end - begin; ++k) totals[k].store_means(mean_, means + k * most_rows);
             put(means, end - begin, out[c] + begin, out_s[c], rows.count);

@@ -19,6 +19,15 @@ struct column_words {
         for (u16xn& words : a.v) words *= static_cast<u16>(b);
         return a;
     }
+    /// A byte of each row, and up to a whole register is stored. Halves are rounded up, so that the first quotient is
+    /// never too small, and with what the factor and the product's rounding add too large by less than 1.
+    template <class Divisor> void store_means(const Divisor& divisor, u8* p) const {
+        const auto by = divisor.words();
+        const auto half = [=](u16xn sum) { return (s16xn)((sum + static_cast<u16>(by.n / 2 + 1)) >> 1); };
+        const s16x2n sum = {(s16xn)v[0], (s16xn)v[registers - 1]}, halves = {half(v[0]), half(v[registers - 1])};
+        const s16x2n quotient = mul_q15(halves, by.factor) >> by.shift;
+        store(p, narrow_ordered(quotient + ((sum + by.n / 2 - quotient * by.n) >> 15)));
+    }
 };
 /// Of each register of words those of even rows, then those of odd ones
 struct column_sums {
@@ -45,7 +54,6 @@ struct column_sums {
         for (u32xn& sums : a.v) sums *= b;
         return a;
     }
-    /// A byte of each row, and up to a whole register is stored.
     template <class Divisor> void store_means(const Divisor& by, u8* p) const {
         s16xn means[column_words::registers];
         for (int i = 0; i < registers; i += 2) means[i / 2] = (s16xn)(by.rounded(v[i]) | by.rounded(v[i + 1]) << 16);

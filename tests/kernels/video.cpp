@@ -122,8 +122,7 @@ struct back_matrix {
 };
 
 /// R, G, B as they are read; 5 and 6 bits are repeated from the top
-components read_rgb(const video_format& f, const view* planes, int x, int y) {
-    const layout& l = layout_of(f.name);
+components read_rgb(const video_format& f, const layout& l, const view* planes, int x, int y) {
     const u8* p[4] = {};
     for (std::size_t i = 0; i < l.planes.size(); ++i) p[i] = planes[i].p + y * planes[i].stride + x * l.bytes[i];
     components c = l.read(p);
@@ -205,9 +204,14 @@ double read(const video_format& f, const view* planes, int channel, int x, int y
 }
 }  // namespace
 
-int byte_of(const video_format& f, const view* planes, int channel, int x, int y) {
-    if (!f.channels()) return read_rgb(f, planes, x, y).v[channel];
-    return static_cast<int>(std::min(read(f, planes, channel, x, y) + 0.5, 255.0));
+std::vector<u8> bytes_of(const video_format& f, const view* planes, int channel, shape size) {
+    const layout* rgb = f.channels() ? nullptr : &layout_of(f.name);
+    std::vector<u8> all;
+    for (int y = 0; y < size.h; ++y)
+        for (int x = 0; x < size.w; ++x)
+            all.push_back(static_cast<u8>(rgb ? read_rgb(f, *rgb, planes, x, y).v[channel]
+                                              : std::min(read(f, planes, channel, x, y) + 0.5, 255.0)));
+    return all;
 }
 
 namespace {
@@ -303,10 +307,11 @@ namespace {
 void model_back(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes,
                 const view* out) {
     const back_matrix yuv(v.matrix, v.range);
+    const layout& rgb = layout_of(from.name);
     const bool as_csc = to.cs == ZELT_CS_YUV444 && v.matrix == ZELT_VIDEO_BT601 && v.range == ZELT_VIDEO_FULL;
     for (int y = 0; y < s.h; ++y)
         for (int x = 0; x < s.w; ++x) {
-            const components c = read_rgb(from, planes, x, y);
+            const components c = read_rgb(from, rgb, planes, x, y);
             *sample(to, out, 0, x, y) = static_cast<u8>(as_csc ? yuv_of(c).v[0] : yuv.luma(c));
             const bool alone = to.packed() && x % 2 == 0 && x + 1 == s.w;  // of a packed pair
             if (alone) *sample(to, out, 0, x + 1, y) = *sample(to, out, 0, x, y);
@@ -314,7 +319,7 @@ void model_back(const ZELT_VIDEO& v, const video_format& from, const video_forma
             double mean[3] = {}, count = 0;
             for (int below = y; below <= std::min(y + to.half_h, s.h - 1); ++below)
                 for (int right = x; right <= std::min(x + to.half_w, s.w - 1); ++right, ++count)
-                    for (int i = 0; i < 3; ++i) mean[i] += read_rgb(from, planes, right, below).v[i];
+                    for (int i = 0; i < 3; ++i) mean[i] += read_rgb(from, rgb, planes, right, below).v[i];
             for (double& m : mean) m /= count;
             for (int i = 1; i < 3; ++i)
                 *sample(to, out, i, x >> to.half_w, y >> to.half_h) =

@@ -22,8 +22,8 @@ const std::vector<video_format>& video_formats();
 /// Whether there is a conversion
 bool converts(const video_format& from, const video_format& to);
 
-/// Y, U, V or R, G, B of a place as the bytes that other sizes are made of; of Y, U, V that of one channel
-int byte_of(const video_format& f, const view* planes, int channel, int x, int y);
+/// A channel, of Y, U, V or R, G, B, as the bytes that other sizes are made of
+std::vector<u8> bytes_of(const video_format& f, const view* planes, int channel, shape size);
 
 /// What a record gives of a picture, its planes in front of the destination's
 void model_video(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes);

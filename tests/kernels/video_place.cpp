@@ -96,9 +96,7 @@ void model_placed(const ZELT_VIDEO& v, const video_format& from, shape s, const 
         held resized(between, upright);
         for (int c = 0; c < static_cast<int>(resized.planes.size()); ++c) {
             const shape size = c ? halved(s, from) : s, new_size = c ? halved(upright, between) : upright;
-            std::vector<u8> plane;
-            for (int y = 0; y < size.h; ++y)
-                for (int x = 0; x < size.w; ++x) plane.push_back(static_cast<u8>(byte_of(from, planes, c, x, y)));
+            std::vector<u8> plane = bytes_of(from, planes, c, size);
             const view src = {plane.data(), size.w}, dst = resized.planes[static_cast<std::size_t>(c)];
             if (v.filter == ZELT_VIDEO_AREA)
                 model_area(src, size, dst, new_size);
@@ -149,9 +147,9 @@ constexpr ratio same = {"", 1, 1, 1, 1};
 
 /// Every pair, with ways to turn, ratios, filters, matrices and bands in turn
 void add_pictures(std::vector<kernel>& turns, std::vector<kernel>& sizes) {
-    static constexpr ratio ratios[] = {{"3:2", 3, 2, 3, 2},       {"2:3", 2, 3, 2, 3},        {"2:1, 1:2", 2, 1, 1, 2},
+    static constexpr ratio ratios[] = {{"3:2", 3, 2, 3, 2},       {"2:3", 2, 3, 2, 3},        {"2:1", 2, 1, 2, 1},
                                        {"5:1", 5, 1, 5, 1},       {"29:10", 29, 10, 9, 5},    {"1:3, 4:1", 1, 3, 4, 1},
-                                       {"12:1", 12, 1, 9, 1},     {"one column", 0, 1, 3, 2}, {"251:10", 3, 2, 251, 10},
+                                       {"12:1", 12, 1, 9, 1},     {"one column", 0, 1, 3, 2}, {"603:10", 3, 2, 603, 10},
                                        {"300 rows", 0, 1, 300, 1}};
     int i = 0;
     for (const video_format& from : video_formats())
@@ -171,10 +169,10 @@ void add_pictures(std::vector<kernel>& turns, std::vector<kernel>& sizes) {
             if (to.bits > 8) continue;
             if (to.packed() || (v.turn & 1 && to.half_w != to.half_h) || i % 3) v.turn = 0;
             v.dst_w = 1, v.filter = i / 2 % 2;
-            sizes.push_back(placed_kernel(v, from, to, ratios[i % 10],
-                                          i % 11 || i % 10 > 5 ? std::vector<shape>{{1, 1}, {3, 5}, {37, 11}}
-                                                               : std::vector<shape>{{259, 17}},
-                                          bands));
+            std::vector<shape> shapes = {{1, 1}, {3, 5}, {37, 11}, {70, 4}};
+            if (i % 11 == 0) shapes = {{259, 17}};
+            if (i % 10 > 5) shapes = {{3, 5}, {38, 5}};  // of large sources
+            sizes.push_back(placed_kernel(v, from, to, ratios[i % 10], shapes, bands));
         }
 }
 }  // namespace
