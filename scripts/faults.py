@@ -851,7 +851,8 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("+ (ten ? 512 : 128);", "+ 128;", "chroma of 10 bits has the middle of 8"),
         ("shift(to.ten ? of_sums : of_sums + 2)", "shift(of_sums)", "10 bits become 8 by their low ones"),
         ("return ten && high ? v << 6 : v;", "return v;", "words of pairs have their bits at the low end"),
-        ("d = words_at<V>(u + i) << 3,", "d = words_at<V>(u + i) << 4,", "smooth U of 10 bits counts twice"),
+        ("sums[1] = all + (far << 1);", "sums[1] = sums[0];", "both rows between two of 10 bits have the same chroma"),
+        ("y % 2 == apart &&", "", "rows of 10 bits go together, whatever they share"),
     ],
     "src/video/matrix.h": [
         ("+ (to_ten ? 8 : 32) - 1e-6;", "+ 32 - 1e-6;", "results of 10 bits are 1.5 too large"),

@@ -2,7 +2,8 @@
 #include "video/source.h"
 
 namespace zelt::inline ZELT_LEVEL::video {
-// -------------------------------------------------------------------------------------------------------------- chroma
+// --------------------------------------------------------------------------------------------------------------
+// chroma
 
 /// Two planes as they are, as the matrix takes them
 struct ten_planes {
@@ -24,18 +25,29 @@ struct ten_pairs {
     }
     template <class V> static void put(s16* p, wide_of<V> v) { store_words(p, v); }
 };
-/// Sums of four, for the sum with the neighbour's
-struct ten_halves {
-    static constexpr int rows = 1;
+/// Sums of two rows of these for those with the neighbour's, as between_rows
+/// has them of bytes: of rows that are apart one for the pixels next to each
+template <bool Apart, class Samples> struct ten_between {
+    static constexpr int rows = Apart ? 2 : 1;
     static constexpr bool halves = true;
-    const s16 *u, *v;
+    Samples near, far;
     template <class V> void centred(std::ptrdiff_t i, wide_of<V>* d, wide_of<V>* e) const {
-        *d = words_at<V>(u + i) << 3, *e = words_at<V>(v + i) << 3;
+        wide_of<V> u, v, u_far, v_far;
+        near.template centred<V>(i, &u, &v), far.template centred<V>(i, &u_far, &v_far);
+        weigh(u >> 3, u_far >> 3, d), weigh(v >> 3, v_far >> 3, e);
     }
     template <class V> static void put(s16* p, wide_of<V> v) { store_words(p, v); }
+
+private:
+    template <class W> static void weigh(W near, W far, W* sums) {
+        const W all = near + far;
+        sums[0] = all + (near << 1);
+        if constexpr (Apart) sums[1] = all + (far << 1);
+    }
 };
 
-// Sums as those who use them ask for them: two channels, or two pixels of one, 2^shift times a sample.
+// Sums as those who use them ask for them: two channels, or two pixels of one,
+// 2^shift times a sample.
 
 struct ten_samples {
     static constexpr int shift = 2;
@@ -74,6 +86,8 @@ public:
         return src_.row(1 + channel, row) + (src_.format.half_w ? s.x : 2 * s.x);
     }
     const u8* pairs(std::ptrdiff_t row, strip s) const { return src_.row(1, row) + 2 * s.x; }
+    /// How many samples there are for a strip and the pixel after it
+    std::ptrdiff_t with_next(strip s) const { return std::min(s.pairs() + 1, (w_ + 1 - s.x) / 2); }
 
     /// Makes the sums over two rows.
     void add_up(pair_of_rows rows, strip s) { rows.apart ? add_up<true>(rows, s) : add_up<false>(rows, s); }
@@ -88,7 +102,7 @@ private:
     }
     template <bool Apart> void add_up(pair_of_rows rows, strip s) {
         // and the next one, which in the last strip there is not
-        const std::ptrdiff_t n = s.pairs(), there = std::min(n + 1, (w_ + 1 - s.x) / 2);
+        const std::ptrdiff_t n = s.pairs(), there = with_next(s);
         if (paired()) {
             const u8 *near = pairs(rows.near, s), *far = pairs(rows.far, s);
             s16 *u = even_[0], *v = even_[1];
@@ -124,7 +138,8 @@ private:
     s16 even_[2][strip_pairs + 1], odd_[2][strip_pairs + 1];
 };
 
-// -------------------------------------------------------------------------------------------------------------- pixels
+// --------------------------------------------------------------------------------------------------------------
+// pixels
 
 class tens_to_pixels {
 public:
@@ -133,13 +148,13 @@ public:
 
     /// Rows from pixel x on, those together that share their chroma
     void convert(const band& b, std::ptrdiff_t x) {
-        const bool shared = src_.format.half_h && !plan_.smooth;
+        const bool half_h = src_.format.half_h, apart = half_h && chroma_of_ == chroma_of::neighbours;
         for (std::ptrdiff_t y = b.begin, rows; y < b.end; y += rows) {
-            rows = shared && y % 2 == 0 && y + 1 < b.end ? 2 : 1;
-            const pair_of_rows from = rows_for(y, b.h, src_.format.half_h, false, plan_.smooth);
+            rows = half_h && y % 2 == apart && y + 1 < b.end ? 2 : 1;
+            const pair_of_rows from = rows_for(y, b.h, half_h, false, plan_.smooth);
             for_strips(x, b.columns, [&](strip s) {
                 make_terms(from, s);
-                for (std::ptrdiff_t i = 0; i < rows; ++i) put(y + i, s);
+                for (std::ptrdiff_t i = 0; i < rows; ++i) put(y + i, rows_[apart ? i : 0], s);
             });
         }
     }
@@ -152,12 +167,28 @@ private:
     void make_terms(pair_of_rows from, strip s) {
         const matrix& m = plan_.matrix;
         if (chroma_of_ == chroma_of::pixel) return multiply_pixels(from.near, s);
-        if (chroma_of_ == chroma_of::neighbours) {
-            samples_.add_up(from, s);
-            return multiply(m, ten_halves{samples_.sums(0), samples_.sums(1)}, &even_, s.pairs() + 1);
-        }
-        if (samples_.paired()) return multiply(m, ten_pairs{samples_.pairs(from.near, s)}, &even_, s.pairs());
-        multiply(m, ten_planes{samples_.plane(0, from.near, s), samples_.plane(1, from.near, s)}, &even_, s.pairs());
+        const auto pairs = [&](std::ptrdiff_t row) { return ten_pairs{samples_.pairs(row, s)}; };
+        const auto planes = [&](std::ptrdiff_t row) {
+            return ten_planes{samples_.plane(0, row, s), samples_.plane(1, row, s)};
+        };
+        if (chroma_of_ == chroma_of::neighbours)
+            samples_.paired() ? multiply_between(pairs, from, s) : multiply_between(planes, from, s);
+        else if (samples_.paired())
+            multiply(m, pairs(from.near), rows_, s.pairs());
+        else
+            multiply(m, planes(from.near), rows_, s.pairs());
+    }
+    /// Beyond the last sample it counts again.
+    template <class Row> void multiply_between(Row row, pair_of_rows from, strip s) {
+        const auto near = row(from.near), far = row(from.far);
+        const std::ptrdiff_t n = s.pairs(), there = samples_.with_next(s);
+        if (from.apart)
+            multiply(plan_.matrix, ten_between<true, decltype(near)>{near, far}, rows_, there);
+        else
+            multiply(plan_.matrix, ten_between<false, decltype(near)>{near, far}, rows_, there);
+        if (there == n)
+            for (terms& of : rows_)
+                for (s16* component : {of.r, of.g, of.b}) component[n] = component[n - 1];
     }
     void multiply_pixels(std::ptrdiff_t row, strip s) {
         const matrix m = plan_.matrix;
@@ -165,13 +196,13 @@ private:
         for_pixels(s.pixels, [=, this](auto kind, std::ptrdiff_t x) {
             wide_of<decltype(kind)> d, e;
             load_ten_pixels<false>(u + 2 * x, d), load_ten_pixels<false>(v + 2 * x, e);
-            store_term(even_.r, odd_.r, x, m.red(d, e) + m.constant);
-            store_term(even_.g, odd_.g, x, m.green(d, e) + m.constant);
-            store_term(even_.b, odd_.b, x, m.blue(d, e) + m.constant);
+            store_term(rows_[0].r, rows_[1].r, x, m.red(d, e) + m.constant);
+            store_term(rows_[0].g, rows_[1].g, x, m.green(d, e) + m.constant);
+            store_term(rows_[0].b, rows_[1].b, x, m.blue(d, e) + m.constant);
         });
     }
 
-    void put(std::ptrdiff_t y, strip s) {
+    void put(std::ptrdiff_t y, const terms& even, strip s) {
         const u8* luma = samples_.luma(y, s);
         if (!samples_.paired()) {
             for_each(s.pixels, [luma, out = luma_](auto kind, std::ptrdiff_t x) {
@@ -184,18 +215,20 @@ private:
         const writer& rgb = *dst_.format.rgb;
         u8* p[3];
         for (int i = 0; i < rgb.planes; ++i) p[i] = dst_.row(i, y) + s.x * rgb.step[i];
-        rgb.put_tens[static_cast<int>(chroma_of_)](even_, odd_, plan_.matrix.luma, luma, p, s.pixels);
+        rgb.put_tens[static_cast<int>(chroma_of_)](even, rows_[1], plan_.matrix.luma, luma, p, s.pixels);
     }
 
     const plan& plan_;
     const picture &src_, &dst_;
     const chroma_of chroma_of_;
     ten_reader samples_;
-    terms even_, odd_;
+    terms rows_[2];  // of two rows of pixels, or of the even and the odd pixels of
+                     // one
     u8 luma_[4 * strip_pairs];
 };
 
-// ----------------------------------------------------------------------------------------------------------------- YUV
+// -----------------------------------------------------------------------------------------------------------------
+// YUV
 
 class tens_to_yuv {
 public:
