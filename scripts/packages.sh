@@ -1,10 +1,13 @@
 # shellcheck shell=bash
 # Sourced by the other scripts: the Debian packages that each kind of work needs.
 build_packages=(g++ cmake ninja-build pkg-config libpng-dev libcli11-dev)
+# the plugin for GStreamer, and the pipelines that its tests and its benchmark run
+gstreamer_packages=(libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstreamer1.0-tools gstreamer1.0-plugins-base
+    gstreamer1.0-plugins-good gstreamer1.0-libav)
 # shellcheck disable=SC2034 # used by the scripts that source this
 {
-test_packages=("${build_packages[@]}" googletest libgtest-dev binutils python3 libavformat-dev libavcodec-dev
-    musl-tools qemu-user)
+test_packages=("${build_packages[@]}" "${gstreamer_packages[@]}" googletest libgtest-dev binutils python3
+    libavformat-dev libavcodec-dev musl-tools qemu-user)
 arm_packages=(g++-arm-linux-gnueabi g++-arm-linux-gnueabihf g++-aarch64-linux-gnu)
 i686_packages=(g++-i686-linux-gnu)
 docs_packages=(doxygen doxygen-awesome-css python3)

@@ -33,7 +33,9 @@ done
 summary=()
 for preset in "${presets[@]}"; do
     echo "== $preset"
-    cmake --preset "$preset" >/dev/null
+    options=()
+    [ "$preset" = x86-64 ] && options=(-DZELT_GSTREAMER=ON)
+    cmake --preset "$preset" "${options[@]}" >/dev/null
     cmake --build --preset "$preset" -- --quiet
     report=$PWD/build/$preset/tests.xml
     ctest --preset "$preset" --output-junit "$report" --test-output-size-passed 100000000 --progress |
