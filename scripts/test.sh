@@ -34,8 +34,9 @@ summary=()
 for preset in "${presets[@]}"; do
     echo "== $preset"
     options=()
-    [ "$preset" = x86-64 ] && options=(-DZELT_GSTREAMER=ON)
-    cmake --preset "$preset" "${options[@]}" >/dev/null
+    # Where LLVM's libunwind stands in for the other one, GStreamer's files for pkg-config are not complete.
+    [ "$preset" = x86-64 ] && [ "${CI-}" ] && options=(-DZELT_GSTREAMER=ON)
+    cmake --preset "$preset" "${options[@]}" | sed -n 's/^-- \(No .*: \)/\1/p'
     cmake --build --preset "$preset" -- --quiet
     report=$PWD/build/$preset/tests.xml
     ctest --preset "$preset" --output-junit "$report" --test-output-size-passed 100000000 --progress |
