@@ -4,7 +4,6 @@
 #include "zelt/csc.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace zelt::test {
 const layout& layout_of(const std::string& name) {
@@ -66,31 +65,31 @@ void convert(function f, const view* v, std::size_t source_planes, std::size_t p
 // ------------------------------------------------------------------------------------------------------------ matrices
 
 namespace {
-/// A sum of products, where 1 is worth `one`, rounded
-int rounded(int v, double one) { return static_cast<int>(std::floor(v / one + 0.5)); }
+/// A sum of products with so many fractional bits, rounded
+int rounded(int v, int bits) { return (v + (1 << bits >> 1)) >> bits; }
 }  // namespace
 
 components rgb_of(components c) {
     const auto clamped = [](int v) { return std::clamp(v, 0, 255); };
     const int y = c.v[0], d = c.v[1] - 128, e = c.v[2] - 128;
-    return {{clamped(y + rounded(359 * e, 256)), clamped(y - rounded(88 * d + 183 * e, 256)),
-             clamped(y + rounded(454 * d, 256)), c.v[3]}};
+    return {{clamped(y + rounded(359 * e, 8)), clamped(y - rounded(88 * d + 183 * e, 8)),
+             clamped(y + rounded(454 * d, 8)), c.v[3]}};
 }
 components yuv_of(components c) {
     const int r = c.v[0], g = c.v[1], b = c.v[2];
-    return {{rounded(77 * r + 150 * g + 29 * b, 256), std::min(128 + rounded(-43 * r - 85 * g + 128 * b, 256), 255),
-             std::min(128 + rounded(128 * r - 107 * g - 21 * b, 256), 255), c.v[3]}};
+    return {{rounded(77 * r + 150 * g + 29 * b, 8), std::min(128 + rounded(-43 * r - 85 * g + 128 * b, 8), 255),
+             std::min(128 + rounded(128 * r - 107 * g - 21 * b, 8), 255), c.v[3]}};
 }
 components rgb10_of(components c) {
     const auto clamped = [](int v) { return std::clamp(v, 0, 1023); };
     const int y = c.v[0], d = c.v[1] - 512, e = c.v[2] - 512;
-    return {{clamped(y + rounded(1436 * e, 1024)), clamped(y - rounded(352 * d + 732 * e, 1024)),
-             clamped(y + rounded(1816 * d, 1024)), c.v[3]}};
+    return {{clamped(y + rounded(1436 * e, 10)), clamped(y - rounded(352 * d + 732 * e, 10)),
+             clamped(y + rounded(1816 * d, 10)), c.v[3]}};
 }
 components yuv10_of(components c) {
     const int r = c.v[0], g = c.v[1], b = c.v[2];
-    return {{rounded(308 * r + 600 * g + 116 * b, 1024), 512 + rounded(-172 * r - 340 * g + 512 * b, 1024),
-             512 + rounded(512 * r - 428 * g - 84 * b, 1024), c.v[3]}};
+    return {{rounded(308 * r + 600 * g + 116 * b, 10), 512 + rounded(-172 * r - 340 * g + 512 * b, 10),
+             512 + rounded(512 * r - 428 * g - 84 * b, 10), c.v[3]}};
 }
 
 // ---------------------------------------------------------------------------------------------------------------- rows

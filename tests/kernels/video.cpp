@@ -109,15 +109,15 @@ struct back_matrix {
             for (int c = 0; c < 2; ++c) chroma[c][i] = scaled(yuv[1 + c] - 128);
         }
     }
-    static double product(int f, double v) { return std::floor(f * v / 32768 + 0.5); }
+    static int product(int f, int v) { return (f * v + (1 << 14)) >> 15; }
     u8 luma(components c) const {
-        const double sum = product(both, small[0] * c.v[0] + small[1] * c.v[1]) + product(blue, 64 * c.v[2]);
-        return static_cast<u8>(black + std::floor((sum + 32) / 64));
+        const int sum = product(both, small[0] * c.v[0] + small[1] * c.v[1]) + product(blue, 64 * c.v[2]);
+        return static_cast<u8>(black + ((sum + 32) >> 6));
     }
-    u8 of_mean(int c, const double (&rgb)[3]) const {
-        double sum = 64;
-        for (int i = 0; i < 3; ++i) sum += product(chroma[c][i], rgb[i] * 128);
-        return static_cast<u8>(std::min(128 + std::floor(sum / 128), 255.0));
+    u8 of_mean(int c, components sum_of_four) const {
+        int sum = 64;
+        for (int i = 0; i < 3; ++i) sum += product(chroma[c][i], sum_of_four.v[i] * 32);
+        return static_cast<u8>(std::min(128 + (sum >> 7), 255));
     }
 };
 
@@ -133,74 +133,71 @@ components read_rgb(const video_format& f, const layout& l, const view* planes, 
 void model_back(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes,
                 const view* out);
 
-/// The same as it is done: factors of 13 fractional bits, products and sums of 6. Chroma has fractions of its own, and
-/// samples of 10 bits have 2, so that the result is of 4.
+constexpr int one = 64;  // what samples are multiples of: chroma has fractions, and so have 10 bits in steps of 8
+
+/// The same as it is done: factors of 13 fractional bits, products and sums of 6. Samples of 10 bits have 2, so that
+/// the result is of 4.
 struct integer_matrix {
-    double factors[3][3], constant, unit;  // [R, G, B][Y, U, V]; what a result is a multiple of
-    int most;
+    int factors[3][3], constant, bits, most;  // [R, G, B][Y, U, V]; fractional bits of a result
 
     integer_matrix(int matrix, int range, int from_bits, int to_bits)
-        : unit(to_bits == 10 ? 16 : 64), most((1 << to_bits) - 1) {
-        const int zero = 1 << (from_bits - 1), one = 1 << (from_bits - 8);
+        : bits(to_bits == 10 ? 4 : 6), most((1 << to_bits) - 1) {
+        const int zero = 1 << (from_bits - 1), step = 1 << (from_bits - 8), unit = 1 << bits;
         double base[3], more[3];
         real_rgb(matrix, range, {zero, zero, zero}, base, from_bits);
         for (int of = 0; of < 3; ++of) {
             real_rgb(matrix, range, {zero + (of == 0), zero + (of == 1), zero + (of == 2)}, more, from_bits);
             for (int i = 0; i < 3; ++i)
-                factors[i][of] = std::round((more[i] - base[i]) * one * most * unit / 64 * 8192);
+                factors[i][of] = static_cast<int>(std::lround((more[i] - base[i]) * step * most * unit / 64 * 8192));
         }
         const double grey = base[0] * most * unit;
-        constant = std::ceil(grey + unit / 2 - 1 - 1e-6);
+        constant = static_cast<int>(std::ceil(grey + unit / 2 - 1 - 1e-6));
     }
-    static double product(double f, double v, double one = 64) { return std::floor(f * (v - 128) * one / 8192 + 0.5); }
-    components operator()(const double (&sums)[3], double y) const {
+    static int product(int f, int v, int shift = 13) { return (f * (v - 128 * one) + (1 << shift >> 1)) >> shift; }
+    components operator()(const int (&sums)[3], int y) const {
         components c = {{0, 0, 0, 255}};
-        for (int i = 0; i < 3; ++i)
-            c.v[i] = std::clamp(static_cast<int>(std::floor((sums[i] + product(factors[i][0], y)) / unit)), 0, most);
+        for (int i = 0; i < 3; ++i) c.v[i] = std::clamp((sums[i] + product(factors[i][0], y)) >> bits, 0, most);
         return c;
     }
-    components operator()(double y, double u, double v) const {
-        double sums[3];
+    components operator()(int y, int u, int v) const {
+        int sums[3];
         for (int i = 0; i < 3; ++i) sums[i] = product(factors[i][1], u) + product(factors[i][2], v) + constant;
         return (*this)(sums, y);
     }
     /// With chroma between two samples, or twice the same
-    components operator()(double y, const double (&u)[2], const double (&v)[2]) const {
-        double sums[3] = {};
+    components operator()(int y, const int (&u)[2], const int (&v)[2]) const {
+        int sums[3] = {};
         for (int i = 0; i < 3; ++i)
             for (int k = 0; k < 2; ++k)
-                sums[i] +=
-                    product(factors[i][1], u[k], 32) + product(factors[i][2], v[k], 32) + std::floor(constant / 2);
+                sums[i] += product(factors[i][1], u[k], 14) + product(factors[i][2], v[k], 14) + (constant >> 1);
         return (*this)(sums, y);
     }
 };
 
 struct weighted {
-    int at;
-    double weight;
+    int at, weight;  // in quarters
 };
 /// Which samples of one direction a destination's place is made from
 std::array<weighted, 2> sources(int place, int size, int from_half, int to_half, bool smooth, bool centred) {
     const int last = from_half ? (size - 1) / 2 : size - 1;
     if (!from_half) {
-        if (!to_half) return {{{place, 1}, {place, 0}}};
-        return {{{2 * place, 0.5}, {std::min(2 * place + 1, last), 0.5}}};
+        if (!to_half) return {{{place, 4}, {place, 0}}};
+        return {{{2 * place, 2}, {std::min(2 * place + 1, last), 2}}};
     }
-    if (to_half) return {{{place, 1}, {place, 0}}};
+    if (to_half) return {{{place, 4}, {place, 0}}};
     const int near = place / 2;
-    if (!smooth || (!centred && place % 2 == 0)) return {{{near, 1}, {near, 0}}};
+    if (!smooth || (!centred && place % 2 == 0)) return {{{near, 4}, {near, 0}}};
     const int other = std::clamp(place % 2 ? near + 1 : near - 1, 0, last);
-    return {{{near, centred ? 0.75 : 0.5}, {other, centred ? 0.25 : 0.5}}};
+    return {{{near, centred ? 3 : 2}, {other, centred ? 1 : 2}}};
 }
 
 u8* sample(const video_format& f, const view* planes, int channel, int x, int y) {
     const auto& at = f.samples[channel];
     return planes[at.plane].p + y * planes[at.plane].stride + at.first + x * at.step;
 }
-/// A sample in steps of 8 bits
-double read(const video_format& f, const view* planes, int channel, int x, int y) {
+int read(const video_format& f, const view* planes, int channel, int x, int y) {
     const u8* p = sample(f, planes, channel, x, y);
-    return f.bits == 8 ? p[0] : ((p[0] | p[1] << 8) >> f.above & 1023) / 4.0;
+    return f.bits == 8 ? p[0] * one : ((p[0] | p[1] << 8) >> f.above & 1023) * (one / 4);
 }
 }  // namespace
 
@@ -210,41 +207,43 @@ std::vector<u8> bytes_of(const video_format& f, const view* planes, int channel,
     for (int y = 0; y < size.h; ++y)
         for (int x = 0; x < size.w; ++x)
             all.push_back(static_cast<u8>(rgb ? read_rgb(f, *rgb, planes, x, y).v[channel]
-                                              : std::min(read(f, planes, channel, x, y) + 0.5, 255.0)));
+                                              : std::min((read(f, planes, channel, x, y) + one / 2) / one, 255)));
     return all;
 }
 
 namespace {
 void write_word(u8* p, int word) { p[0] = static_cast<u8>(word), p[1] = static_cast<u8>(word >> 8); }
-void write(const video_format& f, const view* planes, int channel, int x, int y, double value) {
+void write(const video_format& f, const view* planes, int channel, int x, int y, int value) {
     u8* p = sample(f, planes, channel, x, y);
     if (f.bits == 8)
-        *p = static_cast<u8>(std::min(value + 0.5, 255.0));
+        *p = static_cast<u8>(std::min((value + one / 2) / one, 255));
     else
-        write_word(p, static_cast<int>(value * 4 + 0.5) << f.above);
+        write_word(p, (value * 4 + one / 2) / one << f.above);
 }
 
 /// Factors of 15 fractional bits, products and sums of 6; chroma of the pixels that there are
 void model_ten_back(const ZELT_VIDEO& v, const video_format& to, shape s, const view* rgb, const view* out) {
-    double black[3], more[3], factors[3][3], middle[3];  // [Y, U, V][R, G, B]
+    double black[3], more[3], middle[3];
+    int factors[3][3];  // [Y, U, V][R, G, B]
     real_yuv(v.matrix, v.range, {0, 0, 0}, black, 10);
     real_yuv(v.matrix, v.range, {512 / 1023.0, 512 / 1023.0, 512 / 1023.0}, middle, 10);
     for (int i = 0; i < 3; ++i) {
         real_yuv(v.matrix, v.range, {1.0 * (i == 0), 1.0 * (i == 1), 1.0 * (i == 2)}, more, 10);
-        for (int of = 0; of < 3; ++of) factors[of][i] = std::round((more[of] - black[of]) / 1023 * 32768);
+        for (int of = 0; of < 3; ++of)
+            factors[of][i] = static_cast<int>(std::lround((more[of] - black[of]) / 1023 * 32768));
     }
     const auto component = [&](int c, int x, int y, int w, int h) {
-        double sum = std::floor(middle[c] * 64 + 1e-6 + 32.5);
+        int sum = static_cast<int>(std::floor(middle[c] * 64 + 1e-6 + 32.5));
         for (int i = 0; i < 3; ++i) {
-            double all = 0, count = 0;
+            int all = 0, count = 0;
             for (int row = y; row < std::min(y + h, s.h); ++row)
                 for (int column = x; column < std::min(x + w, s.w); ++column, ++count) {
                     const u8* p = rgb[i].p + row * rgb[i].stride + 2 * column;
                     all += ((p[0] | p[1] << 8) & 1023) - 512;
                 }
-            sum += std::floor(factors[c][i] * 64 * all / count / 32768 + 0.5);
+            sum += (factors[c][i] * (all * 4 / count) * 16 + (1 << 14)) >> 15;
         }
-        return std::clamp(std::floor(sum / 64), 0.0, 1023.0) / 4;
+        return std::clamp(sum >> 6, 0, 1023) * (one / 4);
     };
     for (int c = 0; c < 3; ++c) {
         const int w = c ? to.half_w + 1 : 1, h = c ? to.half_h + 1 : 1;
@@ -260,17 +259,18 @@ void model_video(const ZELT_VIDEO& v, const video_format& from, const video_form
         return from.bits == 10 ? model_ten_back(v, to, s, planes, out) : model_back(v, from, to, s, planes, out);
     const bool smooth = v.chroma == ZELT_VIDEO_SMOOTH;
     const integer_matrix rgb(v.matrix, v.range, from.bits, to.bits);
+    const layout* const l = to.channels() || to.bits == 10 ? nullptr : &layout_of(to.name);
     const auto chroma = [&](int channel, int x, int y, int half_w, int half_h) {
-        if (from.channels() == 1) return 128.0;
-        double sum = 0;
+        if (from.channels() == 1) return 128 * one;
+        int sum = 0;
         for (const weighted& row : sources(y, s.h, from.half_h, half_h, smooth, true))
             for (const weighted& column : sources(x, s.w, from.half_w, half_w, smooth, false))
                 sum += row.weight * column.weight * read(from, planes, channel, column.at, row.at);
-        return sum;
+        return sum / 16;
     };
     for (int y = 0; y < s.h; ++y)
         for (int x = 0; x < s.w; ++x) {
-            const double luma = read(from, planes, 0, x, y);
+            const int luma = read(from, planes, 0, x, y);
             if (to.channels()) {
                 const bool packed = to.bits == 8 && to.samples[0].step == 2;
                 write(to, out, 0, x, y, luma);
@@ -283,7 +283,7 @@ void model_video(const ZELT_VIDEO& v, const video_format& from, const video_form
             const auto next = [&](int c) { return chroma(c, std::min((x + 1) / 2, (s.w - 1) / 2), y, 1, 0); };
             components pixel;
             if (as_csc)
-                pixel = rgb_of({{static_cast<int>(luma), static_cast<int>(at(1)), static_cast<int>(at(2)), 255}});
+                pixel = rgb_of({{luma / one, at(1) / one, at(2) / one, 255}});
             else if (from.half_w && smooth)
                 pixel = rgb(luma, {near(1), next(1)}, {near(2), next(2)});
             else
@@ -292,10 +292,9 @@ void model_video(const ZELT_VIDEO& v, const video_format& from, const video_form
                 for (int i = 0; i < 3; ++i) write_word(out[i].p + y * out[i].stride + 2 * x, pixel.v[i]);
                 continue;
             }
-            const layout& l = layout_of(to.name);
             u8* p[4] = {};
-            for (std::size_t i = 0; i < l.planes.size(); ++i) p[i] = out[i].p + y * out[i].stride + x * l.bytes[i];
-            l.write(p, pixel);
+            for (std::size_t i = 0; i < l->planes.size(); ++i) p[i] = out[i].p + y * out[i].stride + x * l->bytes[i];
+            l->write(p, pixel);
         }
     for (int c = 1; c < to.channels(); ++c)
         for (int y = 0; y < (s.h + to.half_h) >> to.half_h; ++y)
@@ -307,23 +306,24 @@ namespace {
 void model_back(const ZELT_VIDEO& v, const video_format& from, const video_format& to, shape s, const view* planes,
                 const view* out) {
     const back_matrix yuv(v.matrix, v.range);
-    const layout& rgb = layout_of(from.name);
+    const layout& l = layout_of(from.name);
     const bool as_csc = to.cs == ZELT_CS_YUV444 && v.matrix == ZELT_VIDEO_BT601 && v.range == ZELT_VIDEO_FULL;
     for (int y = 0; y < s.h; ++y)
         for (int x = 0; x < s.w; ++x) {
-            const components c = read_rgb(from, rgb, planes, x, y);
+            const components c = read_rgb(from, l, planes, x, y);
             *sample(to, out, 0, x, y) = static_cast<u8>(as_csc ? yuv_of(c).v[0] : yuv.luma(c));
             const bool alone = to.packed() && x % 2 == 0 && x + 1 == s.w;  // of a packed pair
             if (alone) *sample(to, out, 0, x + 1, y) = *sample(to, out, 0, x, y);
             if (to.channels() == 1 || x & to.half_w || y & to.half_h) continue;
-            double mean[3] = {}, count = 0;
+            components sum = {};
+            int count = 0;
             for (int below = y; below <= std::min(y + to.half_h, s.h - 1); ++below)
                 for (int right = x; right <= std::min(x + to.half_w, s.w - 1); ++right, ++count)
-                    for (int i = 0; i < 3; ++i) mean[i] += read_rgb(from, rgb, planes, right, below).v[i];
-            for (double& m : mean) m /= count;
+                    for (int i = 0; i < 3; ++i) sum.v[i] += read_rgb(from, l, planes, right, below).v[i];
+            for (int& s : sum.v) s *= 4 / count;
             for (int i = 1; i < 3; ++i)
                 *sample(to, out, i, x >> to.half_w, y >> to.half_h) =
-                    as_csc ? static_cast<u8>(yuv_of(c).v[i]) : yuv.of_mean(i - 1, mean);
+                    as_csc ? static_cast<u8>(yuv_of(c).v[i]) : yuv.of_mean(i - 1, sum);
         }
 }
 }  // namespace
