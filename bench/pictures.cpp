@@ -63,10 +63,8 @@ public:
     void run(const std::string& path) {
         name_ = std::filesystem::path(path).stem();
         const auto in = open_reader(path, "");
-        const clip& about = in->about();
-        picture first(*about.fmt, about.w, about.h);
-        in->read(first);
-        const picture yuv = about.fmt->cs == ZELT_CS_YUV444 ? padded_copy(first) : padded_yuv(first);
+        const picture& first = in->next();
+        const picture yuv = first.fmt->cs == ZELT_CS_YUV444 ? padded_copy(first) : padded_yuv(first);
 
         const picture rgba = step(yuv, ZELT_CS_RGBA8888);
         save(rgba, "rgba8888");

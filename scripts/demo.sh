@@ -21,7 +21,7 @@ for size in 300x200 400x266 1200x800; do
     $zelt convert -i samples/coffee.png -o out/coffee-$size.png --size $size -v
 done
 echo
-build/demo/bench/zelt_demo out samples/coffee.png samples/pan420.y4m
+build/demo/bench/zelt_demo out samples/coffee.png samples/pan444.y4m
 echo
 echo "In out/: $(find out -name '*.png' | wc -l) PNG files. The clip's frames are pan-0001.png and on; those with a"
 echo "format in their names came back from it, those with a size were resized."

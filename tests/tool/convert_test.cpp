@@ -10,15 +10,27 @@ namespace {
 constexpr int w = 37, h = 24;
 const std::string size = "37x24";
 
+/// A picture whose components all have the same samples
+std::string by_pixel(const std::string& format, const std::string& samples) {
+    const std::size_t planes = format == "gray" ? 1 : format == "yuva444p" || format == "rgba" ? 4 : 3;
+    const bool packed = format.starts_with("rgb");
+    std::string all;
+    for (std::size_t i = 0; i < planes * samples.size(); ++i) all += samples[packed ? i / planes : i % samples.size()];
+    return all;
+}
+
 class conversions : public tool {
 protected:
-    /// A raw picture through the tool
+    /// A raw picture through the tool, its YUV of full range
     void expect(const std::string& given, const std::string& arguments, const std::string& way,
                 const std::string& wanted) const {
         SCOPED_TRACE(arguments);
-        const outcome result = zelt("convert -v -i - -o out.raw --raw 37x24:" + arguments, given);
+        const outcome result = zelt("convert -v --range full -i - -o out.raw --raw 37x24:" + arguments, given);
         EXPECT_EQ(result.status, 0);
-        EXPECT_EQ(result.err, "37x24: " + way + "\n1 written: out.raw\n");
+        const std::string to = arguments.substr(arguments.find("--pix-fmt ") + 10);
+        const bool yuv = way[0] == 'y' || way[0] == 'p' || to[0] == 'y';
+        EXPECT_EQ(result.err,
+                  "37x24: " + way + (yuv ? "; full range (as told), bt601 (by habit)" : "") + "\n1 written: out.raw\n");
         EXPECT_TRUE(load("out.raw") == wanted);
     }
 };
@@ -31,14 +43,16 @@ TEST_F(conversions, give_what_the_models_give) {
         const char *from, *via, *to;
     } rows[] = {{"yuv444", "", "rgb888 rgba8888 rgb565 rgb565a8 argb8888 bgra8888 r8g8b8"},
                 {"yuv444a8", "", "yuv444 rgba8888 rgba5658 rgb565a8 argb8888 bgra8888"},
-                {"rgb888", "", "yuv444"},
+                {"rgb888", "", "yuv444 rgba8888 bgra8888 r8g8b8"},
                 {"rgb565", "", "yuv444"},
-                {"rgba8888", "", "yuv444a8"},
+                {"rgba8888", "", "yuv444 yuv444a8 rgb888 bgra8888 argb8888"},
                 {"r8g8b8", "", "yuv444 rgb888 rgba8888 rgb565 rgb565a8 argb8888 bgra8888"},
                 {"r8g8b8a8", "", "rgba8888 rgba5658 rgb565a8 argb8888 bgra8888"},
-                {"rgb888", "yuv444", "rgb565 rgba8888 bgra8888 r8g8b8 rgb565a8"},
+                {"rgb888", "r8g8b8", "rgb565"},
+                {"rgb888", "r8g8b8a8", "rgb565a8 rgba5658"},
                 {"rgb565", "yuv444", "rgb888 argb8888"},
-                {"rgba8888", "yuv444a8", "yuv444 bgra8888 argb8888 rgba5658 rgb565a8"}};
+                {"rgba8888", "r8g8b8a8", "rgba5658 rgb565a8"},
+                {"rgba8888", "r8g8b8", "rgb565"}};
     for (const auto& row : rows) {
         const std::string from = row.from, via = *row.via ? row.via : from;
         const std::string given = random_bytes(w * h * pixel_bytes(from), 1), between = converted(from, via, given);
@@ -52,8 +66,8 @@ TEST_F(conversions, give_what_the_models_give) {
 TEST_F(conversions, of_high_depth) {
     const std::string rgb("\xFF\3\x10\0\0\0\0\2\0\0\1\3", 12), yuv("\x34\1\x88\1\x54\1\xD4\2\0\4\xF3\0", 12),
         again("\xFF\3\x0F\0\1\0\xFF\1\3\0\0\3", 12);  // two pixels, by the formulas
-    EXPECT_EQ(zelt("convert -i - --raw 2x1:r10g10b10 -o - --to raw --pix-fmt p410", rgb).out, yuv);
-    EXPECT_EQ(zelt("convert -i - --raw 2x1:p410 -o - --to raw --pix-fmt r10g10b10", yuv).out, again);
+    EXPECT_EQ(zelt("convert -i - --raw 2x1:r10g10b10 -o - --to raw --pix-fmt p410 --range full", rgb).out, yuv);
+    EXPECT_EQ(zelt("convert -i - --raw 2x1:p410 -o - --to raw --pix-fmt r10g10b10 --range full", yuv).out, again);
 }
 
 TEST_F(conversions, to_the_same_format_copy) {
@@ -73,9 +87,9 @@ TEST_F(conversions, to_the_same_format_copy) {
     const outcome list = zelt("formats");
     expect_success(list);
     for (const std::string line :
-         {" to  yuv444 yuv444a8 p410 rgb565 rgb888 rgba5658 rgba8888 bgra8888 argb8888 r8g8b8 r10g10b10 rgb565a8\n",
-          "\nr8g8b8     x      .        .    x      x +    .        x +      x        x        .      .         x",
-          "\np410       yuv444p10le  3      6\n"})
+         {"\np410       yuv444p10le  3      10    6\n", "\nyuv420     yuv420p      3      8     1.5\n",
+          "\nyuv444a8   yuv444 rgba5658 rgba8888* bgra8888 argb8888 rgb565a8*\n",
+          "\nr10g10b10  p010 p210 p410 p010le p210le\n"})
         EXPECT_NE(list.out.find(line), std::string::npos) << line;
 }
 
@@ -89,7 +103,7 @@ TEST_F(resizing, before_or_while_converting) {
             const std::string given = random_bytes(w * h * pixel_bytes(from), 1);
             const std::string wanted = converted(from, to, resized(from, given, {w, h}, size));
             const std::string first = from + " -> " + from + at + (from == to ? "" : " -> " + to);
-            const std::string at_once = from != to && to == "rgb888" ? from + " -> " + to + at + " in one pass" : first;
+            const std::string at_once = from != to ? from + " -> " + to + at + " in one pass" : first;
             for (const std::string bands : {"", " --bands 4", " --bands 16", " --bands 128"})
                 expect(given, from + " --pix-fmt " + to + " --size" + at + bands, bands.empty() ? at_once : first,
                        wanted);
@@ -99,22 +113,115 @@ TEST_F(resizing, before_or_while_converting) {
         expect_success(zelt("convert -i - --raw 2x2:gray -o - --to raw --pix-fmt yuv444 --size " + size, "abcd"));
 }
 
-TEST_F(resizing, reduced_or_no_chroma) {
-    const std::string y = random_bytes(w * h, 3), neutral(2 * w * h, static_cast<char>(128));
-    const auto expect_planes = [&](const std::string& arguments, const std::string& file, const std::string& chroma) {
-        const outcome result = zelt("convert -i - -o - --to raw --pix-fmt yuv444p" + arguments, file);
-        expect_success(result);
-        EXPECT_TRUE(result.out == y + chroma) << file.substr(0, 30);
-    };
-    for (const auto& [kind, chroma_h] :
-         {std::pair{"C420jpeg", 12}, {"C420mpeg2", 12}, {"C420paldv", 12}, {"C420", 12}, {"F25:1", 12}, {"C422", 24}}) {
-        const std::string u = random_bytes(19 * chroma_h, 4), v = random_bytes(19 * chroma_h, 5);
-        const shape from = {19, chroma_h}, to = {w, h};
-        expect_planes("", y4m(w, h, kind, {y + u + v}), resized(1, u, from, to) + resized(1, v, from, to));
+TEST_F(resizing, by_area_below_a_half) {
+    // Of every RGB layout with bytes as of YUV planes: the rounded mean of 3x3 samples
+    std::string grey, means;
+    for (int i = 0; i < 81; ++i) grey += static_cast<char>(i % 9 / 3 * 60 + i / 27 * 20 + i % 3);
+    for (int i = 0; i < 9; ++i) means += static_cast<char>(i % 3 * 60 + i / 3 * 20 + 1);
+    for (const std::string format : {"gray", "r8g8b8", "rgb24", "rgba", "yuv444", "yuva444p"})
+        for (const std::string how : {"", " --filter area"}) {
+            const outcome result =
+                zelt("convert -i - -o - --to raw --size 3x3 --raw 9x9:" + format + " --pix-fmt " + format + how,
+                     by_pixel(format, grey));
+            expect_success(result);
+            EXPECT_TRUE(result.out == by_pixel(format, means)) << format << how;
+        }
+    EXPECT_EQ(zelt("convert -i - -o - --to raw --size 3x3 --raw 9x9:gray --pix-fmt gray --filter bilinear", grey).out,
+              resized(1, grey, {9, 9}, {3, 3}));
+}
+
+TEST_F(conversions, of_decoder_layouts) {
+    const struct {
+        const char* name;
+        int cs, bytes;
+    } formats[] = {{"gray", ZELT_CS_YUV400, w * h},
+                   {"yuv420p", ZELT_CS_YUV420, w * h + 2 * 19 * 12},
+                   {"yuv422p", ZELT_CS_YUV422, w * h + 2 * 19 * h},
+                   {"yuv440p", ZELT_CS_YUV440, w * h + 2 * w * 12},
+                   {"nv12", ZELT_CS_NV12, w * h + 2 * 19 * 12},
+                   {"nv21", ZELT_CS_NV21, w * h + 2 * 19 * 12},
+                   {"nv16", ZELT_CS_NV16, w * h + 2 * 19 * h},
+                   {"yuyv422", ZELT_CS_YUYV, 4 * 19 * h},
+                   {"uyvy422", ZELT_CS_UYVY, 4 * 19 * h},
+                   {"yuv420p10le", ZELT_CS_P010, 2 * w * h + 4 * 19 * 12},
+                   {"yuv422p10le", ZELT_CS_P210, 2 * w * h + 4 * 19 * h},
+                   {"p010le", ZELT_CS_P010LE, 2 * w * h + 4 * 19 * 12},
+                   {"p210le", ZELT_CS_P210LE, 2 * w * h + 4 * 19 * h},
+                   {"rgb24", ZELT_CS_RGB888, 3 * w * h}};
+    const std::string matrices[] = {"bt601", "bt709", "bt2020"};
+    const std::pair<const char*, int> wanted[] = {{"bgr24", ZELT_CS_BGR888}, {"yuv420p", ZELT_CS_YUV420}};
+    for (int n = 0; const auto& f : formats)
+        for (const auto& [to, cs] : wanted) {
+            if (cs == f.cs || (f.cs == ZELT_CS_RGB888 && cs == ZELT_CS_BGR888)) continue;
+            const meaning how = {++n % 3, n / 3 % 2, n / 2 % 2};
+            const std::string given = random_bytes(f.bytes, 9),
+                              arguments = std::string("convert -i - -o - --to raw --raw ") + size + ":" + f.name +
+                                          " --pix-fmt " + to + " --matrix " + matrices[how.matrix] +
+                                          (how.range ? " --range full" : " --range limited") +
+                                          (how.chroma ? "" : " --chroma replicate");
+            const outcome result = zelt(arguments, given);
+            expect_success(result);
+            EXPECT_TRUE(result.out == by_video(f.cs, cs, how, given, {w, h})) << arguments;
+        }
+}
+
+TEST_F(conversions, of_y4m_kinds) {
+    // What a clip does not say is usual: limited range, and a matrix by its rows.
+    const struct {
+        const char *tags, *format;
+        int cs, matrix, range, bytes;
+    } rows[] = {{"C420jpeg", "yuv420p", ZELT_CS_YUV420, 0, 0, 12},
+                {"C420mpeg2 XCOLORRANGE=LIMITED", "yuv420p", ZELT_CS_YUV420, 0, 0, 12},
+                {"C420paldv XCOLORRANGE=FULL", "yuv420p", ZELT_CS_YUV420, 0, 1, 12},
+                {"C420", "yuv420p", ZELT_CS_YUV420, 0, 0, 12},
+                {"F25:1", "yuv420p", ZELT_CS_YUV420, 0, 0, 12},
+                {"C422", "yuv422p", ZELT_CS_YUV422, 0, 0, 16},
+                {"C444", "yuv444p", ZELT_CS_YUV444, 0, 0, 24},
+                {"Cmono", "gray", ZELT_CS_YUV400, 0, 0, 8},
+                {"C420p10", "yuv420p10le", ZELT_CS_P010, 0, 0, 24},
+                {"C422p10 XZELT_MATRIX=BT2020", "yuv422p10le", ZELT_CS_P210, 2, 0, 32},
+                {"C444p10", "yuv444p10le", ZELT_CS_P410, 0, 0, 48}};
+    for (const auto& row : rows)
+        for (const int height : {2, 718, 720}) {
+            const std::string given = random_bytes(row.bytes * height / 2, 1), file = y4m(4, height, row.tags, {given});
+            const int matrix = row.matrix || height < 720 ? row.matrix : ZELT_VIDEO_BT709;
+            EXPECT_TRUE(zelt("convert -i - -o - --to raw --pix-fmt rgb24", file).out ==
+                        by_video(row.cs, ZELT_CS_RGB888, {matrix, row.range, ZELT_VIDEO_SMOOTH}, given, {4, height}))
+                << row.tags << " " << height;
+            EXPECT_TRUE(zelt(std::string("convert -i - -o - --to raw --pix-fmt ") + row.format, file).out == given);
+            // A Y4M file keeps layout, range and matrix.
+            const std::string again = zelt("convert -i - -o - --to y4m", file).out;
+            EXPECT_TRUE(again.ends_with("FRAME\n" + given));
+            EXPECT_NE(again.find(row.range ? " XCOLORRANGE=FULL" : " XCOLORRANGE=LIMITED"), std::string::npos);
+            EXPECT_EQ(again.find(" XZELT_MATRIX=BT2020") != std::string::npos, row.matrix == 2);
+            EXPECT_EQ(zelt("convert -i - -o - --to ppm", again).out, zelt("convert -i - -o - --to ppm", file).out);
+        }
+}
+
+TEST_F(conversions, there_and_back_keep_colours) {
+    for (const int rows : {64, 718, 720, 722}) {
+        std::string rgb;
+        for (int i = 0; i < 16 * rows; ++i)
+            rgb += {static_cast<char>(i % 16 * 17), static_cast<char>(i / 16 * 255 / rows), static_cast<char>(i * 5)};
+        store("in.ppm", ppm(16, rows, rgb));
+        const struct {
+            const char* options;
+            int bound;
+        } ways[] = {{"", 2}, {"--range full", 2}, {"--matrix bt2020", 2}, {"--matrix bt601 --pix-fmt yuv444", 2}};
+        for (const auto& way : ways) {
+            expect_success(zelt("convert -i in.ppm -o clip.y4m " + std::string(way.options)));
+            const std::string back = zelt("convert -i clip.y4m -o - --to raw --pix-fmt rgb24").out;
+            ASSERT_EQ(back.size(), rgb.size());
+            int most = 0;
+            for (std::size_t i = 0; i < rgb.size(); ++i)
+                most = std::max(most, std::abs(static_cast<uint8_t>(rgb[i]) - static_cast<uint8_t>(back[i])));
+            EXPECT_LE(most, way.bound) << way.options << " " << rows;
+        }
     }
-    expect_planes("", y4m(w, h, "Cmono", {y}), neutral);
-    expect_planes("", "P5 37 24 255\n" + y, neutral);
-    expect_planes(" --raw 37x24:gray", y, neutral);
+    // Grey of PGM files is of full range, and stays so.
+    EXPECT_EQ(zelt("convert -i - -o - --to y4m", "P5 2 1 255\nab").out,
+              y4m(2, 1, "F25:1 Ip A1:1 Cmono XCOLORRANGE=FULL", {"ab"}));
+    EXPECT_EQ(zelt("convert -i - -o - --to ppm", "P5 2 1 255\nab").out, ppm(2, 1, "aaabbb"));
 }
 
 TEST_F(tool, keeps_what_a_y4m_header_says) {
@@ -125,6 +232,10 @@ TEST_F(tool, keeps_what_a_y4m_header_says) {
     EXPECT_EQ(load("out.Y4M"), y4m(1, 1, tags, {frame, frame}));
     expect_success(zelt("convert -i in.y4m -o large.y4m --size 2x3 --limit 1"));
     EXPECT_EQ(load("large.y4m"), y4m(2, 3, tags, {std::string(18, 'x')}));
+    for (const std::string kind : {"420", "420jpeg", "420mpeg2", "420paldv"}) {
+        const std::string clip = y4m(2, 2, "F25:1 Ip A0:0 C" + kind + " XCOLORRANGE=LIMITED", {"abcdef"});
+        EXPECT_EQ(zelt("convert -i - -o - --to y4m", clip).out, clip);
+    }
 }
 
 TEST_F(tool, reads_png_pictures_of_every_kind) {
@@ -211,6 +322,8 @@ TEST_F(tool, streams) {
     EXPECT_EQ(several.out, "");
     EXPECT_EQ(shell("\"$Z\" convert -i - -o /dev/stdout --to ppm | cat", stream).out, both);
     EXPECT_EQ(zelt("convert -i - -o - --to y4m", ppm(1, 1, std::string("\xFF\0\0", 3))).out,
+              y4m(1, 1, "F25:1 Ip A1:1 C444 XCOLORRANGE=LIMITED", {"\x51\x5A\xF0"}));
+    EXPECT_EQ(zelt("convert -i - -o - --to y4m --range full", ppm(1, 1, std::string("\xFF\0\0", 3))).out,
               y4m(1, 1, "F25:1 Ip A1:1 C444 XCOLORRANGE=FULL", {"\x4D\x55\xFF"}));
     EXPECT_EQ(zelt("convert -i /dev/zero --raw 1x1:rgb888 --limit 1 -o - --to ppm").out, ppm(1, 1, std::string(3, 0)));
     EXPECT_TRUE(names().empty());

@@ -99,6 +99,38 @@ TEST_F(clips, damage_is_reported) {
     expect_failure(zelt("probe -i " + sample("pan.h264") + " >/dev/full"), 3, "standard output");
 }
 
+TEST_F(clips, are_decoded) {
+    // Digests are those of ffmpeg, which has the pictures' layouts and order.
+    const std::string h264 = sample("pan_h264.mp4"), hevc = sample("pan_hevc.mp4");
+    EXPECT_EQ(zelt("md5 -i " + h264).out, "MD5=93ccc6fe2913cde2dde97a5ec17d69ab\n");
+    const outcome each = zelt("md5 --per-frame -i " + h264);
+    EXPECT_NE(each.out.find("#tb 0: 1/25\n"), std::string::npos);
+    EXPECT_NE(each.out.find("0,          1,          1,        1,    38016, eff1674eeca0b3ea15ef569df5da0483\n"),
+              std::string::npos);
+    store("list", each.out);
+    expect_success(zelt("md5 -i - --verify list <" + h264));
+    // PSNR is that of ffmpeg's filter of that name: y:32.953746 u:39.867114 v:38.731603 average:34.234207
+    const outcome result = zelt("compare -i " + h264 + " -i " + hevc);
+    expect_success(result);
+    EXPECT_NE(result.out.find("\n    all    32.954    39.867    38.732    34.234 "), std::string::npos) << result.out;
+    EXPECT_TRUE(result.out.ends_with("\nthe first picture that differs is 0\n"));
+    EXPECT_TRUE(zelt("compare -i " + h264 + " -i " + h264).out.ends_with("\nno picture differs\n"));
+    // What is taken for granted is told.
+    EXPECT_EQ(zelt("convert -v -i " + hevc + " -o x.ppm --limit 1 --skip 3").err,
+              "176x144: yuv420 -> rgb888; limited range (as the file says), bt601 (by habit)\n1 written: x.ppm\n");
+    EXPECT_EQ(zelt("convert -v -i " + h264 + " -o x.png --limit 1 --range full --matrix bt2020").err,
+              "176x144: yuv420 -> rgb888; full range (as told), bt2020 (as told)\n1 written: x.png\n");
+    // A stream that begins between two key frames, and one that stops within a picture
+    const std::string whole = load(sample("pan.h264"));
+    store("late.h264", whole.substr(0, 38) + whole.substr(whole.find(std::string("\0\0\1\x41", 4))));
+    const outcome late = zelt("convert -v -i late.h264 -o late.y4m");
+    EXPECT_EQ(late.status, 0);
+    EXPECT_NE(late.err.find("38 written"), std::string::npos) << late.err;
+    for (const std::string text : {"GIF89a", "nothing"})
+        expect_failure(zelt("convert -i - -o x.ppm", text), 2, "standard input: is no clip or picture of a known kind");
+    expect_failure(zelt("convert -i " + sample("pan.nv12") + " -o x.ppm"), 2, "(raw pictures need --raw");
+}
+
 TEST_F(clips, the_module_is_found_where_it_is_installed) {
     const std::string run = "bin/zelt probe -i " + sample("pan.h264");
     const std::string folder = "\"bin/" ZELT_MODULE_FOLDER "\"";
@@ -108,6 +140,6 @@ TEST_F(clips, the_module_is_found_where_it_is_installed) {
 #endif
 
 TEST_F(clips, a_tool_without_the_module_says_so) {
-    for (const std::string verb : {"probe", "keyframes"})
+    for (const std::string verb : {"probe", "keyframes", "md5", "convert -o x.png", "match -o x.png"})
         expect_failure(shell("cp \"$Z\" . && ./zelt " + verb + " -i " + sample("pan.h264")), 4, "libavformat-dev");
 }

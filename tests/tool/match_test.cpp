@@ -55,10 +55,12 @@ std::string comparison(const std::string& name, const pictures& a, const picture
                 transformed += satd(part(a[n], w, h, x, y, 4, true), part(b[n], w, h, x, y, 4, true), 4);
     }
     const double samples = w * h * static_cast<double>(a.size());
-    const auto psnr = [&](int plane) { return 10 * std::log10(255.0 * 255 * samples / squares[plane]); };
-    char line[100];
-    std::snprintf(line, sizeof line, "%7s  %8.3f  %8.3f  %8.3f  %8.4f  %8.4f\n", name.c_str(), psnr(0), psnr(1),
-                  psnr(2), absolute / samples, transformed / samples);
+    const auto psnr = [&](double mean) { return 10 * std::log10(255.0 * 255 / mean); };
+    char line[120];
+    std::snprintf(line, sizeof line, "%7s  %8.3f  %8.3f  %8.3f  %8.3f  %9.4f  %8.4f  %8.4f\n", name.c_str(),
+                  psnr(squares[0] / samples), psnr(squares[1] / samples), psnr(squares[2] / samples),
+                  psnr((squares[0] + squares[1] + squares[2]) / samples / 3), squares[0] / samples, absolute / samples,
+                  transformed / samples);
     return line;
 }
 
@@ -104,11 +106,11 @@ TEST_F(compare, gives_what_the_formulas_give) {
     store("rgb.ppm", ppm(w, h, rgb[0]) + ppm(w, h, rgb[1]) + ppm(w, h, rgb[2]));
     for (std::string& picture : rgb) picture = converted("rgb888", "yuv444", picture);
     for (const auto& [name, other] : {std::pair{"b.y4m", b}, {"rgb.ppm", rgb}}) {
-        std::string wanted = "picture    PSNR Y    PSNR U    PSNR V     SAD Y    SATD Y\n";
+        std::string wanted = "picture    PSNR Y    PSNR U    PSNR V      PSNR      SSD Y     SAD Y    SATD Y\n";
         for (std::size_t n = 0; n < 3; ++n) wanted += comparison(std::to_string(n), {a[n]}, {other[n]}, w, h);
         const outcome result = zelt(std::string("compare -i a.y4m -i ") + name);
         expect_success(result);
-        EXPECT_EQ(result.out, wanted + comparison("all", a, other, w, h));
+        EXPECT_EQ(result.out, wanted + comparison("all", a, other, w, h) + "the first picture that differs is 0\n");
     }
 }
 

@@ -2,7 +2,9 @@
 
 #include "kernels/converters.h"
 #include "kernels/resize.h"
+#include "kernels/video.h"
 
+#include <algorithm>
 #include <numeric>
 #include <png.h>
 #include <random>
@@ -72,6 +74,32 @@ std::string resized(const std::string& format, const std::string& picture, shape
         result += resized(bytes, picture.substr(at, size), from, to);
         at += size;
     }
+    return result;
+}
+
+std::string by_video(int src_cs, int dst_cs, const meaning& how, std::string picture, shape size) {
+    ZELT_VIDEO request = {};
+    request.src_cs = src_cs, request.dst_cs = dst_cs;
+    request.matrix = how.matrix, request.range = how.range, request.chroma = how.chroma;
+    const auto named = [](int cs) -> const video_format& {
+        return *std::ranges::find(video_formats(), cs, &video_format::cs);
+    };
+    const video_format &from = named(src_cs), &to = named(dst_cs);
+    std::vector<view> planes;
+    std::size_t at = 0;
+    const auto add_planes = [&](const video_format& f, std::string& bytes) {
+        for (const operand& plane : f.operands(size, false)) {
+            if (&bytes != &picture) bytes.resize(at + static_cast<std::size_t>(plane.width * plane.rows));
+            planes.push_back({reinterpret_cast<u8*>(bytes.data()) + at, plane.width});
+            at += static_cast<std::size_t>(plane.width * plane.rows);
+        }
+    };
+    std::string result;
+    result.reserve(static_cast<std::size_t>(size.w * size.h * 8 + 64));  // so that planes stay where they are
+    add_planes(from, picture);
+    at = 0;
+    add_planes(to, result);
+    model_video(request, from, to, size, planes.data());
     return result;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 // Pictures for the tests: random samples, what the models of the kernels make of them, and files.
 #include "kernels/kernel.h"
+#include "zelt/video.h"
 
 #include <string>
 #include <vector>
@@ -18,6 +19,12 @@ std::string converted(const std::string& from, const std::string& to, std::strin
 /// A raw picture, or a plane whose pixels have so many bytes, at another size.
 std::string resized(const std::string& format, const std::string& picture, shape from, shape to);
 std::string resized(int bytes, std::string plane, shape from, shape to);
+
+/// What zelt/video.h is documented to give of a raw picture of one of its formats
+struct meaning {
+    int matrix, range, chroma;
+};
+std::string by_video(int src_cs, int dst_cs, const meaning& how, std::string picture, shape size);
 
 std::string y4m(int w, int h, const std::string& tags, const std::vector<std::string>& frames);
 std::string ppm(int w, int h, const std::string& bytes);

@@ -92,6 +92,7 @@ TEST_F(robustness, absurd_sizes) {
               "P6 " + size + " 255\nabc", "P5 " + size + " 255\nabc"})
             for (const bool piped : {false, true}) {
                 SCOPED_TRACE(bytes);
-                EXPECT_EQ(run("-o out.png", bytes, piped), 2);
+                // A grey picture that could just be, but not in colour
+                EXPECT_EQ(run("-o out.png", bytes, piped), bytes.starts_with("P5 1 2147483647") ? 4 : 2);
             }
 }

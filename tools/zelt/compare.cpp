@@ -1,4 +1,5 @@
 // zelt compare: how far two clips are apart.
+#include "input_options.h"
 #include "interrupt.h"
 #include "output.h"
 #include "pictures/reader.h"
@@ -11,15 +12,20 @@
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <cstdio>
+#include <optional>
 
 namespace zelt::tool {
 namespace {
 
 constexpr const char* notes = R"(
-Pictures are compared in yuv444, into which others are converted first. Each
-line has the PSNR of Y, U and V in decibels ('inf' where nothing differs), and
-for Y the absolute difference and its Hadamard transform's (SATD of 4x4 tiles),
-both as means over the samples. The last line is over all pictures.)";
+Inputs are what 'zelt convert' reads. Planes of one layout are compared as they
+are, of 8 and of 10 bits, packed and semi-planar ones as the planar layout of
+the same samples; where the layouts differ both become yuv444, RGB with the
+range and matrix of the other clip. Each line has the PSNR of Y, U and V and of
+all samples in decibels ('inf' where nothing differs, '-' where there is no such
+plane), and for Y the squared difference (SSD), the absolute one (SAD) and its
+Hadamard transform's (SATD of 4x4 tiles), as means over the samples. The last
+lines are over all pictures, and say which one is the first that differs.)";
 
 /// Sums over the samples of one plane or more
 struct distance {
@@ -28,66 +34,117 @@ struct distance {
     void add(const distance& d) {
         squares += d.squares, absolute += d.absolute, transformed += d.transformed, samples += d.samples;
     }
-    double psnr() const {
-        return 10 * std::log10(255.0 * 255 * static_cast<double>(samples) / static_cast<double>(squares));
-    }
     double mean(uint64_t sum) const { return static_cast<double>(sum) / static_cast<double>(samples); }
+    std::string psnr(int bits) const {
+        char text[32] = "-";
+        const double peak = (1 << bits) - 1;
+        if (samples) std::snprintf(text, sizeof text, "%.3f", 10 * std::log10(peak * peak / mean(squares)));
+        return text;
+    }
+};
+
+template <class T> struct metrics;
+template <> struct metrics<uint8_t> {
+    static constexpr auto ssd = zelt_ssd;
+    static constexpr auto sad = zelt_sad64x64;
+    static constexpr auto satd = zelt_satd;
+};
+template <> struct metrics<int16_t> {
+    static constexpr auto ssd = zelt_ssd_16;
+    static constexpr auto sad = zelt_sad64x64_16;
+    static constexpr auto satd = zelt_satd_16;
 };
 
 /// Whole blocks of 64x64: the zeros beyond the pictures add nothing.
-distance between(const picture& a, const picture& b, int i) {
+template <class T> distance between(const picture& a, const picture& b, int i) {
     constexpr int block = 64;
-    const plane pa(a, i, block, padding::zero), pb(b, i, block, padding::zero);
+    const plane_of<T> pa(a, i, block, padding::zero), pb(b, i, block, padding::zero);
     distance d;
-    d.samples = static_cast<uint64_t>(a.w) * static_cast<uint64_t>(a.h);
-    for (int y = 0; y < a.h; y += block)
-        for (int x = 0; x < a.w; x += block) {
-            d.squares += zelt_ssd(block, block, pa.at(x, y), pb.at(x, y), pa.stride, pb.stride);
-            d.absolute += zelt_sad64x64(pa.at(x, y), pb.at(x, y), pa.stride, pb.stride);
-            d.transformed +=
-                static_cast<uint64_t>(zelt_satd(block, block, pa.at(x, y), pb.at(x, y), pa.stride, pb.stride));
+    d.samples = static_cast<uint64_t>(pa.w) * static_cast<uint64_t>(pa.h);
+    for (int y = 0; y < pa.h; y += block)
+        for (int x = 0; x < pa.w; x += block) {
+            const T *sa = pa.at(x, y), *sb = pb.at(x, y);
+            d.squares += metrics<T>::ssd(block, block, sa, sb, pa.stride, pb.stride);
+            d.absolute += metrics<T>::sad(sa, sb, pa.stride, pb.stride);
+            d.transformed += static_cast<uint64_t>(metrics<T>::satd(block, block, sa, sb, pa.stride, pb.stride));
         }
     return d;
 }
 
-void print(const std::string& name, const distance (&d)[3]) {
-    std::printf("%7s  %8.3f  %8.3f  %8.3f  %8.4f  %8.4f\n", name.c_str(), d[0].psnr(), d[1].psnr(), d[2].psnr(),
-                d[0].mean(d[0].absolute), d[0].mean(d[0].transformed));
-}
+/// Of the planes Y, U and V, those that there are
+struct distances {
+    distance plane[3];
+
+    distances() = default;
+    distances(const picture& a, const picture& b) {
+        for (int i = 0; i < a.fmt->planes; ++i)
+            plane[i] = a.fmt->bits > 8 ? between<int16_t>(a, b, i) : between<uint8_t>(a, b, i);
+    }
+    void add(const distances& d) {
+        for (int i = 0; i < 3; ++i) plane[i].add(d.plane[i]);
+    }
+    distance whole() const {
+        distance sum;
+        for (const distance& d : plane) sum.add(d);
+        return sum;
+    }
+    void print(const std::string& name, int bits) const {
+        const distance& y = plane[0];
+        std::printf("%7s  %8s  %8s  %8s  %8s  %9.4f  %8.4f  %8.4f\n", name.c_str(), y.psnr(bits).c_str(),
+                    plane[1].psnr(bits).c_str(), plane[2].psnr(bits).c_str(), whole().psnr(bits).c_str(),
+                    y.mean(y.squares), y.mean(y.absolute), y.mean(y.transformed));
+    }
+};
 
 /// One of the two clips
 struct side {
     std::unique_ptr<reader> in;
-    route to_yuv;
-    picture pic;
+    std::optional<route> way;
 
-    explicit side(std::unique_ptr<reader> opened)
-        : in(std::move(opened)), to_yuv(*in->about().fmt, format_of(ZELT_CS_YUV444), in->about().w, in->about().h),
-          pic(*in->about().fmt, in->about().w, in->about().h) {}
-    const picture& next() {
-        in->read(pic);
-        return to_yuv.run(pic);
+    void become(const format& fmt, const colours& meaning) {
+        const clip& about = in->about();
+        way.emplace(*about.fmt, fmt, route::size{about.w, about.h}, meaning);
     }
+    const picture& next() { return way->run(in->next()); }
 };
 
-void compare(const std::vector<std::string>& paths) {
-    side a(open_reader(paths[0], "")), b(open_reader(paths[1], ""));
-    if (a.pic.w != b.pic.w || a.pic.h != b.pic.h)
+/// The layout that both are compared in; RGB gets the other one's colours.
+const format& prepare(side& a, side& b, const told_colours& told) {
+    const clip &of_a = a.in->about(), &of_b = b.in->about();
+    const format &planar_a = planar_yuv(*of_a.fmt), &planar_b = planar_yuv(*of_b.fmt);
+    const bool rgb = !of_a.fmt->yuv || !of_b.fmt->yuv;
+    const format& fmt = planar_a.cs == planar_b.cs && !rgb ? planar_a : format_of(ZELT_CS_YUV444);
+    colours meaning;
+    if (rgb && of_a.fmt->yuv != of_b.fmt->yuv) meaning = colours_of(of_a.fmt->yuv ? of_a : of_b, told, of_a.h);
+    for (side* s : {&a, &b}) s->become(fmt, meaning);
+    return fmt;
+}
+
+void compare(const std::vector<std::string>& paths, const input_options& how) {
+    side a{open_reader(paths[0], how.raw), {}}, b{open_reader(paths[1], how.raw), {}};
+    if (a.in->about().w != b.in->about().w || a.in->about().h != b.in->about().h)
         throw failure(status::bad_input, "the pictures of " + paths[0] + " and " + paths[1] + " differ in size");
-    std::printf("%7s  %8s  %8s  %8s  %8s  %8s\n", "picture", "PSNR Y", "PSNR U", "PSNR V", "SAD Y", "SATD Y");
-    distance all[3];
-    int n = 0;
+    const int bits = prepare(a, b, how.colours).bits;
+    std::printf("%7s  %8s  %8s  %8s  %8s  %9s  %8s  %8s\n", "picture", "PSNR Y", "PSNR U", "PSNR V", "PSNR", "SSD Y",
+                "SAD Y", "SATD Y");
+    distances all;
+    int n = 0, first = -1;
     progress line(0);
     for (; a.in->more() && b.in->more(); ++n) {
         if (caught_signal()) throw failure(status::output_failed, "interrupted");
         const picture &pa = a.next(), &pb = b.next();
-        distance d[3];
-        for (int i = 0; i < 3; ++i) d[i] = between(pa, pb, i), all[i].add(d[i]);
-        print(std::to_string(n), d);
+        const distances d(pa, pb);
+        d.print(std::to_string(n), bits);
+        all.add(d);
+        if (first < 0 && d.whole().squares) first = n;
         line.tick();
     }
     if (!n) throw failure(status::bad_input, "there are no two pictures to compare");
-    print("all", all);
+    all.print("all", bits);
+    if (first < 0)
+        std::printf("no picture differs\n");
+    else
+        std::printf("the first picture that differs is %d\n", first);
     finish_output();
     if (a.in->more() || b.in->more())
         throw failure(status::bad_input, paths[a.in->more() ? 0 : 1] + ": has more pictures than the other clip");
@@ -96,17 +153,24 @@ void compare(const std::vector<std::string>& paths) {
 }  // namespace
 
 void add_compare(CLI::App& app) {
-    CLI::App* verb = app.add_subcommand("compare", "Measures how far two clips are apart: PSNR, SAD, SATD");
-    const auto paths = std::make_shared<std::vector<std::string>>();
-    verb->add_option("-i,--input", *paths, "What to read, once for each clip; - is standard input")
+    CLI::App* verb = app.add_subcommand("compare", "Measures how far two clips are apart: PSNR, SSD, SAD, SATD");
+    struct options {
+        std::vector<std::string> paths;
+        input_options input;
+    };
+    const auto opt = std::make_shared<options>();
+    verb->add_option("-i,--input", opt->paths, "What to read, once for each clip; - is standard input")
         ->required()
         ->type_name("FILE");
+    opt->input.add_raw(*verb);
+    opt->input.add_range(*verb);
+    opt->input.add_matrix(*verb);
     verb->footer(notes);
-    verb->callback([paths] {
-        if (paths->size() != 2)
+    verb->callback([opt] {
+        if (opt->paths.size() != 2)
             throw failure(status::wrong_use, "two clips are compared, each with a --input of its own, not " +
-                                                 std::to_string(paths->size()));
-        compare(*paths);
+                                                 std::to_string(opt->paths.size()));
+        compare(opt->paths, opt->input);
     });
 }
 

@@ -1,6 +1,7 @@
 // The module behind container.h: tracks and access units through libavformat, start codes through libavcodec's
 // bitstream filters.
 #include "container.h"
+#include "libav.h"
 #include "pictures/failure.h"
 #include "zelt/fcc2mt.h"
 
@@ -8,22 +9,11 @@
 #include <limits>
 
 extern "C" {
-#include <libavcodec/avcodec.h>
 #include <libavcodec/bsf.h>
-#include <libavformat/avformat.h>
 }
 
 namespace zelt::tool {
 namespace {
-
-template <auto Free> struct freed {
-    template <class T> void operator()(T* p) const { Free(&p); }
-};
-
-std::string error_text(int error) {
-    char text[AV_ERROR_MAX_STRING_SIZE];
-    return av_strerror(error, text, sizeof text) == 0 ? text : "unknown error";
-}
 
 /// By the code that a track has in its container or, where that says nothing, by those of its coding in MP4 and AVI
 int32_t media_type_of(const AVCodecParameters& par) {

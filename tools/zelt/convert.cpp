@@ -1,4 +1,5 @@
 // zelt convert: pictures from one kind of file and pixel format to another.
+#include "input_options.h"
 #include "interrupt.h"
 #include "pictures/failure.h"
 #include "pictures/reader.h"
@@ -17,31 +18,44 @@ namespace zelt::tool {
 namespace {
 
 constexpr const char* notes = R"(
-Input is told by its content: Y4M (4:4:4, 4:2:2, 4:2:0 or mono, full range),
-PNG of any kind, binary PPM and PGM, one or several in a row. Grey pictures and
-those with reduced chroma become yuv444.
+Input is told by its content: Y4M (mono, 4:2:0, 4:2:2 and 4:4:4 of 8 bits, the
+latter three of 10), PNG of any kind, binary PPM and PGM, one or several in a
+row, and any clip that libavformat and libavcodec read, where they are
+installed. --raw reads bytes without a header.
 
 Output is told by its extension (.png .ppm .y4m .raw .yuv .rgb) or --to, which
 standard output needs. PNG files hold rgb888, or rgba8888 where the input has
-alpha; PPM files rgb888, Y4M files yuv444, raw files the format of --pix-fmt.
-An existing file is replaced, when the new one is complete.
+alpha; PPM files rgb888, Y4M files what the input has or yuv444, raw files the
+format of --pix-fmt. An existing file is replaced, when the new one is complete.
 
 Several pictures to PNG or PPM make a numbered series: out.png gives
 out-0001.png, out-0002.png and so on; out-%03d.png says where the number goes.
 On standard output PPM pictures follow each other, PNG takes one. A series is
 written whole or not at all.
 
---size resizes, bilinearly: in one pass with the conversion where the library
-has a converter for that, otherwise before it. --bands does it in bands of rows,
-as a decoder would hand them over; the pictures are the same.
+The range and the matrix of YUV samples are --range and --matrix, else what the
+file says, else what is usual: limited, and bt709 from 720 rows up, bt601 below.
+-v says what was taken. YUV that is written from RGB has the same ones, by its
+own rows; from YUV it keeps those of the input, and Y4M files say which.
 
-Formats without a direct converter go through yuv444, yuv444a8 or planar RGB
-(8-bit YUV loses a little); -v says so. 'zelt formats' lists the converters.)";
+--chroma says how chroma of 4:2:0, 4:2:2 and 4:4:0 gets the size of luma: smooth
+or replicated. --size resizes: by --filter bilinear, or area, which is the
+default below half of the width or height, where bilinear would miss samples.
+It is one pass with the conversion where the library has that. --bands resizes
+in bands of rows, bilinearly, as a decoder would hand them over; the pictures
+are the same.
+
+Full-range bt601 between yuv444 and RGB, such as --pix-fmt yuv444 --range full
+from a PNG file and back, is the library's dispatch (zelt/csc.h), and so is
+yuv444a8; everything else is zelt/video.h. RGB becomes other RGB exactly.
+Formats without a direct conversion go through planar RGB or yuv444; -v says so.
+'zelt formats' lists them.)";
 
 constexpr uint64_t unlimited = std::numeric_limits<uint64_t>::max();
 
 struct options {
-    std::string in, out, to, raw, pix_fmt, size;
+    std::string in, out, to, pix_fmt, size, chroma = "smooth", filter;
+    input_options input;
     uint64_t skip = 0, limit = unlimited, bands = 0;
     bool verbose = false;
 };
@@ -67,12 +81,12 @@ void check_interrupt() {
     if (caught_signal()) throw failure(status::output_failed, "interrupted");
 }
 
-uint64_t write_pictures(reader& in, route& path, picture& pic, writer& out, uint64_t limit) {
+uint64_t write_pictures(reader& in, route& path, writer& out, uint64_t limit) {
     progress line(limit == unlimited ? 0 : limit);
     uint64_t n = 0;
     for (bool more = true; more;) {
         check_interrupt();
-        in.read(pic);
+        const picture& pic = in.next();
         more = ++n < limit && in.more();
         out.write(path.run(pic), more);
         line.tick();
@@ -81,32 +95,55 @@ uint64_t write_pictures(reader& in, route& path, picture& pic, writer& out, uint
     return n;
 }
 
-void convert(const options& opt) {
-    const file_kind& kind = kind_of_output(opt.to, opt.out);
-    if (kind.formats.empty() || !opt.pix_fmt.empty()) format_for(kind, opt.pix_fmt, false);  // before any file is read
-
+manner manner_of(const options& opt) {
     const bool power_of_two = opt.bands <= 1 << 30 && (opt.bands & (opt.bands - 1)) == 0;
     if (!power_of_two) throw failure(status::wrong_use, "--bands takes a power of two");
     if (opt.bands && opt.size.empty()) throw failure(status::wrong_use, "--bands goes with --size");
+    manner how;
+    how.band_rows = static_cast<int>(opt.bands);
+    how.chroma = opt.chroma == "smooth" ? ZELT_VIDEO_SMOOTH : ZELT_VIDEO_REPLICATED;
+    if (!opt.filter.empty()) how.filter = opt.filter == "area" ? ZELT_VIDEO_AREA : ZELT_VIDEO_BILINEAR;
+    return how;
+}
+
+/// What is written: the input's pictures in another format and size
+clip result_of(const clip& about, const format& fmt, route::size at, const colours& meaning) {
+    clip result = about;
+    result.fmt = &fmt, result.w = at.w, result.h = at.h;
+    result.matrix = meaning.matrix, result.range = meaning.range;
+    return result;
+}
+
+void say_how(const clip& about, const format& to, const route& path, const colours& meaning) {
+    std::string text = path.text();
+    if (about.fmt->yuv || to.yuv) text += "; " + meaning.text();
+    if (!about.note.empty()) text += "; " + about.note;
+    std::fprintf(stderr, "%dx%d: %s\n", about.w, about.h, text.c_str());
+}
+
+void convert(const options& opt) {
+    const file_kind& kind = kind_of_output(opt.to, opt.out);
+    // What is wrong with the arguments is said before any file is read.
+    const format* asked = opt.pix_fmt.empty() ? nullptr : &asked_format(kind, opt.pix_fmt);
+    if (!asked && kind.formats.empty()) throw failure(status::wrong_use, "raw output needs --pix-fmt");
+    manner how = manner_of(opt);
     const route::size wanted = opt.size.empty() ? route::size{} : size_of(opt.size);
 
-    const std::unique_ptr<reader> in = open_reader(opt.in, opt.raw);
+    const std::unique_ptr<reader> in = open_reader(opt.in, opt.input.raw);
     const clip about = in->about();
-    const route::size given = {about.w, about.h};
-    clip result = about;
-    if (!opt.size.empty()) result.w = wanted.w, result.h = wanted.h;
-    route path(*about.fmt, given, format_for(kind, opt.pix_fmt, about.fmt->alpha), {result.w, result.h},
-               static_cast<int>(opt.bands));
-    if (opt.verbose) std::fprintf(stderr, "%dx%d: %s\n", about.w, about.h, path.text().c_str());
+    const format& to = asked ? *asked : default_format(kind, *about.fmt);
+    const route::size given = {about.w, about.h}, at = opt.size.empty() ? given : wanted;
+    how.meaning = colours_of(about, opt.input.colours, about.fmt->yuv ? given.h : at.h);
+    route path(*about.fmt, given, to, at, how);
+    if (opt.verbose) say_how(about, to, path, how.meaning);
 
-    picture pic(*about.fmt, about.w, about.h);
-    for (uint64_t n = 0; n < opt.skip && in->more(); ++n, check_interrupt()) in->read(pic);
+    for (uint64_t n = 0; n < opt.skip && in->more(); ++n, check_interrupt()) in->next();
     if (!in->more())
         throw failure(status::bad_input,
                       opt.in + (opt.skip ? ": has no picture after those to skip" : ": has no picture"));
 
-    writer out(kind, opt.out, result);
-    const uint64_t written = write_pictures(*in, path, pic, out, opt.limit);
+    writer out(kind, opt.out, result_of(about, to, at, how.meaning));
+    const uint64_t written = write_pictures(*in, path, out, opt.limit);
     if (opt.verbose) std::fprintf(stderr, "%" PRIu64 " written: %s\n", written, out.summary().c_str());
 }
 
@@ -118,14 +155,19 @@ void add_convert(CLI::App& app) {
     verb->add_option("-i,--input", opt->in, "What to read; - is standard input")->required()->type_name("FILE");
     verb->add_option("-o,--output", opt->out, "What to write; - is standard output")->required()->type_name("FILE");
     verb->add_option("--to", opt->to, "Kind of output: png, ppm, y4m or raw")->type_name("KIND");
-    verb->add_option("--raw", opt->raw, "Read raw pictures of this layout, such as 640x480:rgb888")
-        ->type_name("WxH:FORMAT");
+    opt->input.add_raw(*verb);
+    opt->input.add_range(*verb);
+    opt->input.add_matrix(*verb);
     verb->add_option("--pix-fmt", opt->pix_fmt, "Pixel format to write (see zelt formats)")->type_name("FORMAT");
     const auto add_count = [verb](const char* name, uint64_t& to, uint64_t least, const char* about) {
         const auto set = [name, &to, least](const std::string& text) { to = count(name, text, least); };
         verb->add_option_function<std::string>(name, set, about)->type_name("N");
     };
     verb->add_option("--size", opt->size, "Size of the pictures written")->type_name("WxH");
+    verb->add_option("--filter", opt->filter, "How to resize")->check(CLI::IsMember({"bilinear", "area"}));
+    verb->add_option("--chroma", opt->chroma, "How to give chroma the size of luma")
+        ->check(CLI::IsMember({"smooth", "replicate"}))
+        ->capture_default_str();
     add_count("--bands", opt->bands, 1, "Resize so many rows at a time, a power of two");
     add_count("--skip", opt->skip, 0, "Pictures to pass over first");
     add_count("--limit", opt->limit, 1, "Pictures to convert at most");

@@ -1,6 +1,7 @@
 // zelt match: where the blocks of a picture come from in the one before, by full search.
 #include "match.h"
 
+#include "input_options.h"
 #include "interrupt.h"
 #include "output.h"
 #include "pictures/reader.h"
@@ -17,20 +18,23 @@
 #include <cstdio>
 #include <limits>
 #include <map>
+#include <optional>
+#include <utility>
 
 namespace zelt::tool {
 namespace {
 
 constexpr const char* notes = R"(
-Every block of a picture's luma is compared with all places within the range in
-the picture before, whose edges are replicated outside. Of equal costs the
-shortest vector wins. The picture that is written has the vectors as arrows,
-from where a block comes to where it is, and beside them the costs, dark for the
-lowest. Without --frame all pictures but the first are matched, into a numbered
-series.)";
+Input is what 'zelt convert' reads. Every block of a picture's luma is compared
+with all places within the range in the picture before, whose edges are
+replicated outside. Of equal costs the shortest vector wins. The picture that is
+written has the vectors as arrows, from where a block comes to where it is, and
+beside them the costs, dark for the lowest. Without --frame all pictures but the
+first are matched, into a numbered series.)";
 
 struct options {
     std::string in, out, metric = "sad";
+    input_options input;
     int block = 16, range = 16, frame = 0;
     bool csv = false;
 };
@@ -69,13 +73,13 @@ public:
         : block_(opt.block), margin_(opt.block + opt.range),
           metric_(*std::ranges::find(metrics, opt.metric, &metric::name)), candidates_(candidates(opt.range)) {}
 
-    motion_field match(const picture& before, const picture& now) {
-        const plane from(before, 0, margin_, padding::replicate), to(now, 0, margin_, padding::replicate);
+    plane luma(const picture& pic) const { return {pic, 0, margin_, padding::replicate}; }
+    motion_field match(const plane& from, const plane& to) {
         motion_field field = {block_, {}};
-        progress line(static_cast<uint64_t>((now.h + block_ - 1) / block_), "rows of blocks");
-        for (int y = 0; y < now.h; y += block_, line.tick()) {
+        progress line(static_cast<uint64_t>((to.h + block_ - 1) / block_), "rows of blocks");
+        for (int y = 0; y < to.h; y += block_, line.tick()) {
             if (caught_signal()) throw failure(status::output_failed, "interrupted");
-            for (int x = 0; x < now.w; x += block_) field.blocks.push_back(match_block(from, to, x, y));
+            for (int x = 0; x < to.w; x += block_) field.blocks.push_back(match_block(from, to, x, y));
         }
         return field;
     }
@@ -131,11 +135,12 @@ void print_row(const motion_field& field, int frame) {
 
 void match(const options& opt) {
     const file_kind& kind = kind_of_output("", opt.out);
-    const format& rgb = format_for(kind, "rgb888", false);
-    const std::unique_ptr<reader> in = open_reader(opt.in, "");
+    const format& rgb = asked_format(kind, "rgb888");
+    const std::unique_ptr<reader> in = open_reader(opt.in, opt.input.raw);
     const clip about = in->about();
-    route to_yuv(*about.fmt, format_of(ZELT_CS_YUV444), about.w, about.h);
-    route to_rgb(*about.fmt, rgb, about.w, about.h);
+    const route::size size = {about.w, about.h};
+    const colours meaning = about.fmt->yuv ? colours_of(about, opt.input.colours, about.h) : colours{};
+    route to_rgb(*about.fmt, rgb, size, meaning);
     searcher search(opt);
     clip map = about;
     map.fmt = &rgb, map.w = 2 * about.w;
@@ -146,16 +151,16 @@ void match(const options& opt) {
     else
         std::printf("%7s  %6s  %10s  %7s  %12s  %7s\n", "picture", "blocks", ("mean " + opt.metric).c_str(), "vectors",
                     "most often", "share");
-    picture even(*about.fmt, about.w, about.h), odd(*about.fmt, about.w, about.h);
+    route to_yuv(*about.fmt, format_of(ZELT_CS_YUV444), size, meaning);
+    std::optional<plane> before;
     int matched = 0;
     for (int n = 0; in->more() && (opt.frame == 0 || n <= opt.frame); ++n) {
-        picture &now = n % 2 ? odd : even, &before = n % 2 ? even : odd;
-        in->read(now);
+        const picture& pic = in->next();
+        const std::optional<plane> last = std::exchange(before, search.luma(to_yuv.run(pic)));
         if (n == 0 || (opt.frame != 0 && n != opt.frame)) continue;
-        route before_to_yuv(*about.fmt, format_of(ZELT_CS_YUV444), about.w, about.h);
-        const motion_field field = search.match(before_to_yuv.run(before), to_yuv.run(now));
+        const motion_field field = search.match(*last, *before);
         opt.csv ? print_csv(field, n) : print_row(field, n);
-        out.write(map_of(field, to_rgb.run(now)), opt.frame == 0 && in->more());
+        out.write(map_of(field, to_rgb.run(pic)), opt.frame == 0 && in->more());
         ++matched;
     }
     if (!matched)
@@ -176,6 +181,8 @@ void add_match(CLI::App& app) {
     const auto opt = std::make_shared<options>();
     verb->add_option("-i,--input", opt->in, "A clip; - is standard input")->required()->type_name("FILE");
     verb->add_option("-o,--output", opt->out, "Picture of the motion")->required()->type_name("FILE");
+    opt->input.add_raw(*verb);
+    opt->input.add_matrix(*verb);  // --range is how far to look
     verb->add_option("--block", opt->block, "Size of a block")
         ->check(CLI::IsMember({4, 8, 16, 32, 64}))
         ->capture_default_str();

@@ -24,9 +24,15 @@ picture::picture(const format& f, int width, int height, const uint32_t* align, 
     uint8_t* at = memory_.get();
     for (int i = 0; i < f.planes; ++i) {
         plane[i] = at;
-        stride[i] = w * f.bytes[i];
-        at += row_bytes(i) * static_cast<std::size_t>(h);
+        stride[i] = static_cast<int32_t>(row_bytes(i));
+        at += row_bytes(i) * static_cast<std::size_t>(rows(i));
     }
+}
+
+picture::picture(const format& f, int width, int height, void* const* planes, const int32_t* strides)
+    : fmt(&f), w(width), h(height) {
+    std::copy_n(planes, f.planes, plane);
+    std::copy_n(strides, f.planes, stride);
 }
 
 }  // namespace zelt::tool

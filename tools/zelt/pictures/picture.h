@@ -8,12 +8,15 @@
 
 namespace zelt::tool {
 
-/// A picture of any format: an image buffer where the library has one for the format, own memory elsewhere.
+/// A picture of any format: an image buffer where the library has one for the format, own memory elsewhere, or planes
+/// of somebody else's.
 class picture {
 public:
     /// Throws a failure where the picture is too large. Contents are undefined. Alignment and padding are words as
     /// zelt_imgb_create takes them; formats without image buffers have neither.
     picture(const format& fmt, int w, int h, const uint32_t* align = nullptr, const uint32_t* pad = nullptr);
+    /// A view
+    picture(const format& fmt, int w, int h, void* const* planes, const int32_t* strides);
 
     const format* fmt;
     int w, h;
@@ -21,7 +24,9 @@ public:
     int32_t stride[4] = {};
 
     uint8_t* row(int i, int y) const { return static_cast<uint8_t*>(plane[i]) + std::ptrdiff_t{stride[i]} * y; }
-    std::size_t row_bytes(int i) const { return static_cast<std::size_t>(w) * fmt->bytes[i]; }
+    std::size_t row_bytes(int i) const { return static_cast<std::size_t>(fmt->row_bytes(i, w)); }
+    int columns(int i) const { return fmt->columns(i, w); }
+    int rows(int i) const { return fmt->rows(i, h); }
 
 private:
     struct release {

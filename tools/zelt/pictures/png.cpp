@@ -45,9 +45,9 @@ struct handles {
     ~handles() { png_destroy_read_struct(&png, &info, nullptr); }
 };
 
-class png_reader : public reader {
+class png_reader : public file_reader {
 public:
-    explicit png_reader(input in) : reader(std::move(in)) {
+    explicit png_reader(input in) : file_reader(std::move(in)) {
         libpng_.png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &complaint_, on_error, on_warning);
         if (!libpng_.png) throw std::bad_alloc();
         const bool done = attempt(libpng_.png, [this] {

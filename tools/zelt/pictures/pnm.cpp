@@ -1,19 +1,20 @@
 // Binary PPM and PGM, one picture or several of a kind in a row.
 #include "pictures/reader.h"
 #include "pictures/writer.h"
-#include "zelt/common.h"
+#include "zelt/video.h"
 
 #include <cctype>
 
 namespace zelt::tool {
 namespace {
 
-class pnm_reader : public reader {
+class pnm_reader : public file_reader {
 public:
-    explicit pnm_reader(input in) : reader(std::move(in)) {
+    explicit pnm_reader(input in) : file_reader(std::move(in)) {
         const header first = read_header();
         kind_ = first.kind;
-        shape(format_of(kind_ == '5' ? ZELT_CS_YUV444 : ZELT_CS_RGB888), first.w, first.h);
+        shape(format_of(kind_ == '5' ? ZELT_CS_YUV400 : ZELT_CS_RGB888), first.w, first.h);
+        if (kind_ == '5') about_.range = ZELT_VIDEO_FULL;
     }
 
     bool more() override {
@@ -29,7 +30,7 @@ public:
                 in_.bad("holds pictures of several sizes or kinds");
         }
         header_read_ = false;
-        kind_ == '5' ? read_grey(into) : read_planes(into);
+        read_planes(into);
     }
 
 private:

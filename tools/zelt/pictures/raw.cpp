@@ -1,22 +1,18 @@
 // Raw pictures: the rows of every plane without gaps, plane after plane, picture after picture.
 #include "pictures/failure.h"
 #include "pictures/reader.h"
-#include "zelt/common.h"
 
 namespace zelt::tool {
 namespace {
 
-class raw_reader : public reader {
+class raw_reader : public file_reader {
 public:
-    raw_reader(input in, const format& fmt, int w, int h) : reader(std::move(in)), grey_(fmt.cs == ZELT_CS_YUV400) {
-        shape(grey_ ? format_of(ZELT_CS_YUV444) : fmt, w, h);
+    raw_reader(input in, const format& fmt, int w, int h) : file_reader(std::move(in)) {
+        shape(fmt, w, h);
         if (in_.peek() == EOF) in_.bad("is empty");
     }
     bool more() override { return in_.peek() != EOF; }
-    void read(picture& into) override { grey_ ? read_grey(into) : read_planes(into); }
-
-private:
-    bool grey_;
+    void read(picture& into) override { read_planes(into); }
 };
 
 }  // namespace
@@ -29,7 +25,7 @@ std::unique_ptr<reader> read_raw(input in, const std::string& layout) {
         const format& fmt = named_format(text.substr(colon + 1));
         if (fits(fmt, w, h)) return std::make_unique<raw_reader>(std::move(in), fmt, w, h);
     }
-    throw failure(status::wrong_use, "--raw takes WxH:FORMAT, such as 640x480:rgb888, not '" + layout + "'");
+    throw failure(status::wrong_use, "--raw takes WxH:FORMAT, such as 640x480:nv12, not '" + layout + "'");
 }
 
 }  // namespace zelt::tool

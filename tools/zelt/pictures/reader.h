@@ -4,6 +4,7 @@
 #include "pictures/stream.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -14,44 +15,51 @@ struct clip {
     const format* fmt = nullptr;
     int w = 0, h = 0;
     std::string rate = "25:1", aspect = "1:1", interlacing = "p";
+    std::string siting = "jpeg";           // where chroma of 4:2:0 lies, after "420"
+    std::optional<int32_t> matrix, range;  // ZELT_VIDEO_*, where the file says so
+    std::string other_matrix;              // the name of one that the library has not
+    std::string note;                      // what else the user may want to know
 };
 
 class reader {
 public:
     virtual ~reader() = default;
     const clip& about() const { return about_; }
-    virtual bool more() = 0;               // whether there is another picture
-    virtual void read(picture& into) = 0;  // the next picture, of about()'s size and format
+    virtual bool more() = 0;            // whether there is another picture
+    virtual const picture& next() = 0;  // which is of about()'s size and format, and stays until the next call
 
 protected:
-    explicit reader(input in) : in_(std::move(in)) {}
+    clip about_;
+};
+
+/// A reader that fills one picture after the other from bytes
+class file_reader : public reader {
+public:
+    const picture& next() final;
+
+protected:
+    explicit file_reader(input in) : in_(std::move(in)) {}
+    virtual void read(picture& into) = 0;
     void shape(const format& fmt, int w, int h);  // sets what about() says, or a failure
     void read_planes(picture& into);              // rows of all planes, one after the other
-    void read_grey(picture& into);                // luma rows, for a YUV444 picture without colour
 
     input in_;
-    clip about_;
+
+private:
+    std::optional<picture> picture_;
 };
 
 /// A number in a header, whole and within 31 bits, or -1.
 int header_number(std::string_view digits);
 
-/// What a Y4M header says; the clip's format is not set.
-struct y4m_header {
-    clip about;
-    std::string kind = "420";  // of its pictures, and what a header without one means
-    int32_t cs = 0;            // their colour space: YUV400, 420, 422 or 444 of 8 bits, or 0 for other kinds
-    bool limited = false;      // whether it says so of the range of its samples
-};
-y4m_header read_y4m_header(input& in);
-void read_y4m_frame(input& in);  // the line before each picture
-
 std::unique_ptr<reader> read_y4m(input in);
 std::unique_ptr<reader> read_pnm(input in);
 std::unique_ptr<reader> read_png(input in);
 std::unique_ptr<reader> read_raw(input in, const std::string& layout);
+std::unique_ptr<reader> read_coded(input in, bool bytes);  // by the module, see decoder.h
 
-/// Opens a file by what it begins with; raw pictures by their layout, "WxH:FORMAT", which is empty otherwise.
-std::unique_ptr<reader> open_reader(const std::string& path, const std::string& raw_layout);
+/// Opens a file by what it begins with; raw pictures by their layout, "WxH:FORMAT", which is empty otherwise. With
+/// `bytes` what only the module reads may have any layout, and comes as a row of bytes.
+std::unique_ptr<reader> open_reader(const std::string& path, const std::string& raw_layout, bool bytes = false);
 
 }  // namespace zelt::tool

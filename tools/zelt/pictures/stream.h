@@ -22,10 +22,11 @@ public:
     explicit input(const std::string& path);
 
     FILE* handle() const { return file_.get(); }
-    int peek();                              // the next byte, left where it is, or EOF
-    int get();                               // the next byte, or EOF
-    void read(void* to, std::size_t bytes);  // exactly so many, or a failure
-    void expect(int64_t bytes);              // a failure where a regular file holds fewer from here on
+    const std::string& name() const { return name_; }  // for messages
+    int peek();                                        // the next byte, left where it is, or EOF
+    int get();                                         // the next byte, or EOF
+    void read(void* to, std::size_t bytes);            // exactly so many, or a failure
+    void expect(int64_t bytes);                        // a failure where a regular file holds fewer from here on
     /// Up to a line feed, which is taken and dropped; with `or_end` the end of the input does as well.
     std::string line(std::size_t longest, bool or_end = false);
 

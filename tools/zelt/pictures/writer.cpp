@@ -1,7 +1,7 @@
 #include "pictures/writer.h"
 
 #include "pictures/failure.h"
-#include "zelt/common.h"
+#include "zelt/video.h"
 
 #include <algorithm>
 #include <cctype>
@@ -13,7 +13,8 @@ namespace {
 const file_kind kinds[] = {
     {"png", {".png"}, {ZELT_CS_RGB888, ZELT_CS_RGBA8888}, true, false, nullptr, write_png},
     {"ppm", {".ppm"}, {ZELT_CS_RGB888}, true, true, nullptr, write_ppm},
-    {"y4m", {".y4m"}, {ZELT_CS_YUV444}, false, true, write_y4m_header, write_y4m},
+    {"y4m", {".y4m"}, {ZELT_CS_YUV444, ZELT_CS_YUV400, ZELT_CS_YUV420, ZELT_CS_YUV422, ZELT_CS_P010, ZELT_CS_P210,
+                       ZELT_CS_P410}, false, true, write_y4m_header, write_y4m},
     {"raw", {".raw", ".yuv", ".rgb"}, {}, false, true, nullptr, write_raw},
 };
 // clang-format on
@@ -35,18 +36,21 @@ const file_kind& kind_of_output(std::string_view name, const std::string& path) 
                                                   : "--to takes png, ppm, y4m or raw, not '" + std::string(name) + "'");
 }
 
-const format& format_for(const file_kind& kind, const std::string& asked, bool alpha) {
-    if (kind.formats.empty()) {
-        if (asked.empty()) throw failure(status::wrong_use, "raw output needs --pix-fmt");
-        return named_format(asked);
-    }
-    if (asked.empty()) return format_of(alpha ? kind.formats.back() : kind.formats.front());
+const format& asked_format(const file_kind& kind, const std::string& asked) {
     const format& fmt = named_format(asked);
-    if (std::ranges::count(kind.formats, fmt.cs)) return fmt;
+    if (kind.formats.empty() || std::ranges::count(kind.formats, fmt.cs)) return fmt;
     std::string held;
-    for (const int32_t cs : kind.formats) held += (held.empty() ? "" : " or ") + std::string(format_of(cs).name);
+    for (const int32_t cs : kind.formats)
+        held += (held.empty() ? "" : cs == kind.formats.back() ? " or " : ", ") + std::string(format_of(cs).name);
     throw failure(status::wrong_use,
                   std::string(kind.name) + " files hold " + held + ", not " + fmt.name + "; raw files hold any format");
+}
+
+const format& default_format(const file_kind& kind, const format& given) {
+    if (kind.formats.empty()) throw failure(status::wrong_use, "raw output needs --pix-fmt");
+    for (const int32_t cs : {given.cs, planar_yuv(given).cs})
+        if (std::ranges::count(kind.formats, cs)) return format_of(cs);
+    return format_of(given.alpha ? kind.formats.back() : kind.formats.front());
 }
 
 writer::writer(const file_kind& kind, std::string path, const clip& about)
@@ -99,7 +103,7 @@ std::string writer::summary() const {
 
 void write_raw(output& out, const picture& pic) {
     for (int i = 0; i < pic.fmt->planes; ++i)
-        for (int y = 0; y < pic.h; ++y) out.write(pic.row(i, y), pic.row_bytes(i));
+        for (int y = 0; y < pic.rows(i); ++y) out.write(pic.row(i, y), pic.row_bytes(i));
 }
 
 }  // namespace zelt::tool

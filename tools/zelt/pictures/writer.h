@@ -13,7 +13,7 @@ namespace zelt::tool {
 struct file_kind {
     const char* name;
     std::vector<std::string_view> extensions;
-    std::vector<int32_t> formats;  // what it can hold, by preference; empty for any
+    std::vector<int32_t> formats;  // what it can hold, the usual one first, with alpha last; empty for any
     bool single;                   // one picture to a file
     bool piped;                    // several pictures may follow each other on a pipe
     void (*header)(output&, const clip&);
@@ -23,9 +23,12 @@ struct file_kind {
 /// The kind of a name, or of a path's extension where the name is empty; a failure where there is none.
 const file_kind& kind_of_output(std::string_view name, const std::string& path);
 
-/// The format that a kind of file gets: the one asked for, which it must be able to hold, or where none is asked for
-/// (empty) its own default for pictures with or without alpha.
-const format& format_for(const file_kind& kind, const std::string& asked, bool alpha);
+/// The format of a name, which the kind must be able to hold.
+const format& asked_format(const file_kind& kind, const std::string& asked);
+
+/// The format that a kind of file gets for pictures of another one: the same, or the planar form of it, or the kind's
+/// own for pictures with or without alpha. Raw files have none.
+const format& default_format(const file_kind& kind, const format& given);
 
 /// Writes pictures. Files get their names in finish(), when all are complete; without it nothing is left.
 class writer {
