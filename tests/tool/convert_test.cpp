@@ -27,10 +27,13 @@ protected:
         SCOPED_TRACE(arguments);
         const outcome result = zelt("convert -v --range full -i - -o out.raw --raw 37x24:" + arguments, given);
         EXPECT_EQ(result.status, 0);
-        const std::string to = arguments.substr(arguments.find("--pix-fmt ") + 10);
-        const bool yuv = way[0] == 'y' || way[0] == 'p' || to[0] == 'y';
+        const std::string from = way.substr(0, way.find(' ')), to = arguments.substr(arguments.find("--pix-fmt ") + 10);
+        const auto has = [](const std::string& name, const char* any) { return name.find_first_of(any) != name.npos; };
         EXPECT_EQ(result.err,
-                  "37x24: " + way + (yuv ? "; full range (as told), bt601 (by habit)" : "") + "\n1 written: out.raw\n");
+                  "37x24: " + way +
+                      (has(from, "yp") || has(to, "y") ? "; full range (as told), bt601 (by habit)\n" : "\n") +
+                      (has(from, "a") && !has(to, "a") ? "zelt: alpha is dropped, " + to + " has none\n" : "") +
+                      "1 written: out.raw\n");
         EXPECT_TRUE(load("out.raw") == wanted);
     }
 };

@@ -115,6 +115,8 @@ TEST_F(clips, are_decoded) {
     EXPECT_NE(result.out.find("\n    all    32.954    39.867    38.732    34.234 "), std::string::npos) << result.out;
     EXPECT_TRUE(result.out.ends_with("\nthe first picture that differs is 0\n"));
     EXPECT_TRUE(zelt("compare -i " + h264 + " -i " + h264).out.ends_with("\nno picture differs\n"));
+    store("411.y4m", "YUV4MPEG2 W4 H1 C411\nFRAME\nabcdef");  // a layout that has no name here
+    EXPECT_EQ(zelt("md5 -i 411.y4m").out, "MD5=e80b5017098950fc58aad83c8c14978e\n");
     // What is taken for granted is told.
     EXPECT_EQ(zelt("convert -v -i " + hevc + " -o x.ppm --limit 1 --skip 3").err,
               "176x144: yuv420 -> rgb888; limited range (as the file says), bt601 (by habit)\n1 written: x.ppm\n");
@@ -129,6 +131,16 @@ TEST_F(clips, are_decoded) {
     for (const std::string text : {"GIF89a", "nothing"})
         expect_failure(zelt("convert -i - -o x.ppm", text), 2, "standard input: is no clip or picture of a known kind");
     expect_failure(zelt("convert -i " + sample("pan.nv12") + " -o x.ppm"), 2, "(raw pictures need --raw");
+}
+
+TEST_F(clips, are_left_when_it_is_stopped) {
+    const outcome result =
+        shell("mkfifo ../pipe; { exec 3>../pipe; for i in 1 2 3 4 5 6 7 8; do cat " + sample("pan.h264") +
+              "; done >&3; for i in $(seq 100); do sleep 0.05; ls -A | grep -q zelt && break; done; "
+              "kill -TERM $$; sleep 0.05; } & exec \"$Z\" convert -i ../pipe -o x.ppm");
+    EXPECT_EQ(result.status, 128 + 15);
+    EXPECT_EQ(result.err, "");
+    EXPECT_TRUE(names().empty());
 }
 
 TEST_F(clips, the_module_is_found_where_it_is_installed) {

@@ -114,6 +114,52 @@ TEST_F(compare, gives_what_the_formulas_give) {
     }
 }
 
+TEST_F(compare, layouts) {
+    const std::string head = "picture    PSNR Y    PSNR U    PSNR V      PSNR      SSD Y     SAD Y    SATD Y\n";
+    const auto line = [](const char* name, double y, const char* u, const char* v, double all, double ssd, double sad,
+                         double satd) {
+        char text[120];
+        std::snprintf(text, sizeof text, "%7s  %8.3f  %8s  %8s  %8.3f  %9.4f  %8.4f  %8.4f\n", name, y, u, v, all, ssd,
+                      sad, satd);
+        return std::string(text);
+    };
+    const std::string none = line("0", INFINITY, "inf", "inf", INFINITY, 0, 0, 0);
+    // A sample of luma that differs by 8 has 8 in all 16 coefficients of a tile, of whose sum SATD is a half.
+    const auto decibels = [](double peak, double mean) { return 10 * std::log10(peak * peak / mean); };
+    std::string ten("\0\1\0\1\0\1\0\1\0\2\0\2", 12), other = ten;
+    other[0] += 8, other[8] += 1;
+    store("a.y4m", y4m(2, 2, "C420p10", {ten, ten}));
+    store("b.y4m", y4m(2, 2, "C420p10", {ten, other}));
+    EXPECT_EQ(zelt("compare -i a.y4m -i b.y4m").out,
+              head + none + line("1", decibels(1023, 16), "60.198", "inf", decibels(1023, 65 / 6.), 16, 2, 16) +
+                  line("all", decibels(1023, 8), "63.208", "inf", decibels(1023, 65 / 12.), 8, 1, 8) +
+                  "the first picture that differs is 1\n");
+    store("a.y4m", y4m(2, 2, "Cmono", {"abcd"}));
+    store("b.y4m", y4m(2, 2, "Cmono", {"ibcd"}));
+    const double grey = decibels(255, 16);
+    EXPECT_EQ(zelt("compare -i a.y4m -i b.y4m").out, head + line("0", grey, "-", "-", grey, 16, 2, 16) +
+                                                         line("all", grey, "-", "-", grey, 16, 2, 16) +
+                                                         "the first picture that differs is 0\n");
+    // The same samples in another layout, and RGB that becomes what it became
+    store("rgb.ppm", ppm(6, 5, random_bytes(90, 3)));
+    store("a.y4m", y4m(6, 5, "C420", {random_bytes(48, 4)}));
+    expect_success(zelt("convert -i rgb.ppm -o limited.y4m --matrix bt709"));
+    expect_success(zelt("convert -i a.y4m -o full.y4m --pix-fmt yuv444"));
+    for (const std::string inputs : {"rgb.ppm -i limited.y4m", "limited.y4m -i rgb.ppm", "a.y4m -i full.y4m"}) {
+        const outcome result = zelt("compare -i " + inputs);
+        expect_success(result);
+        EXPECT_TRUE(result.out.ends_with("\nno picture differs\n")) << inputs << "\n" << result.out;
+    }
+    for (const std::string format : {"nv12", "nv21", "yuv420p", "p010le", "yuyv422"}) {
+        const std::string bytes = random_bytes(format == "p010le" ? 96 : format == "yuyv422" ? 60 : 48, 5);
+        store("a.raw", bytes);
+        store("b.raw", bytes);
+        EXPECT_TRUE(zelt("compare -i a.raw -i b.raw --raw 6x5:" + format).out.ends_with("\nno picture differs\n"));
+    }
+    EXPECT_TRUE(
+        zelt("compare -i a.y4m -i full.y4m --range full --matrix bt2020").out.ends_with("no picture differs\n"));
+}
+
 TEST_F(match, agrees_with_a_full_search) {
     // Few values, so that there are ties; then moved by (2, 1) and brighter; then moved back, with noise.
     constexpr int w = 30, h = 22, area = w * h;

@@ -44,6 +44,16 @@ TEST_F(tool, digests_are_those_of_other_programs) {
     }
 }
 
+TEST_F(tool, digests_of_raw_pictures) {
+    const std::string samples = "abcdefghijklmnopqr";  // of pictures of 3x2
+    const std::pair<const char*, std::size_t> rows[] = {{"gray", 6}, {"nv12", 10}, {"yuyv422", 16}, {"rgb24", 18}};
+    const char* digests[] = {"e80b5017098950fc58aad83c8c14978e", "a925576942e94b2ef57a066101b48876",
+                             "1d64dce239c4437b7736041db089e1b9", "fbaf6ecf6acbe54aa33858818d351197"};
+    for (std::size_t i = 0; i < std::size(rows); ++i)
+        EXPECT_EQ(zelt(std::string("md5 -i - --raw 3x2:") + rows[i].first, samples.substr(0, rows[i].second)).out,
+                  std::string("MD5=") + digests[i] + "\n");
+}
+
 TEST_F(tool, digests_are_verified) {
     store("in.y4m", clip("420", 5, 3, 2));
     const std::string line = "0, 0, 0, 1, 27, ", one = line + first, two = line + second, all = "MD5=";

@@ -26,6 +26,7 @@ std::vector<sample> samples() {
     return {
         {y4m(w, h, "F25:1 Ip A1:1 C444 XCOLORRANGE=FULL", {}), "FRAME\n" + colour, 2, "-o out.png"},
         {y4m(w, h, "Cmono", {}), "FRAME\n" + grey, 2, "-o out.y4m"},
+        {y4m(w, h, "C420p10", {}), "FRAME\n" + noise.substr(0, 2 * area + 4 * 15), 2, "-o out.png"},
         {"", ppm(w, h, colour), 2, "-o out.png"},
         {"", "P5\n# grey\n9 5\n255\n" + grey, 2, "-o out.ppm"},
         {"", noise.substr(0, 2 * area), 2, "--raw 9x5:rgb565 -o out.raw --pix-fmt bgra"},

@@ -47,7 +47,7 @@ are the same.
 
 Full-range bt601 between yuv444 and RGB, such as --pix-fmt yuv444 --range full
 from a PNG file and back, is the library's dispatch (zelt/csc.h), and so is
-yuv444a8; everything else is zelt/video.h. RGB becomes other RGB exactly.
+yuv444a8; everything else is zelt/video.h. RGB bytes in another order are exact.
 Formats without a direct conversion go through planar RGB or yuv444; -v says so.
 'zelt formats' lists them.)";
 
@@ -99,6 +99,7 @@ manner manner_of(const options& opt) {
     const bool power_of_two = opt.bands <= 1 << 30 && (opt.bands & (opt.bands - 1)) == 0;
     if (!power_of_two) throw failure(status::wrong_use, "--bands takes a power of two");
     if (opt.bands && opt.size.empty()) throw failure(status::wrong_use, "--bands goes with --size");
+    if (opt.bands && opt.filter == "area") throw failure(status::wrong_use, "--bands resizes bilinearly, not by area");
     manner how;
     how.band_rows = static_cast<int>(opt.bands);
     how.chroma = opt.chroma == "smooth" ? ZELT_VIDEO_SMOOTH : ZELT_VIDEO_REPLICATED;
@@ -117,6 +118,7 @@ clip result_of(const clip& about, const format& fmt, route::size at, const colou
 void say_how(const clip& about, const format& to, const route& path, const colours& meaning) {
     std::string text = path.text();
     if (about.fmt->yuv || to.yuv) text += "; " + meaning.text();
+    if (about.interlacing != "p" && about.interlacing != "?") text += "; interlaced, pictures as they are";
     if (!about.note.empty()) text += "; " + about.note;
     std::fprintf(stderr, "%dx%d: %s\n", about.w, about.h, text.c_str());
 }
@@ -130,12 +132,14 @@ void convert(const options& opt) {
     const route::size wanted = opt.size.empty() ? route::size{} : size_of(opt.size);
 
     const std::unique_ptr<reader> in = open_reader(opt.in, opt.input.raw);
-    const clip about = in->about();
+    clip about = in->about();
     const format& to = asked ? *asked : default_format(kind, *about.fmt);
+    if (to.yuv) about.other_matrix.clear();  // it has no say
     const route::size given = {about.w, about.h}, at = opt.size.empty() ? given : wanted;
     how.meaning = colours_of(about, opt.input.colours, about.fmt->yuv ? given.h : at.h);
     route path(*about.fmt, given, to, at, how);
     if (opt.verbose) say_how(about, to, path, how.meaning);
+    if (about.fmt->alpha && !to.alpha) std::fprintf(stderr, "zelt: alpha is dropped, %s has none\n", to.name);
 
     for (uint64_t n = 0; n < opt.skip && in->more(); ++n, check_interrupt()) in->next();
     if (!in->more())

@@ -167,13 +167,8 @@ private:
         const AVRational aspect = av_guess_sample_aspect_ratio(file, stream_, frame_.get());
         if (rate.num > 0 && rate.den > 0) about.rate = ratio(rate);
         about.aspect = aspect.num > 0 ? ratio(aspect) : "0:0";
-        if (is_interlaced(f)) {
-            about.interlacing = is_top_first(f) ? "t" : "b";
-            about.note = "interlaced, pictures as they are";
-        }
-        if (skipped_)
-            about.note += (about.note.empty() ? "" : "; ") + std::to_string(skipped_) +
-                          " pictures before the first key frame left out";
+        if (is_interlaced(f)) about.interlacing = is_top_first(f) ? 't' : 'b';
+        if (skipped_) about.note = std::to_string(skipped_) + " pictures before the first key frame left out";
         about.siting = f.chroma_location == AVCHROMA_LOC_LEFT ? "mpeg2" : "jpeg";
         describe_colours(f);
     }

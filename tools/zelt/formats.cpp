@@ -22,11 +22,11 @@ void print_names() {
 void print_conversions() {
     std::printf("\nIn one step, with * to another size too:\n");
     for (const format& from : formats()) {
-        std::printf("%-10s", from.name);
+        std::string list;
         for (const format& to : formats())
             if (const bool resized = resizes(from, to); resized || (from.cs != to.cs && converts(from, to)))
-                std::printf(" %s%s", to.name, resized ? "*" : "");
-        std::printf("\n");
+                list += ' ' + std::string(to.name) + (resized ? "*" : "");
+        if (!list.empty()) std::printf("%-10s%s\n", from.name, list.c_str());
     }
     std::printf(
         "\nzelt convert also joins two of them where there is no direct one, and resizes before or after them.\n");

@@ -16,6 +16,10 @@ public:
         about_ = decoder_->about;
         if (!(ahead_ = decoder_->next(frame_))) in_.bad("has no picture that can be decoded");
         about_.fmt = bytes ? &plain_bytes : &format_of(frame_.cs);
+        if (!about_.fmt->yuv) {  // what it says then is not about these samples, nor for YUV that they may become
+            about_.matrix = about_.range = std::nullopt;
+            about_.other_matrix.clear();
+        }
         if (!fits(*about_.fmt, frame_.w, frame_.h)) in_.bad("has pictures that are too large");
     }
 

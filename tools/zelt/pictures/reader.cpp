@@ -34,7 +34,7 @@ std::unique_ptr<reader> open_reader(const std::string& path, const std::string& 
     input in(path);
     if (!raw_layout.empty()) return read_raw(std::move(in), raw_layout);
     switch (in.peek()) {
-    case 'Y': return read_y4m(std::move(in));
+    case 'Y': return read_y4m(std::move(in), bytes);
     case 'P': return read_pnm(std::move(in));
     case 0x89: return read_png(std::move(in));
     case EOF: in.bad("is empty");

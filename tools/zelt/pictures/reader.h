@@ -52,11 +52,12 @@ private:
 /// A number in a header, whole and within 31 bits, or -1.
 int header_number(std::string_view digits);
 
-std::unique_ptr<reader> read_y4m(input in);
+// With `bytes` what the tool has no format for may come as rows of bytes, see decoder.h.
+std::unique_ptr<reader> read_y4m(input in, bool bytes);
 std::unique_ptr<reader> read_pnm(input in);
 std::unique_ptr<reader> read_png(input in);
 std::unique_ptr<reader> read_raw(input in, const std::string& layout);
-std::unique_ptr<reader> read_coded(input in, bool bytes);  // by the module, see decoder.h
+std::unique_ptr<reader> read_coded(input in, bool bytes);  // by the module
 
 /// Opens a file by what it begins with; raw pictures by their layout, "WxH:FORMAT", which is empty otherwise. With
 /// `bytes` what only the module reads may have any layout, and comes as a row of bytes.

@@ -34,15 +34,20 @@ std::string upper_case(std::string text) {
 class y4m_reader : public file_reader {
 public:
     explicit y4m_reader(input in) : file_reader(std::move(in)) {
-        const std::string kind = read_header();
+        read_header();
         if (about_.w < 1 || about_.h < 1) in_.bad("has a Y4M header without a usable width and height");
         for (const auto& [name, cs] : kinds)
-            if (kind == name) shape(format_of(cs), about_.w, about_.h);
-        if (!about_.fmt)
-            in_.unsupported("holds pictures of the kind C" + kind +
-                            "; mono, 4:2:0, 4:2:2 and 4:4:4 of 8 bits and the latter three of 10 are taken: "
-                            "ffmpeg -i IN -pix_fmt yuv420p OUT.y4m");
-        if (about_.fmt->cs == ZELT_CS_YUV420) about_.siting = kind.substr(3);
+            if (kind_ == name) shape(format_of(cs), about_.w, about_.h);
+        if (about_.fmt && about_.fmt->cs == ZELT_CS_YUV420) about_.siting = kind_.substr(3);
+    }
+
+    bool known() const { return about_.fmt; }
+    /// Of another kind the bytes can be had of a file, which is read from its start again.
+    std::unique_ptr<reader> other_kind(bool bytes) {
+        if (bytes && std::fseek(in_.handle(), 0, SEEK_SET) == 0) return read_coded(std::move(in_), bytes);
+        in_.unsupported("holds pictures of the kind C" + kind_ +
+                        "; mono, 4:2:0, 4:2:2 and 4:4:4 of 8 bits and the latter three of 10 are taken: "
+                        "ffmpeg -i IN -pix_fmt yuv420p OUT.y4m");
     }
 
     bool more() override { return in_.peek() != EOF; }
@@ -54,11 +59,9 @@ public:
     }
 
 private:
-    /// Returns the kind of the pictures.
-    std::string read_header() {
+    void read_header() {
         const std::string text = in_.line(longest_header);
         if (!text.starts_with("YUV4MPEG2 ")) in_.bad("is no Y4M file");
-        std::string kind = "420";
         for (std::size_t at = text.find(' '), end; at != text.npos; at = end) {
             end = text.find(' ', at + 1);
             const std::string tag = text.substr(at + 1, end == text.npos ? end : end - at - 1);
@@ -66,7 +69,7 @@ private:
             switch (tag.empty() ? ' ' : tag[0]) {
             case 'W': about_.w = header_number(value); break;
             case 'H': about_.h = header_number(value); break;
-            case 'C': kind = value; break;
+            case 'C': kind_ = value; break;
             case 'F': about_.rate = value; break;
             case 'A': about_.aspect = value; break;
             case 'I': about_.interlacing = value; break;
@@ -74,7 +77,6 @@ private:
             default: break;
             }
         }
-        return kind;
     }
 
     void extension(const std::string& text) {
@@ -85,11 +87,16 @@ private:
             ++i;
         }
     }
+
+    std::string kind_ = "420";
 };
 
 }  // namespace
 
-std::unique_ptr<reader> read_y4m(input in) { return std::make_unique<y4m_reader>(std::move(in)); }
+std::unique_ptr<reader> read_y4m(input in, bool bytes) {
+    auto clip = std::make_unique<y4m_reader>(std::move(in));
+    return clip->known() ? std::move(clip) : clip->other_kind(bytes);
+}
 
 void write_y4m_header(output& out, const clip& about) {
     std::string kind(kind_of(about.fmt->cs));
