@@ -145,17 +145,70 @@ TEST_F(tool, replaces_a_file_only_with_a_complete_one) {
     store("out.ppm", "old");
     expect_failure(zelt("convert -i - -o out.ppm", ppm(2, 2, "abc")), 2, "cut short");
     EXPECT_EQ(load("out.ppm"), "old");
-    std::filesystem::create_symlink("out.ppm", dir() + "/link.ppm");
-    expect_success(zelt("convert -i - -o link.ppm", one_pixel));
-    EXPECT_EQ(load("out.ppm"), one_pixel);
-    EXPECT_TRUE(std::filesystem::is_symlink(dir() + "/link.ppm"));
+    expect_success(zelt("convert -i - -o out.ppm", one_pixel));
     expect_success(zelt("convert -i out.ppm -o out.ppm"));
     EXPECT_EQ(load("out.ppm"), one_pixel);
     // A killed process of the same number left its temporary file; permissions are what is usual.
     const outcome result = shell("touch .zelt-$$-0; umask 27; exec \"$Z\" convert -i out.ppm -o new.ppm");
     expect_success(result);
     EXPECT_EQ(shell("stat -c %a new.ppm; rm .zelt-*-0").out, "640\n");
-    EXPECT_EQ(names(), (std::vector<std::string>{"link.ppm", "new.ppm", "out.ppm"}));
+    EXPECT_EQ(names(), (std::vector<std::string>{"new.ppm", "out.ppm"}));
+}
+
+TEST_F(tool, a_replaced_file_hands_on_its_permissions) {
+    for (const std::string mode : {"600", "640", "444", "755"}) {
+        const std::string own = geteuid() ? "" : "chown 12:34 out.ppm; ", state = "stat -c '%a %u %g' out.ppm";
+        const outcome result = shell("umask 22; touch out.ppm; " + own + "chmod " + mode + " out.ppm; " + state +
+                                         " && \"$Z\" convert -i - -o out.ppm && " + state,
+                                     one_pixel);
+        expect_success(result);
+        const std::size_t half = result.out.size() / 2;
+        EXPECT_EQ(result.out.substr(0, half), result.out.substr(half));
+        EXPECT_TRUE(result.out.starts_with(mode));
+        EXPECT_EQ(load("out.ppm"), one_pixel);
+        std::filesystem::remove(dir() + "/out.ppm");
+    }
+}
+
+TEST_F(tool, follows_symbolic_links) {
+    expect_success(
+        shell("mkdir a b; ln -s ../b/two.ppm a/one.ppm; ln -s \"$PWD\"/three.ppm b/two.ppm; ln -s x y; ln -s y x"));
+    for (const std::string body : {"abc", "def"}) {  // a file that the links lead to is made, then replaced
+        expect_success(zelt("convert -i - -o a/one.ppm", ppm(1, 1, body)));
+        EXPECT_EQ(load("three.ppm"), ppm(1, 1, body));
+    }
+    for (const std::string link : {"/a/one.ppm", "/b/two.ppm"})
+        EXPECT_TRUE(std::filesystem::is_symlink(dir() + link)) << link;
+    expect_failure(zelt("convert -i - -o x --to ppm", one_pixel), 3, "x: cannot be written: Too many levels");
+    EXPECT_EQ(names(), (std::vector<std::string>{"a", "b", "three.ppm", "x", "y"}));
+}
+
+TEST_F(tool, respects_permissions) {
+    // The superuser may do everything, unless he gives that up.
+    const std::string run =
+        (geteuid() ? "" : "setpriv --bounding-set=-dac_override,-dac_read_search ") + std::string("\"$Z\" convert -i ");
+    store("in.ppm", one_pixel);
+    expect_success(shell("mkdir folder; touch folder/out.ppm secret; chmod 555 folder; chmod 0 secret"));
+    for (const std::string name : {"out", "new"})
+        expect_failure(shell(run + "in.ppm -o folder/" + name + ".ppm"), 3, "Permission denied");
+    expect_failure(shell(run + "secret -o out.ppm"), 2, "Permission denied");
+    EXPECT_EQ(shell("chmod 755 folder; ls -AR").out, ".:\nfolder\nin.ppm\nsecret\n\n./folder:\nout.ppm\n");
+}
+
+TEST_F(tool, replaces_a_series_whole_or_not_at_all) {
+    store("../three", one_pixel + one_pixel + one_pixel + "P6 ");
+    store("x-0001.ppm", "old");
+    // When three of four are written a folder takes the name of the third.
+    const outcome result = shell("mkfifo ../pipe; { cat ../three; for i in $(seq 100); do sleep 0.05; "
+                                 "[ $(ls -A | grep -c zelt) = 3 ] && break; done; mkdir x-0003.ppm; "
+                                 "printf '1 1 255 abc'; } >../pipe & \"$Z\" convert -i ../pipe -o x.ppm");
+    expect_failure(result, 3, "x-0003.ppm");
+    EXPECT_EQ(load("x-0001.ppm"), "old");
+    EXPECT_EQ(names(), (std::vector<std::string>{"x-0001.ppm", "x-0003.ppm"}));
+    std::filesystem::remove(dir() + "/x-0003.ppm");
+    expect_success(zelt("convert -i - -o x.ppm", one_pixel + one_pixel));
+    EXPECT_EQ(load("x-0001.ppm"), one_pixel);
+    EXPECT_EQ(names(), (std::vector<std::string>{"x-0001.ppm", "x-0002.ppm"}));
 }
 
 TEST_F(tool, leaves_nothing_of_a_broken_run) {
@@ -179,6 +232,7 @@ TEST_F(tool, leaves_nothing_of_a_broken_run) {
 
 TEST_F(tool, cleans_up_when_it_is_stopped) {
     store("../part", one_pixel + one_pixel + "P6 ");
+    store("x-0001.ppm", "old");
     const struct {
         const char *before, *signal;
         int status;
@@ -189,12 +243,13 @@ TEST_F(tool, cleans_up_when_it_is_stopped) {
         const outcome result =
             shell(row.before +
                   std::string("mkfifo ../pipe; { exec 3>../pipe; cat ../part >&3; for i in $(seq 100); do "
-                              "sleep 0.05; ls -A | grep -q . && break; done; ls -A | grep -c zelt; kill -") +
+                              "sleep 0.05; ls -A | grep -q zelt && break; done; ls -A | grep -c zelt; kill -") +
                   row.signal + " $$; sleep 0.05; } & exec \"$Z\" convert -i ../pipe -o x.ppm");
         EXPECT_EQ(result.status, row.status) << row.signal;
         EXPECT_NE(result.out, "0\n");  // it was in the middle of its work
         EXPECT_EQ(result.err.empty(), row.status != 2) << result.err;
-        EXPECT_TRUE(names().empty());
+        EXPECT_EQ(names(), std::vector<std::string>{"x-0001.ppm"});
+        EXPECT_EQ(load("x-0001.ppm"), "old");
         std::filesystem::remove(root + "/pipe");
     }
 }

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,10 +17,16 @@ static_assert(sizeof(off_t) == sizeof(int64_t), "files of 2 GiB and more need _F
 
 std::string reason() { return std::strerror(errno); }
 
-/// The path with symbolic links followed, so that renaming replaces the file and not the link to it.
-std::string followed(const std::string& path) {
-    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
-    return real ? real.get() : path;
+/// The path with symbolic links followed, also one that leads to nothing yet, so that renaming leaves the link as it
+/// is; empty where links go in a circle.
+std::string followed(std::filesystem::path path) {
+    for (int links = 0; links < 40; ++links) {
+        std::error_code none;
+        const auto to = std::filesystem::read_symlink(path, none);
+        if (none) return path;
+        path = path.parent_path() / to;  // `to` alone where it is absolute
+    }
+    return "";
 }
 
 std::string folder_of(const std::string& path) {
@@ -31,6 +38,14 @@ std::string folder_of(const std::string& path) {
 mode_t mode_of(const std::string& path) {
     struct stat st;
     return ::stat(path.c_str(), &st) == 0 ? st.st_mode : 0;
+}
+
+/// Gives a file the owner and the permissions of the one that it will replace, as far as the user may.
+void take_after(int fd, const struct stat& old) {
+    const bool same_group = ::fchown(fd, old.st_uid, old.st_gid) == 0 || ::fchown(fd, -1u, old.st_gid) == 0;
+    mode_t mode = old.st_mode & 0777;
+    if (!same_group) mode = (mode & ~070u) | (mode & 7) << 3;  // another group may do what others may
+    ::fchmod(fd, mode);
 }
 
 }  // namespace
@@ -94,15 +109,19 @@ output::output(const std::string& path) : name_(path == "-" ? "standard output" 
     if (is_stream(path)) {
         file_.reset(path == "-" ? stdout : std::fopen(path.c_str(), "wb"));
     } else {
-        if (S_ISDIR(mode_of(path))) fail("is a folder");
+        struct stat old;
+        const bool replaces = ::stat(path.c_str(), &old) == 0;
+        if (replaces && S_ISDIR(old.st_mode)) fail("is a folder");
         target_ = followed(path);
+        if (target_.empty()) fail("cannot be written: " + std::string(std::strerror(ELOOP)));
         const std::string stem = folder_of(target_) + ".zelt-" + std::to_string(::getpid()) + "-";
         static int serial = 0;  // names for all files of a series; one left by a killed process is passed over
         int fd;
         do {
             temporary_ = stem + std::to_string(serial++);
-            fd = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+            fd = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, replaces ? 0600 : 0666);
         } while (fd < 0 && errno == EEXIST);
+        if (fd >= 0 && replaces) take_after(fd, old);
         if (fd >= 0) file_.reset(::fdopen(fd, "wb"));
     }
     if (!file_) {
@@ -112,7 +131,14 @@ output::output(const std::string& path) : name_(path == "-" ? "standard output" 
 }
 
 output::~output() {
-    if (!temporary_.empty()) ::unlink(temporary_.c_str());
+    if (temporary_.empty()) return;
+    if (!committed_) ::unlink(temporary_.c_str());
+    if (!former_.empty()) {
+        ::rename(former_.c_str(), target_.c_str());
+        ::unlink(former_.c_str());  // where both were names of one file, which rename leaves alone
+    } else if (committed_) {
+        ::unlink(target_.c_str());
+    }
 }
 
 void output::write(const void* from, std::size_t bytes) {
@@ -126,7 +152,19 @@ void output::close() {
 
 void output::commit() {
     if (temporary_.empty()) return;
-    if (::rename(temporary_.c_str(), target_.c_str()) != 0) fail("cannot be written: " + reason());
+    if (S_ISREG(mode_of(target_))) {
+        // A second name, so that there is a file of this one at all times; not every file system has them.
+        const std::string former = temporary_ + "-former";
+        if (::link(target_.c_str(), former.c_str()) != 0 && ::rename(target_.c_str(), former.c_str()) != 0)
+            fail("cannot be replaced: " + reason());
+        former_ = former;
+    }
+    committed_ = ::rename(temporary_.c_str(), target_.c_str()) == 0;
+    if (!committed_) fail("cannot be written: " + reason());
+}
+
+void output::keep() {
+    if (!former_.empty()) ::unlink(former_.c_str());
     temporary_.clear();
 }
 

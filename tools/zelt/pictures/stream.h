@@ -41,7 +41,8 @@ private:
 };
 
 /// A file that gets its name only when commit() finds it complete; until then it is a temporary one in the same folder,
-/// which is removed if commit() is never reached. Streams are written directly.
+/// which is removed if commit() is never reached. Without keep() the name goes back to what had it before. A file that
+/// is replaced hands on its permissions, a symbolic link stays one. Streams are written directly.
 class output {
 public:
     explicit output(const std::string& path);
@@ -53,10 +54,12 @@ public:
     void write(std::string_view text) { write(text.data(), text.size()); }
     void close();   // everything is on its way, or a failure
     void commit();  // takes the name
+    void keep();    // for good
     [[noreturn]] void fail(const std::string& text) const;
 
 private:
-    std::string name_, target_, temporary_;
+    std::string name_, target_, temporary_, former_;  // former_: where the file that had the name is
+    bool committed_ = false;
     file file_;
 };
 

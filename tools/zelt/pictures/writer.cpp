@@ -95,6 +95,7 @@ void writer::write(const picture& pic, bool more) {
 void writer::finish() {
     if (files_.back().handle()) files_.back().close();
     for (output& file : files_) file.commit();
+    for (output& file : files_) file.keep();
 }
 
 std::string writer::summary() const {

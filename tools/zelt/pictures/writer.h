@@ -30,7 +30,7 @@ const format& asked_format(const file_kind& kind, const std::string& asked);
 /// own for pictures with or without alpha. Raw files have none.
 const format& default_format(const file_kind& kind, const format& given);
 
-/// Writes pictures. Files get their names in finish(), when all are complete; without it nothing is left.
+/// Writes pictures. Files get their names in finish(), when all are complete, or none does.
 class writer {
 public:
     writer(const file_kind& kind, std::string path, const clip& about);
