@@ -95,6 +95,17 @@ TEST_F(clips, damage_is_reported) {
         first || result.status ? expect_failure(result, 2, first ? "the lengths within a unit" : "")
                                : expect_success(result);
     }
+    for (const std::string name : {"pan_sound.mkv", "pan_hfyu.avi"})
+        for (const int quarters : {3, 4}) {
+            const std::string all = load(sample(name)),
+                              some = all.substr(0, all.size() / 4 * quarters + all.size() % 4);
+            store("clip", some);
+            for (const std::string input : {"clip", "-"}) {
+                const outcome result = zelt("keyframes --csv -i " + input, some);
+                quarters < 4 ? expect_failure(result, 2, ": is cut short") : expect_success(result);
+                EXPECT_NE(result.out.find("\n0,0.000,"), std::string::npos) << name;  // what there is
+            }
+        }
     expect_failure(zelt("keyframes -i " + sample("pan.h264") + " >/dev/full"), 3, "standard output");
     expect_failure(zelt("probe -i " + sample("pan.h264") + " >/dev/full"), 3, "standard output");
 }

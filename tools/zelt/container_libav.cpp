@@ -65,8 +65,15 @@ class libav_container : public container {
 public:
     explicit libav_container(const std::string& path) : path_(path) {
         av_log_set_level(AV_LOG_QUIET);
-        AVFormatContext* file = nullptr;
-        check(avformat_open_input(&file, path == "-" ? "pipe:0" : ("file:" + path).c_str(), nullptr, nullptr));
+        const std::string url = path == "-" ? "pipe:0" : "file:" + path;
+        AVIOContext* bytes = nullptr;
+        check(avio_open(&bytes, url.c_str(), AVIO_FLAG_READ));
+        bytes_.reset(bytes);
+        whole_.emplace(bytes);
+        AVFormatContext* file = avformat_alloc_context();
+        if (!file) throw std::bad_alloc();
+        file->pb = bytes;
+        check(avformat_open_input(&file, url.c_str(), nullptr, nullptr));
         file_.reset(file);
         check(avformat_find_stream_info(file, nullptr));
         for (unsigned i = 0; i < file->nb_streams; ++i) tracks_.push_back(describe(*file->streams[i]));
@@ -86,6 +93,8 @@ private:
 
     std::string path_;
     std::vector<track> tracks_;
+    std::unique_ptr<AVIOContext, freed<avio_closep>> bytes_;
+    std::optional<whole_file> whole_;
     std::unique_ptr<AVFormatContext, freed<avformat_close_input>> file_;
     std::unique_ptr<AVBSFContext, freed<av_bsf_free>> filter_;
     std::unique_ptr<AVPacket, freed<av_packet_free>> packet_{av_packet_alloc()};
@@ -108,6 +117,7 @@ bool libav_container::next(access_unit& unit) {
     do {
         av_packet_unref(packet);
         const int error = av_read_frame(file_.get(), packet);
+        if (error == AVERROR_EOF && whole_->is_cut()) fail("is cut short");
         if (error == AVERROR_EOF) return false;
         check(error);
     } while (packet->stream_index != stream_->index);

@@ -120,6 +120,7 @@ private:
             if (error == AVERROR(EAGAIN)) {
                 feed();
             } else if (error == AVERROR_EOF) {
+                source_.check_end();
                 return false;
             } else if (error < 0 || is_damaged(*f)) {
                 damaged();

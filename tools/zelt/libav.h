@@ -2,6 +2,7 @@
 // What the parts of the module share.
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 
 extern "C" {
@@ -20,6 +21,17 @@ inline std::string error_text(int error) {
     return av_strerror(error, text, sizeof text) == 0 ? text : "unknown error";
 }
 
+/// Matroska and AVI files begin with their length. libavformat just ends with the last whole packet of one that is cut.
+class whole_file {
+public:
+    explicit whole_file(AVIOContext* bytes);  // at the start, where it stays
+    bool is_cut() const;                      // reads up to the end
+
+private:
+    AVIOContext* bytes_;
+    int64_t size_ = 0;  // or it is not known
+};
+
 /// A file that is open already, as libavformat reads it
 class libav_file {
 public:
@@ -29,6 +41,7 @@ public:
     [[noreturn]] void fail(const std::string& why) const;
     [[noreturn]] void unsupported(const std::string& why) const;
     void check(int error) const;  // a failure for what is below 0
+    void check_end() const;       // a failure where more should come
 
 private:
     /// The buffer of the context is replaced while it is in use.
@@ -40,6 +53,7 @@ private:
     };
     std::string name_;
     std::unique_ptr<AVIOContext, free_io> io_;
+    std::optional<whole_file> whole_;
     std::unique_ptr<AVFormatContext, freed<avformat_close_input>> format_;
 };
 
