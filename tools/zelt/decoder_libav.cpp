@@ -107,7 +107,8 @@ private:
         codec_.reset(avcodec_alloc_context3(codec));
         if (!codec_ || avcodec_parameters_to_context(codec_.get(), stream_->codecpar) < 0) throw std::bad_alloc();
         codec_->pkt_timebase = stream_->time_base;
-        codec_->thread_count = 0;  // as many as there are processors
+        codec_->thread_count = 0;               // as many as there are processors
+        codec_->thread_type = FF_THREAD_SLICE;  // those of frames may hand out one before they tell that it is damaged
         codec_->err_recognition = AV_EF_CRCCHECK;
         source_.check(avcodec_open2(codec_.get(), codec, nullptr));
     }
