@@ -6,7 +6,7 @@ gstreamer_packages=(libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstream
     gstreamer1.0-plugins-good gstreamer1.0-libav)
 # shellcheck disable=SC2034 # used by the scripts that source this
 {
-test_packages=("${build_packages[@]}" "${gstreamer_packages[@]}" googletest libgtest-dev binutils python3
+test_packages=("${build_packages[@]}" "${gstreamer_packages[@]}" googletest libgtest-dev binutils ffmpeg python3
     libavformat-dev libavcodec-dev musl-tools qemu-user)
 arm_packages=(g++-arm-linux-gnueabi g++-arm-linux-gnueabihf g++-aarch64-linux-gnu)
 i686_packages=(g++-i686-linux-gnu)
