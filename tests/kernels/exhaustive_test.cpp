@@ -14,10 +14,8 @@ namespace {
 /// Converts all second and third components up to `high`, with every so many of the first and with the last, and
 /// compares with the model.
 template <class Sample>
-void check(zelt_csc_fn fn, components (*model)(components), int high, int every, [[maybe_unused]] int every_sampled) {
-#ifdef ZELT_SAMPLED
-    every = every_sampled;
-#endif
+void check(zelt_csc_fn fn, components (*model)(components), int high, int every, int every_sampled) {
+    if (effort() < 2) every = every_sampled;
     const int side = high + 1, n = side * side, stride = n * static_cast<int>(sizeof(Sample));
     std::vector<Sample> in(3 * static_cast<std::size_t>(n)), out(in.size());
     void* const src[] = {&in[0], &in[n], &in[2 * n]};
@@ -50,11 +48,7 @@ TEST(exhaustive, video_matrices) {
     void *const src[] = {&in[0], &in[n], &in[2 * n]}, *const dst[] = {&out[0], &out[n], &out[2 * n]};
     const int strides[] = {n, n, n};
     for (int i = 0; i < n; ++i) in[n + i] = static_cast<u8>(i / 256), in[2 * n + i] = static_cast<u8>(i);
-#ifdef ZELT_SAMPLED
-    constexpr int every = 15;
-#else
-    constexpr int every = 1;
-#endif
+    const int every = effort() < 2 ? 15 : 1;
     for (int matrix = 0; matrix < 3; ++matrix)
         for (int range = 0; range < 2; ++range) {
             ZELT_VIDEO v = {};
@@ -95,11 +89,7 @@ TEST(exhaustive, video_matrices_of_10_bits) {
     std::vector<u16> in(3 * n), words(3 * n);
     std::vector<u8> bytes(3 * n);
     void* const src[] = {&in[0], &in[n], &in[2 * n]};
-#ifdef ZELT_SAMPLED
-    constexpr int every = 19;
-#else
-    constexpr int every = 1;
-#endif
+    const int every = effort() < 2 ? 19 : 1;
     const auto measure = [&](int matrix, int range, int bits) {
         ZELT_VIDEO v = {};
         v.src_cs = ZELT_CS_P410, v.dst_cs = bits == 8 ? ZELT_CS_R8G8B8 : ZELT_CS_R10G10B10;
@@ -158,11 +148,7 @@ TEST(exhaustive, video_back_of_10_bits) {
     void *const src[] = {&in[0], &in[n], &in[2 * n]}, *const between[] = {&yuv[0], &yuv[n], &yuv[2 * n]};
     void* const dst[] = {&out[0], &out[n], &out[2 * n]};
     const int strides[] = {2 * n, 2 * n, 2 * n};
-#ifdef ZELT_SAMPLED
-    constexpr int batches = 4;
-#else
-    constexpr int batches = 64;
-#endif
+    const int batches = effort() < 2 ? 4 : 64;
     for (int matrix = 0; matrix < 3; ++matrix)
         for (int range = 0; range < 2; ++range) {
             ZELT_VIDEO v = {}, w = {};
@@ -209,11 +195,7 @@ TEST(exhaustive, video_back) {
     void* const rgb[] = {&again[0], &again[n], &again[2 * n]};
     const int strides[] = {n, n, n};
     for (int i = 0; i < n; ++i) in[n + i] = static_cast<u8>(i / 256), in[2 * n + i] = static_cast<u8>(i);
-#ifdef ZELT_SAMPLED
-    constexpr int every = 15;
-#else
-    constexpr int every = 1;
-#endif
+    const int every = effort() < 2 ? 15 : 1;
     for (int matrix = 0; matrix < 3; ++matrix)
         for (int range = 0; range < 2; ++range) {
             ZELT_VIDEO v = {}, to_rgb = {};

@@ -3,6 +3,7 @@
 // benchmark walk it.
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <functional>
 #include <string>
 #include <type_traits>
@@ -94,4 +95,11 @@ std::vector<kernel> all_kernels();
 
 /// Every width that ends at, before or after a register or two, and some between.
 std::vector<shape> picture_shapes();
+
+/// How much is run, of the environment's ZELT_TEST_EFFORT: everything with 2, not all of 2^24 inputs with 1, and with 0
+/// a third of the cases of each shape too.
+inline int effort() {
+    const char* text = std::getenv("ZELT_TEST_EFFORT");
+    return text ? std::atoi(text) : 2;
+}
 }  // namespace zelt::test
