@@ -8,17 +8,18 @@ gstreamer_packages=(libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstream
 {
 test_packages=("${build_packages[@]}" "${gstreamer_packages[@]}" googletest libgtest-dev binutils ffmpeg python3
     libavformat-dev libavcodec-dev musl-tools qemu-user)
-arm_packages=(g++-arm-linux-gnueabi g++-arm-linux-gnueabihf g++-aarch64-linux-gnu)
+arm_packages=(g++-arm-linux-gnueabi g++-aarch64-linux-gnu)
+armhf_packages=(g++-arm-linux-gnueabihf)
 i686_packages=(g++-i686-linux-gnu)
 docs_packages=(doxygen doxygen-awesome-css python3)
-check_packages=("${docs_packages[@]}" clang clang-format libc++-14-dev libc++abi-14-dev shellcheck)
+check_packages=("${docs_packages[@]}" clang clang-format shellcheck)
 # the benchmark, and the libraries that it compares with
 bench_packages=("${build_packages[@]}" libaom-dev libavutil-dev libbenchmark-dev libgstreamer1.0-dev
     libjack-jackd2-dev libnuma-dev libopencv-core-dev libopencv-imgproc-dev libssl-dev libswscale-dev
     libturbojpeg0-dev libvpx-dev libx264-dev libx265-dev libyuv-dev libzimg-dev python3)
 fuzz_packages=(clang cmake libclang-rt-14-dev ninja-build googletest libgtest-dev)
 count_packages=("${arm_packages[@]}" qemu-user g++ cmake ninja-build python3)
-instruction_packages=("${count_packages[@]}" clang llvm-19 dpkg-dev)
+instruction_packages=("${count_packages[@]}" "${armhf_packages[@]}" clang llvm-19 dpkg-dev)
 }
 
 # need PACKAGE...: installs what is missing, or says what is and stops.

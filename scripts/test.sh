@@ -22,6 +22,7 @@ esac
 need "${test_packages[@]}"
 for preset in "${presets[@]}"; do
     case $preset in
+    armv7-hf) need "${armhf_packages[@]}" ;;
     arm* | aarch64*) need "${arm_packages[@]}" ;;
     i686) need "${i686_packages[@]}" ;;
     esac
