@@ -42,8 +42,8 @@ own rows; from YUV it keeps those of the input, and Y4M files say which.
 or replicated. --size resizes: by --filter bilinear, or area, which is the
 default below half of the width or height, where bilinear would miss samples.
 It is one pass with the conversion where the library has that. --bands resizes
-in bands of rows, bilinearly, as a decoder would hand them over; the pictures
-are the same.
+in bands of rows, as a decoder would hand them over; the pictures are those of
+--filter bilinear.
 
 Full-range bt601 between yuv444 and RGB, such as --pix-fmt yuv444 --range full
 from a PNG file and back, is the library's dispatch (zelt/csc.h), and so is
