@@ -28,7 +28,7 @@ inline void copy(u8* dst, const u8* src, std::size_t n) {
         constexpr std::size_t turn = loads_step ? 2 : 1;
         const std::size_t count = (n - 1) / lanes;
         if (count % turn) one();
-#pragma GCC unroll 1
+        ZELT_UNROLL(1)
         for (std::size_t i = count / turn; i; --i)
             for (std::size_t k = 0; k < turn; ++k) one();
         store_unaligned(last, end);

@@ -73,9 +73,11 @@ template <class Format, int Windows, class Row>
             sums[1] = weighted_sum(gather(job.bottom[0]), *table);
         } else {
             const u8xn top = scaled(*table, 8 - job.phase), bottom = scaled(*table, job.phase);
+            ZELT_STRAIGHT(4)
             for (int p = 0; p < planes; ++p)
                 sums[p] = weighted_sum(weighted_sum(gather(job.top[p]), top), gather(job.bottom[p]), bottom);
         }
+        ZELT_STRAIGHT(4)
         for (int p = 0; p < planes && prefetches; ++p) {
             prefetch(after.top[p] + *offsets);
             prefetch(after.bottom[p] + *offsets);
@@ -88,10 +90,12 @@ template <class Format, int Windows, class Row>
             s16xn lo[n], hi[n];
             filter(lo, true);
             filter(hi, halves_are_lines_apart<Windows>);
-            if constexpr (planes == 1)
+            if constexpr (planes == 1) {
                 v[0] = blend_q6({lo[0], hi[0]}, {lo[1], hi[1]}, job.phase);
-            else
+            } else {
+                ZELT_STRAIGHT(4)
                 for (int p = 0; p < planes; ++p) v[p] = narrow_q6({lo[p], hi[p]});
+            }
             Format::put(job.dst, x, v);
         }
 }
@@ -108,6 +112,7 @@ template <class Format, int Channels, int Next, class Row>
     for (const std::ptrdiff_t end = c.first + c.run_end * lanes; x < end; x += lanes) {
         u8xn top[2], bottom[2], v[planes];
         load_next(weights, top), load_next(weights, bottom);
+        ZELT_STRAIGHT(4)
         for (int p = 0; p < planes; ++p) {
             if (Channels == 1 || (wide_pixels_need_prefetch && Next == 1))
                 for (int i = 0; i < Next; ++i) {
@@ -227,6 +232,7 @@ template <class Format, class Dest>
     for (int g = 0, stop = all.whole; g < all.groups; stop = all.groups, x = last)
         for (; g < stop; ++g, x += lanes) {
             u8xn v[planes];
+            ZELT_STRAIGHT(4)
             for (int p = 0; p < planes; ++p) {
                 u8xn t[2], b[2];
                 load_next(tops[p], t), load_next(bottoms[p], b);

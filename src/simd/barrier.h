@@ -4,11 +4,15 @@
 #include <cstddef>
 #include <type_traits>
 
-// Stands before a loop: n turns become one, and with 1 it stays a loop. clang ignores the pragma of gcc.
+// ZELT_UNROLL stands before a loop: n turns become one, and with 1 it stays a loop. clang ignores the pragma of gcc.
+// ZELT_STRAIGHT stands before one of up to n long turns, for which gcc decides well by itself: clang keeps it a loop,
+// and arrays of registers that it indexes in memory.
 #ifdef __clang__
 #define ZELT_UNROLL(n) ZELT_PRAGMA(clang loop unroll_count(n))
+#define ZELT_STRAIGHT(n) ZELT_UNROLL(n)
 #else
 #define ZELT_UNROLL(n) ZELT_PRAGMA(GCC unroll n)
+#define ZELT_STRAIGHT(n)
 #endif
 #define ZELT_PRAGMA(...) _Pragma(#__VA_ARGS__)
 

@@ -22,6 +22,7 @@ using pairs_2n = weights_2n;
 template <int Windows> pairs gather_pairs(const u8* row, const std::ptrdiff_t* at, const u8xn* masks) {
     pairs p = vdupq_n_u8(0);
     row += *at;
+    ZELT_STRAIGHT(4)
     for (int i = 0; i < Windows; i += 2, row += reach, ++masks) {
         const uint8x16_t mask = (uint8x16_t)*masks;
         if (i + 1 < Windows)
@@ -71,6 +72,7 @@ struct pairs_2n {
 template <int Windows> pairs gather_pairs(const u8* row, const std::ptrdiff_t* at, const u8xn* masks) {
     pairs p = {vdup_n_u8(0), vdup_n_u8(0)};
     row += *at;
+    ZELT_STRAIGHT(4)
     for (int i = 0; i < Windows; i += 2, ++masks) {
         const uint8x8_t left = low8(*masks), right = high8(*masks);
         if (i + 1 < Windows) {

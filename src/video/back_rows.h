@@ -70,7 +70,9 @@ void pair_rows(const back_matrix& given, const rgb_rows& from, const yuv_rows& t
         using V = decltype(v);
         using sums = decltype(pair_sums(v));
         sums red[2], green[2], blue[2];
-        for (int i = 0; i < Rows; ++i)
+        ZELT_STRAIGHT(2)
+        for (int i = 0; i < Rows; ++i) {
+            ZELT_STRAIGHT(2)
             for (int half = 0; half < 2; ++half) {
                 Source src = rows[i];
                 const std::ptrdiff_t at = x + half * apart;
@@ -80,6 +82,7 @@ void pair_rows(const back_matrix& given, const rgb_rows& from, const yuv_rows& t
                 green[half] = i ? add_pair_sums(green[half], a.c1) : pair_sums(a.c1);
                 blue[half] = i ? add_pair_sums(blue[half], a.c2) : pair_sums(a.c2);
             }
+        }
         constexpr int shift = Rows == 2 ? 5 : 6;  // to 7 fractional bits of the mean
         const auto r = both_halves(red[0], red[1]) << shift, g = both_halves(green[0], green[1]) << shift;
         const auto b = both_halves(blue[0], blue[1]) << shift;

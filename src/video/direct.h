@@ -35,6 +35,7 @@ template <sharing Sharing, int Rows, class Dest> struct shared_pixels {
     Dest out[Rows];
 
     explicit shared_pixels(const shared_rows& r) : chroma{r.chroma[0], r.chroma[1]} {
+        ZELT_STRAIGHT(2)
         for (int i = 0; i < Rows; ++i) {
             luma[i] = r.luma + i * r.luma_stride;
             for (int plane = 0; plane < Dest::count; ++plane) out[i].p[plane] = r.out[plane] + i * r.out_stride[plane];
@@ -49,6 +50,7 @@ template <sharing Sharing, int Rows, class Dest> struct shared_pixels {
         load(place, y, d, e);
         if constexpr (Sharing != sharing::grey)
             r = m.red(d, e) + m.constant, g = m.green(d, e) + m.constant, b = m.blue(d, e) + m.constant;
+        ZELT_STRAIGHT(2)
         for (int i = 0; i < Rows; ++i) {
             const s16x2n term = mul_q15(y[i], m.luma);
             const auto sum = [&](s16xn c) { return order::narrow_q6(add_sat(term, {c, c})); };
@@ -78,6 +80,7 @@ private:
             s16xn &first = Sharing == sharing::paired ? d : e, &second = Sharing == sharing::paired ? e : d;
             place.template deal<2>(chroma[0], [&](const u8* p) { return order::load_chroma2(p, first, second); });
         }
+        ZELT_STRAIGHT(2)
         for (int i = 0; i < Rows; ++i)
             place.template deal<2>(luma[i], [&](const u8* p) { return order::load_luma(p, y[i]); });
     }
@@ -92,6 +95,7 @@ private:
             place.template deal<2>(chroma[1], [&](const u8* p) { return order::load_words(p, e); });
         }
         d = centred_ten(d, high), e = centred_ten(e, high);
+        ZELT_STRAIGHT(2)
         for (int i = 0; i < Rows; ++i) {
             place.template deal<4>(luma[i], [&](const u8* p) { return order::load_words(p, y[i]); });
             y[i] = centred_ten(y[i], high);

@@ -19,7 +19,7 @@ template <int Bytes> void transpose_block(const u8* src, std::ptrdiff_t src_s, u
     u8xn v[n], w[n];
     for (int i = 0; i < n; ++i) v[i] = load_apart(src + i * src_s, n * src_s);
     const auto stage = [](const u8xn(&from)[n], u8xn(&to)[n]) __attribute__((always_inline)) {
-#pragma GCC unroll 8
+        ZELT_UNROLL(8)
         for (int i = 0; i < n / 2; ++i) {
             const auto both = zip<Bytes>(from[i], from[i + n / 2]);
             to[2 * i] = both.first, to[2 * i + 1] = both.second;
@@ -28,7 +28,7 @@ template <int Bytes> void transpose_block(const u8* src, std::ptrdiff_t src_s, u
     stage(v, w), stage(w, v);
     if constexpr (n > 4) stage(v, w);
     if constexpr (n > 8) stage(w, v);
-#pragma GCC unroll 16
+    ZELT_UNROLL(16)
     for (int i = 0; i < n; ++i) store(dst + i * dst_s, n == 8 ? w[i] : v[i]);
 }
 
