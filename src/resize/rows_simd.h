@@ -30,7 +30,7 @@ inline void prefetch(const u8* p) { __builtin_prefetch(p); }
 template <int Windows> constexpr bool halves_are_lines_apart = columns::eights * 16 * Windows > 64;
 
 /// Horizontal weights times a vertical one: at most 64, still bytes
-inline u8xn scaled(u8xn weights, int factor) { return (u8xn)((u16xn)weights * static_cast<u16>(factor)); }
+inline u8xn scaled(u8xn weights, int factor) { return as_bytes((u8xn)((u16xn)weights * static_cast<u16>(factor))); }
 
 /// The products of weights for a run, computed anew only if the vertical phase changes: at 2:1 it seldom does
 class run_products {

@@ -57,6 +57,16 @@ template <class V> V in_order(V sum) {
 #endif
 }
 
+/// Keeps clang from taking the halves of a register of bytes for words that it was cast from: products of upper halves
+/// are of bytes.
+template <class V> V as_bytes(V value) {
+#ifdef __clang__
+    return hide_from_optimizer(value);
+#else
+    return value;
+#endif
+}
+
 /// Whether the compiler loads all of a long piece of straight code first, for which there are not the registers
 #ifdef __clang__
 constexpr bool loads_come_first = true;

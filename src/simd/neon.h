@@ -29,6 +29,10 @@ inline u8* store(u8* p, u8xn a) {
 // Loads of several registers from p on, which is then beyond them. gcc 12 lacks some of the intrinsics and takes those
 // of words to be aligned, clang takes those that do not deal to be.
 #ifdef __clang__
+inline uint8x8x2_t halves_of(uint8x16_t a) { return {{vget_low_u8(a), vget_high_u8(a)}}; }
+inline uint8x8x4_t halves_of(uint8x16_t a, uint8x16_t b) {
+    return {{vget_low_u8(a), vget_high_u8(a), vget_low_u8(b), vget_high_u8(b)}};
+}
 #define ZELT_LOAD_NEXT(V, op, ...) \
     const V v = __VA_ARGS__;       \
     p += sizeof v;                 \
@@ -42,9 +46,9 @@ inline u8* store(u8* p, u8xn a) {
 inline uint8x16x2_t load_16x2(const u8*& p) {
     ZELT_LOAD_NEXT(uint8x16x2_t, "vld1.8", {{vld1q_u8(p), vld1q_u8(p + 16)}});
 }
-inline uint8x8x2_t load_8x2(const u8*& p) { ZELT_LOAD_NEXT(uint8x8x2_t, "vld1.8", {{vld1_u8(p), vld1_u8(p + 8)}}); }
+inline uint8x8x2_t load_8x2(const u8*& p) { ZELT_LOAD_NEXT(uint8x8x2_t, "vld1.8", halves_of(vld1q_u8(p))); }
 inline uint8x8x4_t load_8x4(const u8*& p) {
-    ZELT_LOAD_NEXT(uint8x8x4_t, "vld1.8", {{vld1_u8(p), vld1_u8(p + 8), vld1_u8(p + 16), vld1_u8(p + 24)}});
+    ZELT_LOAD_NEXT(uint8x8x4_t, "vld1.8", halves_of(vld1q_u8(p), vld1q_u8(p + 16)));
 }
 inline uint8x16x2_t load2_8x2(const u8*& p) { ZELT_LOAD_NEXT(uint8x16x2_t, "vld2.8", vld2q_u8(p)); }
 inline uint8x8x4_t load4_8(const u8*& p) { ZELT_LOAD_NEXT(uint8x8x4_t, "vld4.8", vld4_u8(p)); }
@@ -157,6 +161,9 @@ inline u8* store3(u8* p, u8xn a, u8xn b, u8xn c) {
     return p + 48;
 }
 inline u8* store4(u8* p, u8xn a, u8xn b, u8xn c, u8xn d) {
+#ifdef __arm__
+    asm volatile("" : "+w"(d));  // or clang spills all four around a constant that it keeps in place
+#endif
     const uint8x16x4_t v = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d}};
     vst4q_u8(p, v);
     return p + 64;
@@ -281,23 +288,31 @@ inline s16x2n sub_sat(s16x2n a, s16x2n b) {
 /// A factor for products by a lane
 inline int16x4_t lane_factor(int b) {
     int16x4_t factor = vdup_n_s16(static_cast<s16>(b));
-#ifdef __arm__
+#if defined(__arm__) && !defined(__clang__)
     asm("" : "+x"(factor));  // a register with such lanes; or gcc moves it from a core register in every turn
 #endif
     return factor;
+}
+inline s16xn mul_q15_lane(int16x8_t a, int16x4_t factor) {
+#if defined(__arm__) && defined(__clang__)  // which would keep each factor in a whole register
+    s16xn product;
+    asm("vqrdmulh.s16 %q0, %q1, %P2[0]" : "=w"(product) : "w"(a), "x"(factor));
+    return product;
+#else
+    return (s16xn)vqrdmulhq_lane_s16(a, factor, 0);
+#endif
 }
 template <int F> s16x2n centred_product(u8xn a) {
     static_assert(centred_product_fits(F));
     const int8x16_t centred = (int8x16_t)(a ^ 128);
     const int16x4_t factor = lane_factor(F);
-    return {(s16xn)vqrdmulhq_lane_s16(vshll_n_s8(vget_low_s8(centred), 7), factor, 0),
-            (s16xn)vqrdmulhq_lane_s16(vshll_n_s8(vget_high_s8(centred), 7), factor, 0)};
+    return {mul_q15_lane(vshll_n_s8(vget_low_s8(centred), 7), factor),
+            mul_q15_lane(vshll_n_s8(vget_high_s8(centred), 7), factor)};
 }
-inline s16xn mul_q15(s16xn a, int b) { return (s16xn)vqrdmulhq_lane_s16((int16x8_t)a, lane_factor(b), 0); }
+inline s16xn mul_q15(s16xn a, int b) { return mul_q15_lane((int16x8_t)a, lane_factor(b)); }
 inline s16x2n mul_q15(s16x2n a, int b) {
     const int16x4_t factor = lane_factor(b);
-    return {(s16xn)vqrdmulhq_lane_s16((int16x8_t)a.lo, factor, 0),
-            (s16xn)vqrdmulhq_lane_s16((int16x8_t)a.hi, factor, 0)};
+    return {mul_q15_lane((int16x8_t)a.lo, factor), mul_q15_lane((int16x8_t)a.hi, factor)};
 }
 
 inline const u8* load_16(const u8* p, s16x2n& a) {
