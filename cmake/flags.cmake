@@ -48,6 +48,10 @@ set(ZELT_LIBRARY_FLAGS -fno-exceptions -fno-rtti -fno-threadsafe-statics -Wmissi
   # clang would take a function's own address where a program that is not position independent has another for it.
   $<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>
   $<$<BOOL:${ZELT_SCALAR}>:-DZELT_SCALAR>)
+# clang for 32-bit ARM would load all of a long piece of straight code first, for which there are not the registers.
+if(CMAKE_CXX_COMPILER_ID MATCHES Clang AND CMAKE_SYSTEM_PROCESSOR MATCHES "^arm" AND CMAKE_SIZEOF_VOID_P EQUAL 4)
+  list(APPEND ZELT_LIBRARY_FLAGS "SHELL:-mllvm -pre-RA-sched=source")
+endif()
 set(ZELT_LINK_FLAGS -Wl,--as-needed -Wl,-z,text -Wl,-z,max-page-size=16384)
 if(ZELT_SANITIZE)
   # -O1 compiles in half the time of -O3.
