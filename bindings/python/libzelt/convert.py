@@ -128,7 +128,7 @@ class Converter:
         if request["turn"] and not _video(self._source, self._target, turn=request["turn"]):
             return f"no converter from {pair} turns the picture so: convert it first, to yuv420 or yuv444"
         if "dst_w" in request:
-            return f"no converter from {pair} gives another size: convert YUV to 8 bits first, or use resize()"
+            return f"no converter from {pair} gives another size: there is no other size of 10 bits, and RGB has resize()"
         return f"no converter from {pair} has this matrix and range: it is full-range BT.601 alone"
 
     def _call(self, source: Planes, result: Planes) -> tuple[Any, ...]:
