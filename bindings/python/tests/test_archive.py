@@ -140,7 +140,11 @@ def test_a_worker_of_a_cluster_that_is_killed(folder, tmp_path):
         def add(self, rows):
             super().add(rows)
             if len(self.done) == 4:
-                killed.append(int(note_of(notes, tasks[0]).read_text()))
+                hangs = note_of(notes, tasks[0])
+                until = time.monotonic() + 30
+                while not (hangs.exists() and hangs.read_text()) and time.monotonic() < until:
+                    time.sleep(0.05)  # its worker may have been slow to start
+                killed.append(int(hangs.read_text()))
                 in_table.update(self.done)
                 os.kill(killed[0], signal.SIGKILL)
 
