@@ -139,13 +139,13 @@ def _check_plane(place: PlanePlace, plane: Plane, shape: Shape, what: str, forma
                      f"{place.shape}; a picture is {format.describe()}")
 
 
-def _av_plane(plane: Any, spec: Plane) -> Array:
+def _av_plane(plane: Any, expected: Plane) -> Array:
     """An array over a plane of one of PyAV's frames, which has rows of `line_size` bytes"""
-    size = spec.dtype.itemsize
-    dimensions = 2 if spec.channels == 1 else 3
-    shape: Shape = (plane.height, plane.width, spec.channels)
-    strides: Shape = (plane.line_size, size * spec.channels, size)
-    return np.ndarray(shape[:dimensions], spec.dtype, memoryview(plane), strides=strides[:dimensions])
+    size = expected.dtype.itemsize
+    dimensions = 2 if expected.channels == 1 else 3
+    shape: Shape = (plane.height, plane.width, expected.channels)
+    strides: Shape = (plane.line_size, size * expected.channels, size)
+    return np.ndarray(shape[:dimensions], expected.dtype, memoryview(plane), strides=strides[:dimensions])
 
 
 class Planes:
