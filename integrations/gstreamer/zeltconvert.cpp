@@ -54,7 +54,7 @@ constexpr int band_unit = 16;  // rows; bands of a multiple of it are fastest
 
 ZeltConvert* self_of(gpointer object) { return reinterpret_cast<ZeltConvert*>(object); }
 
-void set_property(GObject* object, guint id, const GValue* value, GParamSpec* spec) {
+void set_property(GObject* object, guint id, const GValue* value, GParamSpec* pspec) {
     ZeltConvert* self = self_of(object);
     GST_OBJECT_LOCK(self);
     switch (id) {
@@ -63,18 +63,18 @@ void set_property(GObject* object, guint id, const GValue* value, GParamSpec* sp
         self->convert.set_chroma(self->chroma);
         break;
     case PROP_N_THREADS: self->n_threads = g_value_get_uint(value); break;
-    default: G_OBJECT_WARN_INVALID_PROPERTY_ID(object, id, spec);
+    default: G_OBJECT_WARN_INVALID_PROPERTY_ID(object, id, pspec);
     }
     GST_OBJECT_UNLOCK(self);
 }
 
-void get_property(GObject* object, guint id, GValue* value, GParamSpec* spec) {
+void get_property(GObject* object, guint id, GValue* value, GParamSpec* pspec) {
     ZeltConvert* self = self_of(object);
     GST_OBJECT_LOCK(self);
     switch (id) {
     case PROP_CHROMA_MODE: g_value_set_enum(value, self->chroma); break;
     case PROP_N_THREADS: g_value_set_uint(value, self->n_threads); break;
-    default: G_OBJECT_WARN_INVALID_PROPERTY_ID(object, id, spec);
+    default: G_OBJECT_WARN_INVALID_PROPERTY_ID(object, id, pspec);
     }
     GST_OBJECT_UNLOCK(self);
 }
