@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // The frame of the benchmark (main.cpp) and of the instruction counter (count.cpp). A row of a table has
 // candidates that do the same work: `zelt` (the library as linked), `scalar` (the same exports of the build without

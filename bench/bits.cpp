@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The family `bits`: reading and writing fields and Exp-Golomb codes, and the start-code scan of the key-frame test.
 #include "bits.h"
 

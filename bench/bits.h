@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // What the bit coders and the start-code scan work on, for us and for peers.
 #include <cstddef>

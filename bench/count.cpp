@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zelt_count [FILTER]: runs every candidate of the rows whose "family/name" the regular expression FILTER matches, for
 // the emulator's plugin (count_plugin.c) to count its instructions. Prints a line a candidate: family, row, unit,
 // units, candidate, and the counts, which the plugin prints.

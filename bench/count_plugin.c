@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* A plugin of the QEMU emulator: prints how many instructions the program ran between a system call 9999 and the next,
  * in other functions than the harness's own and in those. Needs the emulator's option -d plugin, or there are
  * no names of functions. With the argument trace=FILE it also writes there what ran of the former: a line

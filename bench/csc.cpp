@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The C library beside the plane copies.
 #include "bench.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The rows and candidates that the files of the families and peers add.
 #include "bench.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* What a pixel costs as pictures grow: a line for each work and size, with the bytes that it visits and the least time
  * of many rounds, each in nanoseconds a pixel of the picture that it reads. scripts/growth.sh draws it. */
 #define _GNU_SOURCE

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Rows of the kernels in the test registry: whole pictures, and blocks as a motion search picks them.
 #include "bench.h"
 #include "operands.h"

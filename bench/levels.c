@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* What the levels in one library cost: the time of a call of a small kernel in this program; with the path of a
  * library, what loading that takes. The best of many runs. */
 #define _GNU_SOURCE

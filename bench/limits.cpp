@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What this processor does at most, measured in the run that the rows are measured in: bytes that it loads and stores
 // in each of its memories, and operations that wait for one another.
 #include "bench.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zelt_bench [FILTER] [--benchmark_...]: times the rows whose "family/name" the regular expression FILTER matches, and
 // writes one JSON document. The candidates of a row are interleaved with each other and with nothing else, so that
 // what the machine does meanwhile meets all of them alike.

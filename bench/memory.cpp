@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The families `memory` (fills and copies), `border`, `digest` and `ring`, beside what the C library has.
 #include "memory.h"
 

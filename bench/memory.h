@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // What the fills, copies, digests and rings work on, for us and for peers.
 #include "bench.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Memory for the operands of a kernel, and what its name says.
 #include "kernels/kernel.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture path on real pictures: converts each through the vector library and through the scalar one, compares the
 // bytes, measures both, and writes what came out as PNG files.
 #include "pictures/writer.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whole pictures to another size: the formats of the resizer and the fused converters.
 #include "rsz.h"
 

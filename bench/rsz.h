@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the rows of resizing, and how a peer joins them
 #include "bench.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whole pictures in decoder layouts to RGB, back, and into one another: BT.601 of limited range, which all peers have.
 #include "video.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pictures of 1920 x 1080 in decoder layouts, turned, or of another size.
 #include "video_place.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the rows of pictures that are turned or get another size, and how a peer joins them
 #include "video.h"
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Flags of the library, whatever the level. Variables of this folder: a parent project keeps its own.
 set(CMAKE_C_STANDARD 99)
 set(CMAKE_CXX_STANDARD 20)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # GTest::gtest: as it is installed, or out of Debian's sources for other targets and sanitizers.
 if(NOT CMAKE_CROSSCOMPILING AND NOT ZELT_SANITIZE)
   find_package(GTest QUIET)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* The size and the frame rate of an H.264 stream: finds the sequence parameter set in a file with start codes (Annex B)
  * and reads it up to its timing. A refill callback removes the emulation prevention bytes on the way.
  *

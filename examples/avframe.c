@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* The first picture of a clip as a PPM file: FFmpeg's libraries decode it, and the frame's planes and strides are
  * converted as they are.
  *

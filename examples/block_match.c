@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* Block matching in padded image buffers: where does each 16x16 block of a picture come from in the one before?
  *
  * A diamond search compares with zelt_sad_eskip, which gives up on a candidate as soon as it is worse than the best one

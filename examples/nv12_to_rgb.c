@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* The first picture of an NV12 file as a PPM file, which most viewers know.
  *
  *     nv12_to_rgb FILE.nv12 WIDTH HEIGHT OUT.ppm

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Kernels of the registry on blocks of any stride: padded, negative, of sources 0. All bytes around what is written are
 // compared with the model's, too.

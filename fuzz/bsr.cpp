@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any sequence of reader calls, with the default refill or one of the caller's that drops bytes: results and record are
 // those of a position in a string of bits. With arguments out of range, and codewords longer than supported, the reader
 // stays within its buffer.

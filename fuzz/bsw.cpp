@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the writer writes the reader reads, as far as the buffer reaches, with the default flush or one of the caller's.
 // Nothing is stored past the buffer, whatever the arguments.
 #include "zelt/bsw.h"

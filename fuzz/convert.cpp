@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Conversion, fused conversion and resizing of any geometry against the models of the kernel tests: padded and negative
 // strides, source strides of 0; whole pictures, rows and bands. All bytes around what is written are compared too.
 #include "blocks.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pictures of any geometry, cleared, reborn, expanded and digested with any words: every plane lies inside the block,
 // planes follow each other, and nothing outside the block is touched.
 #include "zelt/imgb.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // The bytes of a fuzzer as values. Every target defines LLVMFuzzerTestOneInput and stops the program where a property
 // does not hold.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Key-frame tests of any frames, made of headers and other bytes, follow the rules written as plain loops. Bytes in
 // front and behind, which belong to no start code, move what is searched for to every place of a vector.
 #include "input.h"

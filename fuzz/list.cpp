@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any sequence of list calls: the links stay whole, order, count and cursor are those of a vector, and what is removed
 // goes through the list's free routine.
 #include "zelt/list.h"

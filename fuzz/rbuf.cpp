@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any sequence of ring calls with any lengths: nothing but the caller's bytes is touched and indices stay where they
 // may stand; while both are inside the storage, contents, results and lengths are those of a queue.
 #include "zelt/rbuf.h"

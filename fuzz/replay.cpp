@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs a target over the files of folders, then over random inputs, so that it is a test with any compiler.
 #include "input.h"
 

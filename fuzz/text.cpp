@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text and URI scanners of any text: results lie within it, pieces fit, and a URI form turns back into its text.
 #include "input.h"
 #include "zelt/str.h"

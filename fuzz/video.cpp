@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Decoder layouts of any size and stride, in bands of any height, against the model of the kernel tests, and records
 // that ask for what there is not.
 #include "kernels/video.h"

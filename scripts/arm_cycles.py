@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """arm_cycles.py COUNTS.tsv TRACE: cycles that llvm-mca models for what ran.
 
 COUNTS.tsv and TRACE are of one run of zelt_count with the plugin's trace. Prints a line for every candidate and core:

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Counts the instructions of every kernel on ARMv7 (NEON) and AArch64 under emulation, beside those of other libraries and
 # of clang's code, models the cycles of the hottest loops, and writes the tables of docs/performance.md.
 #   --show  shows the tables and writes nothing

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # arm_peers.sh armhf|arm64: fetches what scripts/arm_instructions.sh compares with on ARM into build/arm_peers/ARCH/root,
 # laid out as on such a system. Nothing is installed: apt works in a folder of its own, from the sources it is configured
 # for. A second run keeps what is there.

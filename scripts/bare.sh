@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Builds and installs the library where there is nothing but a compiler, cmake and make: a new Debian of the host's
 # release, made in a temporary folder from the host's package sources. Then, with pkg-config too, the consumers of
 # tests/consumer. It downloads some 200 MB.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Times the library against its scalar build and other libraries, on one processor.
 #   (nothing)  every family; writes the tables of docs/performance.md and its figure, then the table of levels
 #   FAMILY     one family (csc, sad, ...) and its table

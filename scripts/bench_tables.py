@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Writes the tables of measurements.
 
 bench_tables.py RUN.json COMMAND [DOCUMENT]                      from a run of zelt_bench

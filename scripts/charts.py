@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Draws the figures of docs/performance.md.
 
 charts.py growth GROWTH.tsv FIGURE.svg              from a run of zelt_growth

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # The main job on real input: a clip and photographs through the library, out/ with PNG files, and a table of speeds.
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """docs.py filter FILE.md        the page as Doxygen reads it: its anchors, links, figures and names
 docs.py check HTML_FOLDER     what leads nowhere: links of the pages as they are in the repository, and of the site"""
 import html.parser

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # The site, build/doc/index.html, and man pages below build/man. Fails if something public lacks documentation or a man
 # page, a link leads nowhere, or a drawing is not what its script makes.
 #   FOLDER  where they go instead of build

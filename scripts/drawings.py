@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """drawings.py [FOLDER]: draws the figures of docs/guide/, from the rules that the library follows."""
 import pathlib
 import sys

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Plants faults in the library and the tool, one at a time, and tells which of them the tests catch.
 
 A fault is a one-line edit that changes what is promised. Each is made in a copy of the tree, under build/faults; what

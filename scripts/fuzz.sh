@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Runs every fuzz target, one per processor at a time; what one finds stops the run and stays under build/fuzz/found.
 #   [SECONDS]       for each target, 60 where nothing is said
 #   [SECONDS] i686  the same as a 32-bit program, under build/fuzz-i686

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Times what a pixel costs in pictures from 64x64 to 7680x4320, on one processor, and draws docs/growth.svg.
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Times the plugin for GStreamer beside GStreamer's own converters, and writes the table of docs/performance.md.
 #   (nothing)  all rows, in about four minutes
 #   REGEX      the rows that it matches, shown and not written

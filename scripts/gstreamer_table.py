@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """gstreamer_table.py [REGEX]: times zeltconvert beside videoconvert and videoconvertscale, see gstreamer.sh.
 
 What a pipeline of N + 5 pictures takes less what one of 5 takes, by N, the least of three times."""

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """instruction_list.py [--check] LIST FOLDER COMPILER...: the list of scripts/instructions.sh, from the runs of zelt_count
 that it left in FOLDER, TARGET.tsv, each by the compiler at its place.
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Counts the instructions of a fixed set of kernels on x86-64-v2, x86-64-v3, ARMv7 (NEON) and AArch64 in an emulator, and
 # writes them to bench/instructions.txt. Counts repeat exactly, whatever else the machine does.
 #   --check  compares with that list instead: fails if a row has changed by more than 3 %. What has grown is to be
@@ -12,7 +13,7 @@ mode=()
 case ${1-} in
 "") ;;
 --check) mode=(--check) ;;
-*) sed -n '2,/^set/s/^# \{0,1\}//p' "$0" >&2 && exit 1 ;;
+*) sed -n '3,/^set/s/^# \{0,1\}//p' "$0" >&2 && exit 1 ;;
 esac
 need "${count_packages[@]}"
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Shows what it costs on x86-64 that one library holds the kernels of several levels, on one processor: sizes, the time
 # to load the library, and the time of a call of the smallest kernel, beside a library of the best level alone.
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Counts lines of code, neither blank nor comment, in C, C++, Python, JavaScript, shell and CMake, and the tests' share.
 #   --check A B  fails if the tests are more than A % of all code, or more than B % of themselves and what they test
 # Tests are what lies below a folder named tests or fuzz; corpora, data and the catalogue of faults do not count.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # shellcheck shell=bash
 # Sourced by the other scripts: the Debian packages that each kind of work needs.
 build_packages=(g++ cmake ninja-build pkg-config libpng-dev libcli11-dev)
@@ -12,7 +13,7 @@ arm_packages=(g++-arm-linux-gnueabi g++-aarch64-linux-gnu)
 armhf_packages=(g++-arm-linux-gnueabihf)
 i686_packages=(g++-i686-linux-gnu)
 docs_packages=(doxygen doxygen-awesome-css python3)
-check_packages=("${docs_packages[@]}" clang clang-format shellcheck)
+check_packages=("${docs_packages[@]}" clang clang-format reuse shellcheck)
 # the Python package, its tests and what examples use
 wheel_packages=("${build_packages[@]}" binutils python3-numpy python3-pip python3-setuptools python3-venv python3-wheel)
 python_packages=("${wheel_packages[@]}" mypy python3-av python3-distributed python3-pil python3-pytest)

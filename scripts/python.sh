@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # The Python package: types, tests, doctests, and its wheel in a fresh environment.
 #   --guide    makes the pictures of docs/python.md again
 #   --bench    times it beside OpenCV and Pillow; writes the table of docs/performance.md

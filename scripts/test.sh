@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Builds and runs every test: on x86-64 (baseline, x86-64-v2 and -v3) and on 32-bit ARM under emulation.
 #   --quick    x86-64 alone
 #   --all      every preset: the other targets, compilers and sanitizers
@@ -15,7 +16,7 @@ case ${1-} in
     listed=$(cmake --list-presets=test | sed -n 's/^ *"\([^"]*\)".*/\1/p')
     mapfile -t presets <<<"$listed"
     ;;
--*) sed -n '2,/^set/s/^# \{0,1\}//p' "$0" >&2 && exit 1 ;;
+-*) sed -n '3,/^set/s/^# \{0,1\}//p' "$0" >&2 && exit 1 ;;
 *) presets=("$@") ;;
 esac
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Builds the Python wheel with the library inside, as out/*.whl, without network; checks what its tag promises, that it
 # runs wherever glibc is 2.17 or newer; and tries it in a fresh virtual environment.
 set -euo pipefail

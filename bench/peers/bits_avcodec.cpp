@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libavcodec's two ways of looking for start codes, as its parsers drive them. On ARM: no header declares one of them.
 #include "bench.h"
 #include "bits.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // GStreamer's GstBitReader, GstBitWriter and GstByteReader. They have no Exp-Golomb codes: these are put together from
 // their calls. Where there is a form without checks, that one is timed.
 #define G_DISABLE_ASSERT

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libyuv's ways of converting between YUV 4:4:4 and RGB. It names packed formats by the word in memory, lowest byte
 // last: its ARGB is B, G, R, A in memory. Where it has no direct way, two steps work on strips that stay in the cache.
 // Its full-range matrices differ from ours by up to 2; its way from RGB to YUV 4:4:4 is limited range: the same work,

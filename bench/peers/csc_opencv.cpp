@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // OpenCV's merge of planes, on this thread alone.
 #include "bench.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libjpeg-turbo's conversion of YUV planes to packed RGB: the same full-range matrix, rounded otherwise. On ARM the
 // kernels behind it, which are chosen by what the processor is said to have, not the one that is emulated; and those
 // from RGB.

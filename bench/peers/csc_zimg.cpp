@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zimg's 10-bit matrices, full-range BT.601 both ways in 16-bit words.
 #include "bench.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // OpenSSL's MD5, by the calls that cost least.
 #define OPENSSL_SUPPRESS_DEPRECATED
 #include "memory.h"

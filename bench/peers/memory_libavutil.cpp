@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libavutil's copy of a plane, MD5 and FIFO.
 #include "memory.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libyuv's fills and copies of planes.
 #include "memory.h"
 

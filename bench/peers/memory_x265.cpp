@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // x265's copies of blocks and, where it chooses kernels by itself, its border of a reference picture, out of the static
 // archive: no header declares them.
 #include "memory.h"

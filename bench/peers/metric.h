@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Kernels inside the static archives of video coders: no header declares them.
 #include "bench.h"

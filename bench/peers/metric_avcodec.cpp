@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libavcodec's SAD and SSD, which take one stride for both blocks. On 32-bit ARM it has none for NEON.
 #include "peers/metric.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libavutil's SAD of squares, through its public getter.
 #include "bench.h"
 

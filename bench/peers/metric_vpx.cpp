@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libvpx's SAD, SSD and differences. Those of high bit depth take half of the address of their 16-bit samples.
 #include "peers/metric.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // x264's kernels for 8-bit and 10-bit samples. Its 8x8 SATD that is one transform is called sa8d, its satd of larger
 // blocks is that of 4x4 tiles. Left out: 10-bit satd_4x4 from ssse3 on, which is wrong, and on ARM 10-bit kernels but
 // SAD: the archive has those of 8 bits under their names.

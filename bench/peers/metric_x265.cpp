@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // x265's kernels for 8-bit and 10-bit samples, named as x264's, and its differences (sub_ps). Left out: 10-bit
 // satd_4x4 from ssse3 on, which is wrong. On ARM the sums of squares are called sse; what ends in local is so in its
 // file there, until scripts/arm_peers.sh makes it callable.

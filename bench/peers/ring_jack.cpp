@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // JACK's ring buffer, which two threads may share.
 #include "memory.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libyuv's bilinear scalers, and its two ways from YUV 4:4:4 to RGBA of another size. At exactly 2:1 it takes the mean
 // of four.
 #include "rsz.h"

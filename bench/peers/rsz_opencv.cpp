@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // OpenCV's bilinear resize, alone and before libyuv's conversion, on this thread alone.
 #include "rsz.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // pixman's bilinear scaling of packed pixels.
 #include "rsz.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libswscale's fast bilinear scaler, which halves chroma on its way.
 #include "rsz.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libyuv's ways from decoder layouts and to them. It names packed formats by the word in memory, lowest byte last: its
 // ARGB is B, G, R, A in memory, its RAW is R, G, B. Where it has no direct way, two steps work on strips that stay in
 // the cache. Its smooth chroma is that of JPEG, in the middle of its pixels, and is rounded to 8 bits first.

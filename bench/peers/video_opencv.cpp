@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // OpenCV's conversions of 4:2:0 and YUYV, and to 4:2:0, where it takes the chroma of one pixel of four, on this thread
 // alone. It has BT.601 of limited range only.
 #include "video.h"

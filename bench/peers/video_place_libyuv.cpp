@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libyuv's turns and sizes. What it has no direct way for takes two passes over the picture. Its ABGR is R, G, B, A in
 // memory.
 #include "video_place.h"

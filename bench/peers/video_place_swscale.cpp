@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libswscale's mean of what a pixel covers, chroma at full resolution.
 #include "video_place.h"
 

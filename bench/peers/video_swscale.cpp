@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libswscale between formats of one size: the fastest it has, with chroma replicated, and the same rounded accurately.
 // Smooth chroma is bilinear at full resolution.
 #include "video.h"

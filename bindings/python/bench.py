@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Times the package beside OpenCV and Pillow on one thread; bench.py [DOCUMENT] writes the table between its markers.
 
 Candidates take turns; a time is the processor time of the best of many turns."""

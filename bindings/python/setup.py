@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Tags the wheel: for one kind of machine if the library lies in it (scripts/wheel.sh puts it), for any if not."""
 import os
 from pathlib import Path

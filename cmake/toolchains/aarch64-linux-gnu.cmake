@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # 64-bit ARM
 set(triple aarch64-linux-gnu)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)

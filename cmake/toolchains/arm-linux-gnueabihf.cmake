@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # ARMv7-A with NEON, hard-float calling convention: Linux boards
 set(triple arm-linux-gnueabihf)
 set(float_abi hard)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Included after a toolchain: the same target with clang
 set(CMAKE_C_COMPILER clang)
 set(CMAKE_CXX_COMPILER clang++)

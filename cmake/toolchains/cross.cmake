@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What the toolchains here share. Before they include this they set triple, CMAKE_SYSTEM_PROCESSOR and flags.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_C_COMPILER ${triple}-gcc)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # 32-bit x86, run natively: the 32-bit record layouts under sanitizers
 set(triple i686-linux-gnu)
 set(CMAKE_SYSTEM_PROCESSOR i686)

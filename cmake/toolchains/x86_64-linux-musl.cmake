@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # x86-64 with musl as Debian's musl-tools has it, which needs the C++ headers of g++
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)

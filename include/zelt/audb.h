@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_audb Audio buffers (zelt/audb.h)
  *  Audio buffers: reference-counted blocks of samples, in one buffer or in one for each channel.
  *  @{ */

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_bitb Bitstream buffers (zelt/bitb.h)
  *  Bitstream buffers: reference-counted blocks of bytes for coded data.
  *  @{ */

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_bsr Bit reader (zelt/bsr.h)
  *  Bit reader: fields, Exp-Golomb and unary codes out of a byte buffer, most significant bit first.
  *  @{ */

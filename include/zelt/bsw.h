@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_bsw Bit writer (zelt/bsw.h)
  *  Bit writer: fields and Exp-Golomb codes into a byte buffer, most significant bit first.
  *  @{ */

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_common Common types (zelt/common.h)
  *  What every module shares: export marks, status codes, colour-space identifiers, the names of all records, the
  *  allocator callbacks, the version text, integer logarithms and atomic counters.

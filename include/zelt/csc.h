@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_csc Colour conversion (zelt/csc.h)
  *  Colour conversion: YUV and RGB pictures, planar and packed, and the dispatch that finds a converter for a pair.
  *  @{ */

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_fcc2mt Media types, key frames (zelt/fcc2mt.h)
  *  Media types: what a FourCC or an audio format tag stands for, and which video frames can be decoded on their own.
  *  @{ */

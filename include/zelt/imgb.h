@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_imgb Image buffers (zelt/imgb.h)
  *  Image buffers: reference-counted pictures whose planes lie back to back in one block of memory.
  *  @{ */

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_irsz Resizing (zelt/irsz.h)
  *  Bilinear resizing of 8-bit and RGB565 pictures in fixed point, a whole picture or a band of rows at a time.
  *

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_list Lists with a cursor (zelt/list.h)
  *  A doubly linked list of elements of one size, held by value, with one cursor.
  *  @{ */

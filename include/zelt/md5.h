@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_md5 MD5 digests (zelt/md5.h)
  *  MD5 digests (RFC 1321) of bytes, of 16-bit samples and of pictures. A check against mistakes, not against forgery.
  *  @{ */

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_mem Memory (zelt/mem.h)
  *  Aligned allocation, fills, and copies of picture areas and blocks.
  *  @{ */

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_mfal Frame allocators (zelt/mfal.h)
  *  Frame allocators: reference-counted records that belong to their caller.
  *  @{ */

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_rbuf Rings of bytes (zelt/rbuf.h)
  *  A ring of bytes between one writer and one reader, with text lines.
  *  @{ */

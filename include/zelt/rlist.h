@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_rlist Queues over a pool (zelt/rlist.h)
  *  A first-in first-out queue over a fixed pool of buffers: nothing is allocated after its creation.
  *  @{ */

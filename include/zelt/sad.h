@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_sad Block matching (zelt/sad.h)
  *  Block matching: sums of absolute differences, Hadamard-transformed differences, differences, sums of squares.
  *

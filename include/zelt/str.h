@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_str Text and URIs (zelt/str.h)
  *  Scanners over zero-terminated text: words, lines, pieces, URIs. Lengths are in bytes, nothing is allocated, nothing
  *  past the terminator is read. Whitespace is tab, line feed, carriage return and space, and nothing else.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_vdata Owned byte blocks (zelt/vdata.h)
  *  A tagged byte block that owns its memory.
  *  @{ */

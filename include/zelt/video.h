@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @defgroup zelt_video Pictures of decoders (zelt/video.h)
  *  Pictures as decoders, cameras and screens have them: 4:2:0 and its relatives, planar, semi-planar and packed, of
  *  limited or full range and the matrix of BT.601, BT.709 or BT.2020, to RGB, back, and into one another.

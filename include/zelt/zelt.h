@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /** @file
  *  All of libzelt. */
 #ifndef ZELT_ZELT_H

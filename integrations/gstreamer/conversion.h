@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // which of GStreamer's formats the library converts into which
 #include <array>
 #include <gst/video/video.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "negotiation.h"
 
 #include "conversion.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /**
  * SECTION:element-zeltconvert
  * @title: zeltconvert

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bit reader. The default refill is done inline; a caller's own goes through the callback.
 #include "zelt/bsr.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bit writer. The default flush of a whole word is done inline; a caller's own goes through the callback.
 #include "zelt/bsw.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // what reader and writer share: shifts of the cache word by any count, bytes left in the buffer
 #include "core/types.h"
 

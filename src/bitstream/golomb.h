@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // Exp-Golomb codes: lengths of codewords and the mapping of signed values
 #include "core/types.h"
 

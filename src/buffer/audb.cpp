@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "zelt/audb.h"
 
 #include "core/refcount.h"

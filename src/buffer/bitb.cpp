@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "zelt/bitb.h"
 
 #include "core/refcount.h"

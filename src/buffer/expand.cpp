@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "buffer/expand.h"
 
 #include "core/types.h"

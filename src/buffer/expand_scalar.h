@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // rows of a border
 #include "core/copy_scalar.h"
 #include "core/fill_scalar.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 #include "core/copy_simd.h"
 #include "core/fill_simd.h"

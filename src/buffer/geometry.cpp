@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "buffer/geometry.h"
 
 #include "zelt/imgb.h"

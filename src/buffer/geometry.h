@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the planes of a picture in its block of memory
 #include "core/types.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "zelt/imgb.h"
 
 #include "buffer/geometry.h"

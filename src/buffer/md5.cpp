@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // MD5 (RFC 1321). Each step waits for the one before it, so what counts is the number of instructions from `b` to the
 // step's result; everything that does not depend on `b` is kept off that path.
 #include "zelt/md5.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/types.h"
 #include "zelt/imgb.h"
 #include "zelt/md5.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "zelt/mfal.h"
 
 #include "core/refcount.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the node of lists and pools: two links, then the element
 #include "core/types.h"
 #include "zelt/common.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Indices run from 0 to size, the read index even to size + 1 (see ZELT_RBUF), so the length of a piece can be -1.
 // Sums of two indices are computed in 64 bits.
 #include "zelt/rbuf.h"

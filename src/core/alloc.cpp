@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Blocks aligned to 32 bytes, each preceded by a word with the address that malloc returned.
 #include "core/types.h"
 #include "zelt/mem.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/atomic.h"
 
 #include "zelt/common.h"

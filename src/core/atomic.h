@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // atomic access to a plain word. std::atomic_ref would do, but libc++ has it only since version 19.
 #include "core/types.h"
 

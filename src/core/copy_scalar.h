@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // copies of memory that does not overlap
 #include "core/types.h"
 #include "simd/level.h"

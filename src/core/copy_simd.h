@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 #include "core/copy_scalar.h"
 #include "core/unaligned.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // fills of memory with a repeated word
 #include "core/types.h"
 #include "simd/level.h"

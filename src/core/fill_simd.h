@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 #include "core/fill_scalar.h"
 #include "core/unaligned.h"

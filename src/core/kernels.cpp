@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which level this is.
 #include "simd/export.h"
 #include "zelt/common.h"

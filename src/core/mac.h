@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the text form of a hardware address
 #include "core/types.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // what the reference-counted records share: creation, counting, the default allocator of their blocks
 #include "core/atomic.h"
 #include "zelt/mem.h"

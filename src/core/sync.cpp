@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A word that one side polls and the other sets. Relaxed atomics: every poll reads the whole word anew, and nothing
 // else is ordered.
 #include "core/atomic.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // short names of the sample and result types, and what every source file takes for granted
 #include <cstddef>
 #include <cstdint>

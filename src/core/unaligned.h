@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // values at any address, as one load or store each
 #include "core/types.h"
 #include "simd/level.h"

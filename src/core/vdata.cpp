@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "zelt/vdata.h"
 
 #include "core/types.h"

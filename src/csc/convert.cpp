@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Same-size converters of 8-bit pictures: the exports.
 #include "csc/convert.h"
 

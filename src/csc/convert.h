@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Same-size conversion: a row loop over a source layout, a colour matrix and a destination layout. Each is written once
 // over the value V: u8, a pixel at a time, or simd::u8xn, a register of pixels.

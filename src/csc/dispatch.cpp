@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which converter serves a pair of colour spaces. The exported tables are made from the pairs below at compile time.
 #include "core/types.h"
 #include "zelt/csc.h"

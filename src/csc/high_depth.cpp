@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Converters of 10-bit samples, and the plane copy.
 #include "csc/convert.h"
 #include "simd/export.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // pixels, one at a time or a register of them
 #include "csc/pixel_scalar.h"
 #if ZELT_SIMD

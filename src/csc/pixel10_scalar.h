@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // 10-bit samples in 16-bit words, one pixel at a time
 #include "csc/pixel_scalar.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // 10-bit samples in 16-bit words over whole registers
 #include "csc/pixel10_scalar.h"
 #include "simd/vocabulary.h"

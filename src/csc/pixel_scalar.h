@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // one pixel at a time: samples, and the colour matrices as they are defined
 #include "core/types.h"
 #include "simd/level.h"

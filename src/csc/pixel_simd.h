@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the colour matrices over whole registers, exact in 16 bits
 #include "csc/pixel_scalar.h"
 #include "simd/vocabulary.h"

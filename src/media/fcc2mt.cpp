@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Media types of container codes. Compilers turn each switch into a tree of comparisons.
 #include "zelt/fcc2mt.h"
 

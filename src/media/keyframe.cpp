@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Key frames: the picture and unit headers of each codec.
 #include "media/start_code.h"
 #include "simd/export.h"

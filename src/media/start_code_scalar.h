@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the search for two zero bytes and a third one that makes them a start code
 #include "core/types.h"
 #include "simd/level.h"

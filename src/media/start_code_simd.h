@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // start codes in whole registers
 #include "media/start_code_scalar.h"
 #include "simd/vocabulary.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Stepping over words and lines, splitting text.
 #include "zelt/str.h"
 

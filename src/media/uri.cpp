@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // URIs: their pieces, and the percent form of text.
 #include "core/types.h"
 #include "zelt/str.h"

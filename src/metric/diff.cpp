@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The exports: differences.
 #include "metric/diff.h"
 

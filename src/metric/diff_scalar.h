@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // differences of blocks, sample by sample
 #include "core/types.h"
 #include "simd/level.h"

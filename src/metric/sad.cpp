@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The exports: sums of absolute differences.
 #include "metric/sad.h"
 

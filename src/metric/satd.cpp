@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The exports: Hadamard-transformed differences.
 #include "metric/satd.h"
 

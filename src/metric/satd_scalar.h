@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // Hadamard-transformed differences, coefficient by coefficient
 #include "core/types.h"
 #include "simd/level.h"

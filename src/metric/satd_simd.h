@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Hadamard-transformed differences. A stage of the transform adds and subtracts the values of two places; the order of
 // the stages is free. Those between registers are the cheapest; exchanges bring neighbours within two registers into

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The exports: sums of squared differences.
 #include "metric/ssd.h"
 

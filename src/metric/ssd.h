@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // sums of squared differences: the forms that this level has
 #include "metric/ssd_scalar.h"
 #if ZELT_SIMD

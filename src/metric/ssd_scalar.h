@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // sums of squared differences, sample by sample
 #include "core/types.h"
 #include "simd/level.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // positions along an axis, and the source rows that a destination row is interpolated from
 #include "core/types.h"
 #include "simd/level.h"

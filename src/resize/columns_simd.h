@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // A run of destination columns, prepared once for many rows: where their samples are in a source row, and the
 // horizontal weights. The drawing at the head of resize.h has the terms.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The resizer's handle: whole pictures, and bands of rows as they arrive.
 #include "resize/resize.h"
 #include "simd/export.h"

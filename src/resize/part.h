@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 #include "resize/part_scalar.h"
 #if ZELT_SIMD

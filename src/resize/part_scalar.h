@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // some columns of a resized plane, whose rows are made strip by strip
 #include "resize/resize_scalar.h"
 

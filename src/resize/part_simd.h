@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the same with the tables of these columns, which stay for all strips
 #include "resize/part_scalar.h"
 #include "resize/resize_simd.h"

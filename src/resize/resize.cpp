@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The resizer's kernels of rows and of whole pictures.
 #include "resize/resize.h"
 

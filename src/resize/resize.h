@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // The bilinear resizer. A destination sample is a weighted sum of four source samples, two in each of two rows:
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Resizing and colour conversion in one pass.
 #include "resize/resize.h"
 #include "simd/export.h"

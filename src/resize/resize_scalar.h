@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the definition of the resizer, a pixel at a time: its formats, and rows of them
 #include "csc/convert.h"
 #include "resize/bilinear.h"

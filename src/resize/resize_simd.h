@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the formats of the resizer, a register at a time
 #include "csc/convert.h"
 #include "resize/resize_scalar.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // The resizer's row loops. Their template parameters:
 //   Format    Format::source has the planes of a source row: `direct`, or a class like it; Format::put stores `lanes`

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The resizer's tables and the step rule
 #include "resize/bilinear.h"
 #include "zelt/irsz.h"

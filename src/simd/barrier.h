@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // optimisation barriers and hints
 #include "simd/level.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // blocks over the vocabulary: how registers go over them, and butterflies
 
 namespace zelt::inline ZELT_LEVEL::vec {

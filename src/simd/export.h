@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // How a kernel gets its exported name. A library of one level defines the name itself. In one of several, every level
 // defines a form, name_v3, and the lowest exports the name, bound to the best form that the processor has: by the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // The definition of every operation, in plain C++ on registers of 16 bytes: the model that back ends are tested
 // against, and where a new one starts. It begins with this file and `using namespace generic` in its namespace vec, and

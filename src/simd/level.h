@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // The one place where a target is chosen, from the compiler's predefined macros: the level's names, and if it has
 // vector forms its back end of the vocabulary and the bytes of a register. All code that depends on a level's flags is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the vector vocabulary on NEON, ARMv7 and AArch64 alike
 #include <arm_neon.h>
 

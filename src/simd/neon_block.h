@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the vocabulary of sample blocks on NEON, ARMv7 and AArch64 alike
 
 // Single instructions by hand where gcc 12 for ARMv7 has no loads and stores of two registers, or copies operands first

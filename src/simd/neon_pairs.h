@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the vocabulary of the resizer on NEON, ARMv7 and AArch64 alike: pairs of bytes and their weighted sums
 
 namespace zelt::inline ZELT_LEVEL::vec {

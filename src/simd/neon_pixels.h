@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // pixels of which two share chroma, on NEON, ARMv7 and AArch64 alike
 
 namespace zelt::inline ZELT_LEVEL::vec {

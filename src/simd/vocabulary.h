@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // The vector vocabulary: what kernels are written over, at the target's own register width. This page is its contract;
 // generic.h defines every operation in plain C++, and operations_test.cpp holds each back end to that over the whole

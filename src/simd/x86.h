@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // The vector vocabulary on x86: one text for registers of 16 bytes (SSE4.1) and of 32 (AVX2), whose instructions work
 // on each 16 bytes by itself. An instruction has the name of its intrinsics without their prefix, and takes values of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // blocks of samples on x86, in registers of 16 bytes where a row or two fill no more
 
 namespace zelt::inline ZELT_LEVEL::vec {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // pixels of which two share chroma, on x86
 
 namespace zelt::inline ZELT_LEVEL::vec {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Shrinking by area. A plane of w by h becomes one of W by H; each sample is the mean of what it covers, rounded:
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // sums of a column, one row at a time
 #include "core/types.h"
 #include "simd/level.h"

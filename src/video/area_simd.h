@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the same of 16 rows
 #include "simd/vocabulary.h"
 #include "video/area_scalar.h"

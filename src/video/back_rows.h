@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // rows of YUV from those of an RGB layout
 #include "video/chroma.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Chroma of a row on its way to the pixels of a strip: samples of one or two source rows, weighted down and then
 // across, as bytes, or multiplied by the matrix. A strip is as many pixels as the nearest cache holds in all their

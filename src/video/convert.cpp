@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Decoder layouts: the exports.
 #include "video/convert.h"
 

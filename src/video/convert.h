@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // from any source to any destination
 #include "video/from_rgb.h"
 #include "video/from_ten.h"

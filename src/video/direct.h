@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Pixels of which two share chroma, replicated: from the planes of a source to those of a destination, with nothing
 // kept in memory between. Where two rows share chroma, too, they are converted together. Rows are at least a register

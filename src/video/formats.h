@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the table of formats, and what reads and writes those of RGB
 #include "video/back_rows.h"
 #include "video/direct.h"

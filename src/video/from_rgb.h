@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // an RGB format to one of YUV
 #include "video/source.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // a YUV format of 10 bits to one of RGB, of 8 bits or of 10
 #include "video/source.h"
 

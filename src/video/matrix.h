@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // coefficients of the standards, in integers
 #include "video/samples.h"
 

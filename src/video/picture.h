@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // what is converted: a band of the rows of two pictures, strip by strip
 #include "video/formats.h"
 #include "video/matrix.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Pictures of another size, or turned: tile by tile, each of which is resized plane by plane, then converted, then
 // turned, where there is something to do. Tiles begin at even pixels of the upright destination.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // YUV formats that both have chroma halved across, into one another: its samples as they are, or the means of two rows.
 // Packed rows are read or written once, luma and chroma together. Rows are at least two registers of pixels wide; what

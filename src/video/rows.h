@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // rows of pixels from luma and from what chroma adds to the components
 #include "video/chroma.h"
 

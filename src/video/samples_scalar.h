@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // one sample at a time
 #include "csc/pixel10_scalar.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // whole registers
 #include "csc/pixel10_simd.h"
 #include "csc/pixel_simd.h"

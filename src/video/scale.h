@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // tiles of planes of another size
 #include "video/area.h"
 #include "video/source.h"

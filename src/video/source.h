@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // samples of a strip of a source, on their way to pixels or to another format
 #include "video/picture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // a YUV format to one of RGB
 #include "video/source.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // planes of 10-bit RGB to a YUV format of 10 bits
 #include "video/source.h"
 

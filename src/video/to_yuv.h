@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // a YUV format to another one
 #include "core/copy.h"
 #include "video/source.h"

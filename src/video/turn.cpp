@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Turning a plane: the export.
 #include "video/turn.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Turning and mirroring. Each of the eight ways is to exchange rows and columns or not, taking the source's rows from
 // the bottom and its columns from the right or not.

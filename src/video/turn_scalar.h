@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the definition of turning, a pixel at a time
 #include "core/types.h"
 #include "simd/level.h"

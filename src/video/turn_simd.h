@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // blocks in registers
 #include "csc/convert.h"
 #include "video/turn_scalar.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // sources whose samples are no bytes, as bytes of which other sizes are made
 #include "resize/part.h"
 #include "video/picture.h"

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # declared.sh LIST FOLDER: the names that the headers of a folder declare are those of the list. A prototype starts on
 # its own line with ZELT_API and has its name on that line.
 list=$1 folder=$2

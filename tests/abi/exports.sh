@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # exports.sh NM LIST LIBRARY: the names that a library exports are those of the list, with the same kind of symbol and
 # in the same version node. A function that the loader chooses (i) is one (T).
 nm=$1 list=$2 library=$3

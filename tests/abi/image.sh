@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # image.sh READELF SONAME [any] LIBRARY: a library has that soname, needs libc alone (or any library), is free of text
 # relocations, and has segments that fit pages of 16 KiB.
 readelf=$1 soname=$2

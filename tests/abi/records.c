@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* Records as other programs were compiled against them: on 32-bit targets every field is at its word, elsewhere
  * pointers have their natural size and the order is the same. A wrong one is an array of negative size. */
 #include "zelt/zelt.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* A shared library without a soname, with a name too many, a library too many and small segments. */
 int zelt_unlisted(void);
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* Creates a picture, converts it and says what came out; C99 as well as C++. */
 #include <stdio.h>
 #include <zelt/zelt.h>

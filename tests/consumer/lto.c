@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* Built with link-time optimisation together with the library: the compiler then sees both the library's accesses to
  * memory and this program's own, of other types. Every digest must be what separately compiled code gives. */
 #include <stdio.h>

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Builds a consumer in each way that there is: what it prints, and what it is linked with.
 #   run.sh installed SCRATCH BUILD  of a build that is installed below a new prefix
 #   run.sh sources SCRATCH          with the library's sources as a part of another project, or against another C library

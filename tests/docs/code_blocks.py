@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """code_blocks.py CC CXX INCLUDE_FOLDER LIBRARY PAGE...
 
 Compiles and runs every block of C and C++ of these pages. A block without a main function is the body of one. A block of

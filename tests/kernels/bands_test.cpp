@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Band mode for every band height: what whole pictures give where that is promised, and a digest of all that it gives.
 #include "kernels/guarded.h"
 #include "kernels/resize.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs every kernel of the registry against its model: on fills that reach the extremes, with odd strides and
 // addresses, pressed against inaccessible pages. All memory around the blocks, and the inputs, must be as they were.
 // What the kernels of a family give, and which cases they run, is also digested: it must be the same on all targets.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Models and rows of the same-size converters.
 #include "kernels/converters.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // the colour matrices and layouts as the tests know them
 #include "kernels/kernel.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The colour matrices over all inputs, of 10 bits over a dense set; fewer first components where that takes minutes.
 // Those of zelt/video.h are compared with the standards, and their errors printed as its table has them.
 #include "kernels/video.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Memory between two inaccessible pages, and calls that survive touching them.
 #include "kernels/kernel.h"

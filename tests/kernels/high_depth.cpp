@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Models and rows of the converters of 10-bit samples and of the plane copy.
 #include "kernels/converters.h"
 #include "zelt/csc.h"

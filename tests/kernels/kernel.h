@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // The registry of kernels: what a kernel reads and writes, how to call it, and a model of it. The checker and the
 // benchmark walk it.

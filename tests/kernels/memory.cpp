@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Models and rows of the fills, copies and borders: step by step, as their documentation counts.
 #include "kernels/kernel.h"
 #include "zelt/imgb.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Models and rows of the block metrics. The models are the formulas of the header in 64 bits.
 #include "kernels/kernel.h"
 #include "zelt/sad.h"

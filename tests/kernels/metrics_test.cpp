@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the rows of the block metrics leave open: the limits of the vector forms, sizes below 1, second names.
 #include "kernels/kernel.h"
 #include "zelt/sad.h"

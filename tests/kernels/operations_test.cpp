@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The vocabulary's operations beside their definition, over the whole range that the contract states. Compiled for each
 // level with the level's own flags.
 #include "simd/level.h"

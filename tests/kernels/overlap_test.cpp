@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Converters whose source and destination share memory: the result must be that of working pixel by pixel, however the
 // two lie, though neither the source planes nor the destination planes overlap each other.
 #include "kernels/kernel.h"

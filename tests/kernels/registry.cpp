@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "kernels/kernel.h"
 
 namespace zelt::test {

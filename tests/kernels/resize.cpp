@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Models and rows of the resizer's row and picture kernels and of the fused converters, at ratios from 1:2 to 40:1.
 #include "kernels/resize.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // bilinear resizing as the tests know it
 #include "kernels/kernel.h"
 #include "zelt/irsz.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The registry of kernels, a file per family. The checker, the benchmark and the instruction counter walk it.
 set(ZELT_KERNEL_ROWS
   ${CMAKE_CURRENT_LIST_DIR}/registry.cpp

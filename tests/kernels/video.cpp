@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Model and rows of the conversions from decoder layouts.
 #include "kernels/video.h"
 

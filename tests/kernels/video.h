@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // decoder layouts as the tests know them
 #include "kernels/converters.h"
 #include "zelt/video.h"

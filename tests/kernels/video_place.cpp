@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Models and rows of turning, of other sizes and of both together with conversions.
 #include "kernels/resize.h"
 #include "kernels/video.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Threads that call the same kernels for the first time at once, from a library that chooses forms by itself.
 #include "zelt/zelt.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* loaded LIBRARY NAME...: where the functions of a library, loaded by its path, are in its file. */
 #define _GNU_SOURCE
 #include <dlfcn.h>

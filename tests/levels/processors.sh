@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # processors.sh NM EMULATOR LOADED LIBRARY STATIC: which form of each kernel a library loaded by its path, and a static
 # program, have on which processor. Every feature that a level asks for is missing once.
 set -eu

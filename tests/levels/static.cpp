@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which kernels the archive uses, and where some functions of it are in this program, which is linked at fixed
 // addresses.
 #include "zelt/zelt.h"

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # weak.sh NM LEVEL OBJECT...: the weak symbols of a level's objects, which the linker may merge with those of another
 # one's, are all of the level's namespace.
 nm=$1 level=$2

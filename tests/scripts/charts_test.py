@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """charts_test.py SCRIPTS: what the figures and the lines beside them make of a run."""
 import pathlib
 import re

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """docs_test.py SCRIPTS: what becomes of a page on its way into the site, and which links are found to be dead."""
 import pathlib
 import sys

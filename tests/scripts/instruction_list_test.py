@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """instruction_list_test.py SCRIPT: what scripts/instruction_list.py lets pass and what not."""
 import pathlib
 import subprocess

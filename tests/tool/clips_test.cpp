@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Clips of many containers, codings and layouts, made by ffmpeg, whose decoders and zscale filter tell what their
 // pictures look like.
 #include "tool/run.h"

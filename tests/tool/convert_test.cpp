@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Conversions, sizes and files of zelt convert, beside the models of the library's kernels and plain byte layouts.
 #include "tool/pictures.h"
 #include "tool/run.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What zelt does when something is wrong: the status, one line, nothing left behind.
 #include "tool/pictures.h"
 #include "tool/run.h"

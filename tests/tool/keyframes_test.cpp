@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Real encoded clips, from the container's code to the key-frame test, beside the container's own marks.
 #include "run.h"
 

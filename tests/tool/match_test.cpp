@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Motion search and comparison of clips, beside plain computations.
 #include "tool/pictures.h"
 #include "tool/run.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Digests of clips, beside those that ffmpeg printed for the same files.
 #include "tool/pictures.h"
 #include "tool/run.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tool/pictures.h"
 
 #include "kernels/converters.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Pictures for the tests: random samples, what the models of the kernels make of them, and files.
 #include "kernels/kernel.h"

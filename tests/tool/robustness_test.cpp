@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Broken input of every kind: each run ends with a documented status and one line, and leaves nothing behind.
 #include "tool/pictures.h"
 #include "tool/run.h"

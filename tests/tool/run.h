@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Runs the built tool as a user types it, in a folder of its own.
 #include <algorithm>

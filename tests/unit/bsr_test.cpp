@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sequences of calls are those of fuzz/bsr.cpp; here are literal records, and refills that fail.
 #include "zelt/bsr.h"
 

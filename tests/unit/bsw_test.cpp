@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sequences of calls are those of fuzz/bsw.cpp.
 #include "zelt/bsw.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "unit/malloc_probe.h"
 #include "zelt/common.h"
 #include "zelt/mem.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "zelt/fcc2mt.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "unit/picture_model.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "zelt/irsz.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Frames with start codes in them are those of fuzz/keyframe.cpp.
 #include "kernels/guarded.h"
 #include "zelt/fcc2mt.h"

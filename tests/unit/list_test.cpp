@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sequences of calls are those of fuzz/list.cpp.
 #include "zelt/list.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "unit/malloc_probe.h"
 
 #include <cstddef>

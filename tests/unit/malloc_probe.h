@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // watches malloc, calloc and free of one thread, and lets them fail
 #include <cstdint>
 

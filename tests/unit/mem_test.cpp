@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "zelt/mem.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // pictures under test, and their geometry from the meaning of the formats
 #include "unit/test_allocator.h"
 #include "zelt/imgb.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sequences of calls are those of fuzz/rbuf.cpp; here are the states in which an index leaves the storage, and lines.
 #include "zelt/rbuf.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "unit/malloc_probe.h"
 #include "unit/test_allocator.h"
 #include "zelt/zelt.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "zelt/rlist.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "zelt/str.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "zelt/common.h"
 
 #include <gtest/gtest.h>

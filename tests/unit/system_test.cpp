@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/mac.h"
 #include "zelt/common.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // an allocator pair for the records under test: guarded blocks, and failures on demand
 #include <cstdint>
 #include <cstring>

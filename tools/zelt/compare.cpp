@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zelt compare: how far two clips are apart.
 #include "input_options.h"
 #include "interrupt.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // The coded tracks of a file, as the container holds them. libavformat reads, out of a module of its own: it brings a
 // hundred libraries along, which the other verbs need not wait for.

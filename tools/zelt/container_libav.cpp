@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The module behind container.h: tracks and access units through libavformat, start codes through libavcodec's
 // bitstream filters.
 #include "container.h"

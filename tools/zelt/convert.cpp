@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zelt convert: pictures from one kind of file and pixel format to another.
 #include "input_options.h"
 #include "interrupt.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The part of the module behind pictures/decoder.h: the best video stream of a file, decoded.
 #include "libav.h"
 #include "pictures/decoder.h"

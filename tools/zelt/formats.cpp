@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zelt formats: what can be converted to what.
 #include "output.h"
 #include "pictures/format.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // The options about what is read, which the verbs that read pictures share. They stay with the object.
 #include "pictures/colours.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // An interrupted run cleans up like a failed one and then ends by the signal that interrupted it.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zelt keyframes: the frames of a video track, and which of them are key frames.
 #include "container.h"
 #include "interrupt.h"

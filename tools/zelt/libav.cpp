@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "libav.h"
 
 #include "pictures/failure.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zelt: media building blocks from the command line.
 #include "interrupt.h"
 #include "output.h"

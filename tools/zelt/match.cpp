@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zelt match: where the blocks of a picture come from in the one before, by full search.
 #include "match.h"
 

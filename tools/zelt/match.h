@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // What zelt match finds, and the picture that it makes of it.
 #include "pictures/picture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture of a motion field.
 #include "match.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zelt md5: digests of the pictures of a clip, as ffmpeg's framemd5 gives them.
 #include "zelt/md5.h"
 

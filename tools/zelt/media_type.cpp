@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Names of media types and codes.
 #include "container.h"
 #include "zelt/fcc2mt.h"

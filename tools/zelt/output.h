@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // The end of what a verb prints.
 #include "pictures/failure.h"

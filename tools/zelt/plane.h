@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // One plane of samples in memory of its own, with more around it than the picture has.
 #include "pictures/picture.h"

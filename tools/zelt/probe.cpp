@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zelt probe: the tracks of a file and their media types.
 #include "container.h"
 #include "output.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // A line that counts pictures or other work, on a terminal only.
 #include <chrono>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "repack.h"
 
 #include "zelt/video.h"

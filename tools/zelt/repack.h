@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // RGB pictures of 8 bits in another order of bytes or planes, which is exact.
 #include "pictures/picture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "resize.h"
 
 #include "zelt/irsz.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Pictures of another size, plane by plane.
 #include "pictures/picture.h"

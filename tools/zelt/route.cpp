@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "route.h"
 
 #include "pictures/failure.h"

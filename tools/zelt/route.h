@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // How pictures of one format and size become pictures of another: by the dispatch of csc.h, which is full-range BT.601,
 // or by video.h, in one step where one of them has it, resized on the way or before.

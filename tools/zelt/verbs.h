@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // The verbs of the tool. A verb is a file of its own: a function that adds a subcommand with its options, and a
 // callback that does the work and throws a failure. A line here and one in main.cpp register it.

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Tables an archive of clips: the digest of every picture, key frames and cuts.
 
 Clips are Y4M, raw pictures whose names say what they hold (NAME_640x480_nv12.raw) and, where PyAV is installed, what

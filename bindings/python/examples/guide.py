@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Makes the pictures of docs/python.md: guide.py SAMPLES OUT. Needs Pillow, and PyAV for the timeline."""
 import sys
 import tempfile

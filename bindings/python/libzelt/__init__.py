@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """libzelt: exact colour conversion, resizing, block metrics, digests and bit fields for pictures in NumPy arrays.
 
 Arrays are read and written in place, and while the library works other threads run. Results are the same bytes on

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Loads the library and declares what of it the package calls."""
 from __future__ import annotations
 

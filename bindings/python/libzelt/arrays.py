@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Pictures in arrays: the planes of what a caller passes, without a copy, and new arrays for results."""
 from __future__ import annotations
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Bit fields and Exp-Golomb codes, most significant bit first."""
 from __future__ import annotations
 

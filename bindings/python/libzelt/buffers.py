@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Pictures and rings of bytes in memory of the library."""
 from __future__ import annotations
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Colour conversion and resizing of pictures."""
 from __future__ import annotations
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """MD5 digests of bytes and pictures."""
 from __future__ import annotations
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Pixel formats: their names, and what arrays hold a picture of each."""
 from __future__ import annotations
 

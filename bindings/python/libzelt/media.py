@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Media types of containers' codes, and key frames."""
 from __future__ import annotations
 

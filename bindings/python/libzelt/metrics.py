@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Costs of blocks and pictures, and where blocks come from."""
 from __future__ import annotations
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The example that tables archives: what it finds, and what it does when programs die."""
 import csv
 import os

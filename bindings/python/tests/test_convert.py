@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Conversion and resizing: beside the tool's bytes and real formulas, and in every form a picture can have."""
 from concurrent.futures import ThreadPoolExecutor
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Who keeps whose memory, and that none is lost."""
 import gc
 import resource

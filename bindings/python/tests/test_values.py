@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Metrics, motion, digests, bits and media types, beside models of their own."""
 import hashlib
 import re

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once  // pictures in GStreamer's layouts, and what the library itself makes of them
 #include <cstdint>
 #include <gst/check/gstharness.h>

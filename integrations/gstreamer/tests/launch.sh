@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Pipelines as a user types them, beside what the tool and the example make of the same pictures.
 #   launch.sh SAMPLES ZELT NV12_TO_RGB
 set -eu

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "frames.h"
 
 #include <gst/video/gstvideopool.h>

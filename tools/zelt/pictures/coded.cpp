@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Clips of any container and coding, through the module.
 #include "pictures/decoder.h"
 #include "pictures/module.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "pictures/colours.h"
 
 #include "pictures/failure.h"

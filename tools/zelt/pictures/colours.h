@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // What the samples of YUV pictures mean: their matrix and range, and who says so.
 #include "zelt/video.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Decoded pictures of a clip. libavformat and libavcodec decode, out of the module that container.h tells about.
 #include "pictures/reader.h"

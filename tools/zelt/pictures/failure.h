@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // What ends a run early: one line for the user, and the exit status that goes with it.
 #include <stdexcept>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // The pixel formats that have a name on the command line, in one table.
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "pictures/module.h"
 
 #include "pictures/failure.h"

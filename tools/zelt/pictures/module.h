@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // The module with what needs libavformat and libavcodec. It is loaded only when it is needed: it brings a hundred
 // libraries along.

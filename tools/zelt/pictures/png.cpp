@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // PNG pictures of every kind, as 8-bit RGB or, where there is transparency, RGBA.
 #include "pictures/reader.h"
 #include "pictures/writer.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Binary PPM and PGM, one picture or several of a kind in a row.
 #include "pictures/reader.h"
 #include "pictures/writer.h"

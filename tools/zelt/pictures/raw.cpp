@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Raw pictures: the rows of every plane without gaps, plane after plane, picture after picture.
 #include "pictures/failure.h"
 #include "pictures/reader.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Picture files as a sequence of pictures of one size and format.
 #include "pictures/picture.h"

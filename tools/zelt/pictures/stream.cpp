@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "pictures/stream.h"
 
 #include "pictures/failure.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Bytes in and out: an input that knows its name for messages, and an output that appears only when complete.
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "pictures/writer.h"
 
 #include "pictures/failure.h"

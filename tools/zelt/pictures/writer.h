@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 // Pictures to files: the kinds of file, the names of a numbered series, and everything or nothing.
 #include "pictures/reader.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // YUV4MPEG2 clips: 4:2:0, 4:2:2, 4:4:4 and grey of 8 bits, and all but the last of 10.
 #include "pictures/colours.h"
 #include "pictures/reader.h"
