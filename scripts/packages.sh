@@ -21,6 +21,7 @@ python_packages=("${wheel_packages[@]}" mypy python3-av python3-distributed pyth
 bench_packages=("${build_packages[@]}" libaom-dev libavutil-dev libbenchmark-dev libgstreamer1.0-dev
     libjack-jackd2-dev libnuma-dev libopencv-core-dev libopencv-imgproc-dev libssl-dev libswscale-dev
     libturbojpeg0-dev libvpx-dev libx264-dev libx265-dev libyuv-dev libzimg-dev python3)
+abi_packages=("${build_packages[@]}" g++-arm-linux-gnueabi abigail-tools)
 fuzz_packages=(clang cmake libclang-rt-14-dev ninja-build googletest libgtest-dev)
 count_packages=("${arm_packages[@]}" qemu-user g++ cmake ninja-build python3)
 instruction_packages=("${count_packages[@]}" "${armhf_packages[@]}" clang llvm-19 dpkg-dev)
