@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
 # image.sh READELF SONAME [any] LIBRARY: a library has that soname, needs libc alone (or any library), is free of text
-# relocations, and has segments that fit pages of 16 KiB.
+# relocations, does not ask for a stack that can be executed, and has segments that fit pages of 16 KiB.
 readelf=$1 soname=$2
 shift 2
 any=0
@@ -13,6 +13,7 @@ if [ "$1" = any ]; then any=1; shift; fi
     /\(NEEDED\)/ { needed++; if (bracketed() != "libc.so.6" && !any) complain("needed: " $0) }
     /\(SONAME\)/ { name = bracketed() }
     /TEXTREL/ { complain("text relocations") }
+    $1 == "GNU_STACK" && $7 ~ /E/ { complain("executable stack") }
     $1 == "LOAD" { segments++; if ($NF != "0x4000") complain("segment alignment: " $NF) }
     END {
         if (name != soname) complain("soname: " name)
