@@ -7,6 +7,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <png.h>
+#include <regex>
 #include <unistd.h>
 
 namespace {
@@ -237,7 +238,11 @@ TEST_F(tool, cleans_up_when_it_is_stopped) {
     const struct {
         const char *before, *signal;
         int status;
-    } rows[] = {{"", "INT", 128 + 2}, {"", "TERM", 128 + 15}, {"", "HUP", 128 + 1}, {"trap '' HUP; ", "HUP", 2}};
+    } rows[] = {{"", "INT", 128 + 2},
+                {"", "TERM", 128 + 15},
+                {"", "HUP", 128 + 1},
+                {"ulimit -c 0; ", "QUIT", 128 + 3},
+                {"trap '' HUP; ", "HUP", 2}};
     for (const int sig : {SIGINT, SIGHUP}) std::signal(sig, SIG_DFL);  // whatever runs the tests may ignore them
     for (const auto& row : rows) {
         // Two pictures of three arrive, then the signal, then the end.
@@ -262,14 +267,31 @@ TEST_F(tool, reports_a_reader_that_goes_away) {
     expect_failure({3, "", result.err}, 3, "standard output");
 }
 
-TEST_F(tool, counts_on_a_terminal) {
-    const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+TEST_F(tool, shows_progress_on_a_terminal_alone) {
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
     ASSERT_TRUE(grantpt(terminal) == 0 && unlockpt(terminal) == 0);
+    const std::string to = std::string(">") + ptsname(terminal), slowly = "{ cat ../part; sleep 0.5; cat ../part; } | ";
     store("../part", one_pixel);
-    const std::string slowly = "{ cat ../part; sleep 0.8; cat ../part; } | \"$Z\" convert --limit 3 -i - -o ";
-    expect_success(shell(slowly + "x.ppm 2>" + ptsname(terminal) + " & " + slowly + "y.ppm; wait"));
-    char text[100] = "";
-    EXPECT_GT(read(terminal, text, sizeof text - 1), 0);
-    EXPECT_STREQ(text, "\r1 of at most 3 pictures\r\033[K");
+    const std::string clip = load(ZELT_SAMPLES "/pan444.y4m");
+    store("../three.y4m", clip.substr(0, clip.size() - 13 * (176 * 144 * 3 + sizeof "FRAME")));
+    const struct {
+        std::string command;
+        const char* shown;
+    } rows[] = {
+        {slowly + "\"$Z\" convert -i - -o x.ppm 2" + to, R"(\r[12] pictures, \d\.\d/s\x1B\[K\r\x1B\[K)"},
+        {slowly + "\"$Z\" convert -i - -o y.ppm --limit 4 2" + to,
+         R"(\r[12] of 4 pictures, (25|50) %, \d\.\d/s, 0:0\d left\x1B\[K\r\x1B\[K)"},
+        {slowly + "\"$Z\" md5 -i - --per-frame " + to + " 2>&1",
+         R"(#[^]*0, +0, [^\r]*\r\n0, +1, [^\r]*\r\n\r[12] pictures, \d\.\d/s\x1B\[K\r\x1B\[K)"},
+        {"\"$Z\" match -i ../three.y4m -o z.png --block 4 --range 70 " + to + " 2>&1",
+         R"([^]*\r\d+ of 72 rows of blocks, \d+ %, \d+/s, 0:\d\d left\x1B\[K\r\x1B\[K +\d [^]*)"},
+    };
+    for (const auto& row : rows) {
+        expect_success(shell(row.command));
+        char text[4000];
+        const ssize_t length = read(terminal, text, sizeof text);
+        const std::string shown(text, static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+        EXPECT_TRUE(std::regex_match(shown, std::regex(row.shown))) << row.command << shown;
+    }
     close(terminal);
 }

@@ -11,6 +11,7 @@
 #include "zelt/sad.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <optional>
@@ -130,11 +131,12 @@ void compare(const std::vector<std::string>& paths, const input_options& how) {
                 "SAD Y", "SATD Y");
     distances all;
     int n = 0, first = -1;
-    progress line(0);
+    progress line(std::min(a.in->about().pictures, b.in->about().pictures));
     for (; a.in->more() && b.in->more(); ++n) {
         if (caught_signal()) throw failure(status::output_failed, "interrupted");
         const picture &pa = a.next(), &pb = b.next();
         const distances d(pa, pb);
+        line.make_way();
         d.print(std::to_string(n), bits);
         all.add(d);
         if (first < 0 && d.whole().squares) first = n;

@@ -32,6 +32,7 @@ public:
     /// Chooses the track that `next` reads. H.264 and HEVC get start codes where the container has lengths.
     virtual void choose(size_t index) = 0;
     virtual bool start_codes_put_in() const = 0;
+    virtual uint64_t units() const = 0;  // how many there may be of the track, 0 where the container does not say
     virtual bool next(access_unit& unit) = 0;
 };
 

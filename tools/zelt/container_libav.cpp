@@ -84,6 +84,7 @@ public:
     const std::vector<track>& tracks() const override { return tracks_; }
     void choose(size_t index) override;
     bool start_codes_put_in() const override { return filter_ != nullptr; }
+    uint64_t units() const override { return unit_count(*file_, *stream_); }
     bool next(access_unit& unit) override;
 
 private:
@@ -99,7 +100,7 @@ private:
     std::unique_ptr<AVFormatContext, freed<avformat_close_input>> file_;
     std::unique_ptr<AVBSFContext, freed<av_bsf_free>> filter_;
     std::unique_ptr<AVPacket, freed<av_packet_free>> packet_{av_packet_alloc()};
-    const AVStream* stream_ = nullptr;
+    AVStream* stream_ = nullptr;
 };
 
 void libav_container::choose(size_t index) {

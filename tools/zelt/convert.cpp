@@ -10,6 +10,7 @@
 #include "verbs.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 #include <cinttypes>
 #include <cstdio>
@@ -82,13 +83,19 @@ void check_interrupt() {
     if (caught_signal()) throw failure(status::output_failed, "interrupted");
 }
 
-uint64_t write_pictures(reader& in, route& path, writer& out, uint64_t limit) {
-    progress line(limit == unlimited ? 0 : limit);
+/// How many pictures there may be to convert, 0 where nothing says so
+uint64_t expected(const clip& about, const options& opt) {
+    if (about.pictures <= opt.skip) return opt.limit == unlimited ? 0 : opt.limit;
+    return std::min(about.pictures - opt.skip, opt.limit);
+}
+
+uint64_t write_pictures(reader& in, route& path, writer& out, const options& opt) {
+    progress line(expected(in.about(), opt));
     uint64_t n = 0;
     for (bool more = true; more;) {
         check_interrupt();
         const picture& pic = in.next();
-        more = ++n < limit && in.more();
+        more = ++n < opt.limit && in.more();
         out.write(path.run(pic), more);
         line.tick();
     }
@@ -148,7 +155,7 @@ void convert(const options& opt) {
                       opt.in + (opt.skip ? ": has no picture after those to skip" : ": has no picture"));
 
     writer out(kind, opt.out, result_of(about, to, at, how.meaning));
-    const uint64_t written = write_pictures(*in, path, out, opt.limit);
+    const uint64_t written = write_pictures(*in, path, out, opt);
     if (opt.verbose) std::fprintf(stderr, "%" PRIu64 " written: %s\n", written, out.summary().c_str());
 }
 

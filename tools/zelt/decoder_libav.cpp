@@ -169,6 +169,7 @@ private:
         const AVRational rate = av_guess_frame_rate(file, stream_, nullptr);
         const AVRational aspect = av_guess_sample_aspect_ratio(file, stream_, frame_.get());
         if (rate.num > 0 && rate.den > 0) about.rate = ratio(rate);
+        about.pictures = unit_count(*file, *stream_);
         about.aspect = aspect.num > 0 ? ratio(aspect) : "0:0";
         if (is_interlaced(f)) about.interlacing = is_top_first(f) ? 't' : 'b';
         if (skipped_) about.note = std::to_string(skipped_) + " pictures before the first key frame left out";

@@ -17,7 +17,7 @@ void note(int sig) { caught = sig; }
 void watch_signals() {
     struct sigaction action = {};
     action.sa_handler = note;  // without SA_RESTART: a read that waits gives up
-    for (const int sig : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int sig : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
         struct sigaction old;
         if (sigaction(sig, nullptr, &old) == 0 && old.sa_handler != SIG_IGN) sigaction(sig, &action, nullptr);
     }

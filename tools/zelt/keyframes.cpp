@@ -3,6 +3,7 @@
 #include "container.h"
 #include "interrupt.h"
 #include "output.h"
+#include "progress.h"
 #include "verbs.h"
 #include "zelt/fcc2mt.h"
 
@@ -47,8 +48,10 @@ void print_unit(bool csv, int n, const access_unit& unit, int32_t media_type, bo
 
 counts list_units(container& file, bool csv, int32_t media_type) {
     counts t;
-    for (access_unit unit; file.next(unit); ++t.units) {
+    progress line(file.units(), "units");
+    for (access_unit unit; file.next(unit); ++t.units, line.tick()) {
         if (caught_signal()) throw failure(status::output_failed, "interrupted");
+        line.make_way();
         const bool key = zelt_is_vkeyfrm(media_type, unit.data, unit.size);
         print_unit(csv, t.units, unit, media_type, key);
         t.key += key;

@@ -63,6 +63,13 @@ int64_t stated_size(std::span<const uint8_t> head) {
 
 }  // namespace
 
+uint64_t unit_count(AVFormatContext& file, AVStream& stream) {
+    if (stream.nb_frames > 0) return static_cast<uint64_t>(stream.nb_frames);
+    const AVRational rate = av_guess_frame_rate(&file, &stream, nullptr);
+    if (file.duration <= 0 || rate.num <= 0 || rate.den <= 0) return 0;
+    return static_cast<uint64_t>(av_rescale(file.duration, rate.num, int64_t{rate.den} * AV_TIME_BASE));
+}
+
 whole_file::whole_file(AVIOContext* bytes) : bytes_(bytes) {
     uint8_t head[256];  // stays in the buffer, also that of a pipe
     const int length = avio_read(bytes, head, sizeof head);

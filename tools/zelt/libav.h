@@ -22,6 +22,9 @@ inline std::string error_text(int error) {
     return av_strerror(error, text, sizeof text) == 0 ? text : "unknown error";
 }
 
+/// How many units a track of video may have: by the container's count, else by its duration; 0 where it has neither.
+uint64_t unit_count(AVFormatContext& file, AVStream& stream);
+
 /// Matroska and AVI files begin with their length. libavformat just ends with the last whole packet of one that is cut.
 class whole_file {
 public:

@@ -75,9 +75,8 @@ public:
           metric_(*std::ranges::find(metrics, opt.metric, &metric::name)), candidates_(candidates(opt.range)) {}
 
     plane luma(const picture& pic) const { return {pic, 0, margin_, padding::replicate}; }
-    motion_field match(const plane& from, const plane& to) {
+    motion_field match(const plane& from, const plane& to, progress& line) {
         motion_field field = {block_, {}};
-        progress line(static_cast<uint64_t>((to.h + block_ - 1) / block_), "rows of blocks");
         for (int y = 0; y < to.h; y += block_, line.tick()) {
             if (caught_signal()) throw failure(status::output_failed, "interrupted");
             for (int x = 0; x < to.w; x += block_) field.blocks.push_back(match_block(from, to, x, y));
@@ -154,12 +153,15 @@ void match(const options& opt) {
                     "most often", "share");
     route to_yuv(*about.fmt, format_of(ZELT_CS_YUV444), size, meaning);
     std::optional<plane> before;
+    const uint64_t wanted = opt.frame ? 1 : about.pictures ? about.pictures - 1 : 0;
+    progress line(wanted * static_cast<uint64_t>((about.h + opt.block - 1) / opt.block), "rows of blocks");
     int matched = 0;
     for (int n = 0; in->more() && (opt.frame == 0 || n <= opt.frame); ++n) {
         const picture& pic = in->next();
         const std::optional<plane> last = std::exchange(before, search.luma(to_yuv.run(pic)));
         if (n == 0 || (opt.frame != 0 && n != opt.frame)) continue;
-        const motion_field field = search.match(*last, *before);
+        const motion_field field = search.match(*last, *before, line);
+        line.make_way();
         opt.csv ? print_csv(field, n) : print_row(field, n);
         out.write(map_of(field, to_rgb.run(pic)), opt.frame == 0 && in->more());
         ++matched;

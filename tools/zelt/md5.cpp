@@ -105,18 +105,19 @@ void print_head(const clip& about) {
                 step.c_str(), about.w, about.h, aspect.c_str());
 }
 
-/// Calls `use` with each picture and its number.
+/// Calls `use` with each picture, its number and the line to wipe before anything is printed.
 template <class F> void for_each_picture(reader& in, const F& use) {
-    progress line(0);
+    progress line(in.about().pictures);
     for (int n = 0; in.more(); ++n, line.tick()) {
         if (caught_signal()) throw failure(status::output_failed, "interrupted");
-        use(n, in.next());
+        use(n, in.next(), line);
     }
 }
 
 void list_digests(reader& in) {
     print_head(in.about());
-    for_each_picture(in, [](int n, const picture& pic) {
+    for_each_picture(in, [](int n, const picture& pic, progress& line) {
+        line.make_way();
         std::printf("0, %10d, %10d, %8d, %8" PRId64 ", %s\n", n, n, 1, picture_bytes(*pic.fmt, pic.w, pic.h),
                     digest_of(pic).text().c_str());
     });
@@ -124,20 +125,21 @@ void list_digests(reader& in) {
 
 void print_digest(reader& in) {
     digester all;
-    for_each_picture(in, [&](int, const picture& pic) { all.add(pic); });
+    for_each_picture(in, [&](int, const picture& pic, progress&) { all.add(pic); });
     std::printf("MD5=%s\n", all.result().text().c_str());
 }
 
 void verify(reader& in, const digest_list& expected) {
     std::size_t pictures = 0, differing = 0;
     digester all;
-    for_each_picture(in, [&](std::size_t n, const picture& pic) {
+    for_each_picture(in, [&](std::size_t n, const picture& pic, progress& line) {
         ++pictures;
         if (!expected.whole.empty()) all.add(pic);
         if (expected.pictures.empty()) return;
         const std::string is = digest_of(pic).text();
         const bool listed = n < expected.pictures.size();
         if (listed && expected.pictures[n] == is) return;
+        line.make_way();
         std::printf("picture %zu: %s%s\n", n, is.c_str(),
                     listed ? (", not " + expected.pictures[n]).c_str() : " is not listed");
         ++differing;

@@ -13,14 +13,27 @@ void progress::tick() {
     if (now < next_ || !::isatty(STDERR_FILENO)) return;
     next_ = now + std::chrono::milliseconds(100);
     shown_ = true;
-    if (total_)
-        std::fprintf(stderr, "\r%" PRIu64 " of at most %" PRIu64 " %s", done_, total_, unit_);
-    else
-        std::fprintf(stderr, "\r%" PRIu64 " %s", done_, unit_);
+    const auto done = static_cast<double>(done_), total = static_cast<double>(total_);
+    const double rate = done / std::chrono::duration<double>(now - start_).count();
+    const int digits = rate < 10;
+    if (done_ <= total_) {  // totals may be estimates
+        const auto left = static_cast<uint64_t>((total - done) / rate + 0.5);
+        std::fprintf(stderr, "\r%" PRIu64 " of %" PRIu64 " %s, %.0f %%, %.*f/s, %" PRIu64 ":%02" PRIu64 " left\033[K",
+                     done_, total_, unit_, 100 * done / total, digits, rate, left / 60, left % 60);
+    } else {
+        std::fprintf(stderr, "\r%" PRIu64 " %s, %.*f/s\033[K", done_, unit_, digits, rate);
+    }
 }
 
-progress::~progress() {
+void progress::make_way() {
+    if (!shown_ || !::isatty(STDOUT_FILENO)) return;
+    wipe();
+    next_ = clock::now();
+}
+
+void progress::wipe() {
     if (shown_) std::fputs("\r\033[K", stderr);
+    shown_ = false;
 }
 
 }  // namespace zelt::tool

@@ -65,6 +65,7 @@ public:
         shape(format_of(png_get_channels(libpng_.png, libpng_.info) == 4 ? ZELT_CS_RGBA8888 : ZELT_CS_RGB888),
               static_cast<int>(png_get_image_width(libpng_.png, libpng_.info)),
               static_cast<int>(png_get_image_height(libpng_.png, libpng_.info)));
+        about_.pictures = 1;
     }
 
     bool more() override { return !read_; }

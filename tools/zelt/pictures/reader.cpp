@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "pictures/reader.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace zelt::tool {
@@ -11,12 +12,13 @@ const picture& file_reader::next() {
     return *picture_;
 }
 
-void file_reader::shape(const format& fmt, int w, int h) {
+void file_reader::shape(const format& fmt, int w, int h, int64_t header) {
     if (!fits(fmt, w, h))
         in_.bad("has pictures of " + std::to_string(w) + "x" + std::to_string(h) + ", which is no size to work with");
     about_.fmt = &fmt;
     about_.w = w;
     about_.h = h;
+    about_.pictures = static_cast<uint64_t>(std::max(in_.left(), int64_t{0}) / (header + picture_bytes(fmt, w, h)));
 }
 
 void file_reader::read_planes(picture& into) {

@@ -20,6 +20,7 @@ struct clip {
     std::optional<int32_t> matrix, range;  // ZELT_VIDEO_*, where the file says so
     std::string other_matrix;              // the name of one that the library has not
     std::string note;                      // what else the user may want to know
+    uint64_t pictures = 0;                 // how many, by the file's size or its container; 0: not known
 };
 
 class reader {
@@ -41,8 +42,9 @@ public:
 protected:
     explicit file_reader(input in) : in_(std::move(in)) {}
     virtual void read(picture& into) = 0;
-    void shape(const format& fmt, int w, int h);  // sets what about() says, or a failure
-    void read_planes(picture& into);              // rows of all planes, one after the other
+    /// Sets what about() says, or a failure. The pictures that are still to come have headers of so many bytes.
+    void shape(const format& fmt, int w, int h, int64_t header = 0);
+    void read_planes(picture& into);  // rows of all planes, one after the other
 
     input in_;
 

@@ -85,11 +85,15 @@ void input::read(void* to, std::size_t bytes) {
     bad("is cut short");
 }
 
-void input::expect(int64_t bytes) {
+int64_t input::left() const {
     const off_t at = size_ < 0 ? -1 : ::ftello(handle());
-    if (at >= 0 && size_ - at < bytes)
-        bad("is cut short: a picture takes " + std::to_string(bytes) + " bytes, " + std::to_string(size_ - at) +
-            " are left");
+    return at < 0 ? -1 : size_ - at;
+}
+
+void input::expect(int64_t bytes) {
+    const int64_t rest = left();
+    if (rest >= 0 && rest < bytes)
+        bad("is cut short: a picture takes " + std::to_string(bytes) + " bytes, " + std::to_string(rest) + " are left");
 }
 
 std::string input::line(std::size_t longest, bool or_end) {

@@ -27,6 +27,7 @@ public:
     int peek();                                        // the next byte, left where it is, or EOF
     int get();                                         // the next byte, or EOF
     void read(void* to, std::size_t bytes);            // exactly so many, or a failure
+    int64_t left() const;                              // bytes of a regular file from here on, or -1
     void expect(int64_t bytes);                        // a failure where a regular file holds fewer from here on
     /// Up to a line feed, which is taken and dropped; with `or_end` the end of the input does as well.
     std::string line(std::size_t longest, bool or_end = false);

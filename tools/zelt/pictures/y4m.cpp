@@ -38,7 +38,7 @@ public:
         read_header();
         if (about_.w < 1 || about_.h < 1) in_.bad("has a Y4M header without a usable width and height");
         for (const auto& [name, cs] : kinds)
-            if (kind_ == name) shape(format_of(cs), about_.w, about_.h);
+            if (kind_ == name) shape(format_of(cs), about_.w, about_.h, sizeof "FRAME");
         if (about_.fmt && about_.fmt->cs == ZELT_CS_YUV420) about_.siting = kind_.substr(3);
     }
 
