@@ -976,6 +976,12 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("of_a.fmt->yuv ? of_a : of_b, told", "of_a.fmt->yuv ? of_b : of_a, told", "RGB has a range of its own"),
         ("if (first < 0 && d.", "if (d.", "the last picture that differs is the first"),
     ],
+    "tools/zelt/completion.cpp": [
+        ("values.empty() ? \"compopt +o default\"", "values.empty() ? \"\"", "files are offered for a number"),
+        ("if (value_of(option) != \"FORMAT\") return", "if (true) return", "formats are not completed"),
+        ("value == \"FILE\" ? \"_files\"", "value == \"FILE\" ? \"\"", "zsh completes no files after an option"),
+        ("'*:FILE:_files'", "", "zsh completes no files without an option"),
+    ],
     "tools/zelt/container.h": [
         ("int32_t size;", "int16_t size;", "units above 32767 bytes"),
         ("uint32_t code; ", "uint16_t code; ", "codes have 16 bits"),
@@ -997,7 +1003,8 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
     ],
     "tools/zelt/convert.cpp": [
         ("&& value >= least) return value;", ") return value;", "a limit of 0 is taken"),
-        ("more = ++n < limit && in.more();", "more = n++ < limit && in.more();", "one picture more than the limit"),
+        ("more = ++n < opt.limit && in.more();",
+         "more = n++ < opt.limit && in.more();", "one picture more than the limit"),
         ("if (w < 1 || h < 1)", "if (w < 0 || h < 0)", "a size of 0 is taken"),
         ("n < opt.skip && in->more();", "n <= opt.skip && in->more();", "one picture more is passed over"),
         ("opt.bands <= 1 << 30 && (opt.bands", "(opt.bands", "bands of 2^32 rows"),
@@ -1025,8 +1032,13 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("f.alias ? f.alias : \"-\"", "f.name", "the aliases are the names"),
         ("picture_bytes(f, 2, 2)", "f.row_bytes(0, 4)", "the bytes of the first plane only"),
     ],
+    "tools/zelt/help.cpp": [
+        ("std::max(width, left.size() + 2)", "left.size() + 40", "rows are longer than a line"),
+        ("said[0] + '\\n';", "of.get_footer() + '\\n';", "the notes are in the help, too"),
+    ],
     "tools/zelt/interrupt.cpp": [
         ("&& old.sa_handler != SIG_IGN)", ")", "an ignored signal is caught"),
+        ("SIGHUP, SIGQUIT}", "SIGHUP}", "SIGQUIT leaves files behind"),
         ("{SIGPIPE, SIGXFSZ}", "{SIGPIPE}", "a limit on file sizes ends the program"),
     ],
     "tools/zelt/keyframes.cpp": [
@@ -1046,6 +1058,10 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("\"zelt \" ZELT_TOOL_VERSION", "\"zelt\"", "the version has no number"),
         ("throw failure(status::wrong_use, \"no verb is given",
          "throw failure(status::unsupported, \"no verb is given", "no verb has another exit status"),
+    ],
+    "tools/zelt/manual.cpp": [
+        ("result += \"\\\\(aq\";", "result += c;", "a line that begins with a quote is a request"),
+        ("i = 1; i < said.size()", "i = 2; i < said.size()", "the first paragraph of the notes is missing"),
     ],
     "tools/zelt/match.cpp": [
         ("return 2 * cost; }},", "return cost; }},", "places are given up too early by SATD"),
@@ -1097,6 +1113,10 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
     ],
     "tools/zelt/probe.cpp": [
         ("n++, t.kind.c_str()", "++n, t.kind.c_str()", "tracks are numbered from 1"),
+    ],
+    "tools/zelt/progress.cpp": [
+        ("now < next_ || !::isatty(STDERR_FILENO)", "now < next_", "progress goes into pipes"),
+        ("if (!shown_ || !::isatty(STDOUT_FILENO)) return;", "return;", "rows are printed behind the line"),
     ],
     "tools/zelt/resize.cpp": [
         ("return fmt.cs == ZELT_CS_RGBA5658 ? 0 : ZELT_IRSZ_8B8B8B;",
@@ -1179,8 +1199,8 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("take_after(fd, old);", ";", "a replaced file loses its permissions"),
         ("if (!committed_) ::unlink(temporary_.c_str());", ";", "temporary files stay behind"),
         ("::rename(former_.c_str(), target_.c_str());", ";", "a series is replaced in part"),
-        ("if (at >= 0 && size_ - at < bytes)",
-         "if (at >= 0 && size_ - at <= bytes)", "a file that ends with its picture is cut short"),
+        ("if (rest >= 0 && rest < bytes)",
+         "if (rest >= 0 && rest <= bytes)", "a file that ends with its picture is cut short"),
         ("if (text.size() == longest)", "if (false)", "header lines have no limit"),
         ("std::fclose(f)) != 0)", "(std::fclose(f), 0)) != 0)", "a failing close counts as done"),
         ("if (c == EOF) check();", ";", "a failing read is the end of the file"),
@@ -1239,6 +1259,7 @@ NEAREST = [
     ("src/metric/satd", "*satd*:*hadamard*"),
     ("src/media/(str|uri)", "str.*:uri.*"),
     ("src/media/(keyframe|start)", "keyframe.*"),
+    ("tools/zelt/(completion|help|manual)", "manners.*"),
     ("tools/zelt/(match|plane)", "match.*:compare.*"),
     ("tools/zelt/compare", "compare.*"),
     ("tools/zelt/(keyframes|container|decoder|media_type|probe)", "clips.*:tool.*probe*"),

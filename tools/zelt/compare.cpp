@@ -20,6 +20,10 @@ namespace zelt::tool {
 namespace {
 
 constexpr const char* notes = R"(
+  zelt compare clip.mp4 coded.mp4
+  zelt compare clip.mp4 coded.mp4 | tail -n 2    # over all pictures
+  zelt compare camera.yuv decoded.yuv --raw 640x480:nv12
+
 Inputs are what 'zelt convert' reads. Planes of one layout are compared as they
 are, of 8 and of 10 bits, packed and semi-planar ones as the planar layout of
 the same samples; where the layouts differ both become yuv444, RGB with the
@@ -162,7 +166,7 @@ void add_compare(CLI::App& app) {
         input_options input;
     };
     const auto opt = std::make_shared<options>();
-    verb->add_option("-i,--input", opt->paths, "What to read, once for each clip; - is standard input")
+    verb->add_option("-i,--input,CLIP", opt->paths, "Each of the two clips; - is standard input")
         ->required()
         ->type_name("FILE");
     opt->input.add_raw(*verb);

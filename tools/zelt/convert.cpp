@@ -20,6 +20,10 @@ namespace zelt::tool {
 namespace {
 
 constexpr const char* notes = R"(
+  zelt convert clip.mp4 frame.png --limit 10
+  zelt convert clip.mp4 small.y4m --size 320x180
+  zelt convert camera.yuv photo.png --raw 640x480:nv12
+
 Input is told by its content: Y4M (mono, 4:2:0, 4:2:2 and 4:4:4 of 8 bits, the
 latter three of 10), PNG of any kind, binary PPM and PGM, one or several in a
 row, and any clip that libavformat and libavcodec read, where they are
@@ -42,7 +46,10 @@ own rows; from YUV it keeps those of the input, and Y4M files say which.
 
 --chroma says how chroma of 4:2:0, 4:2:2 and 4:4:0 gets the size of luma: smooth
 or replicated. --size resizes: by --filter bilinear, or area, which is the
-default below half of the width or height, where bilinear would miss samples.
+default below half of the width or height. There bilinear looks at two samples
+of a row or column and misses those between: it aliases, and fine patterns come
+out as coarse ones. Where it has to be bilinear, halve the size first, as often
+as it takes.
 It is one pass with the conversion where the library has that. --bands resizes
 in bands of rows, as a decoder would hand them over; the pictures are those of
 --filter bilinear.
@@ -164,9 +171,9 @@ void convert(const options& opt) {
 void add_convert(CLI::App& app) {
     CLI::App* verb = app.add_subcommand("convert", "Converts pictures between files and pixel formats");
     const auto opt = std::make_shared<options>();
-    verb->add_option("-i,--input", opt->in, "What to read; - is standard input")->required()->type_name("FILE");
-    verb->add_option("-o,--output", opt->out, "What to write; - is standard output")->required()->type_name("FILE");
-    verb->add_option("--to", opt->to, "Kind of output: png, ppm, y4m or raw")->type_name("KIND");
+    verb->add_option("-i,--input,IN", opt->in, "What to read; - is standard input")->required()->type_name("FILE");
+    verb->add_option("-o,--output,OUT", opt->out, "What to write; - is standard output")->required()->type_name("FILE");
+    verb->add_option("--to", opt->to, "Kind of output, else by the name of OUT")->type_name("KIND:{png,ppm,y4m,raw}");
     opt->input.add_raw(*verb);
     opt->input.add_range(*verb);
     opt->input.add_matrix(*verb);
@@ -176,14 +183,15 @@ void add_convert(CLI::App& app) {
         verb->add_option_function<std::string>(name, set, about)->type_name("N");
     };
     verb->add_option("--size", opt->size, "Size of the pictures written")->type_name("WxH");
-    verb->add_option("--filter", opt->filter, "How to resize")->check(CLI::IsMember({"bilinear", "area"}));
+    verb->add_option("--filter", opt->filter, "Below 1:2 bilinear aliases; area is the default")
+        ->check(CLI::IsMember({"bilinear", "area"}));
     verb->add_option("--chroma", opt->chroma, "How to give chroma the size of luma")
         ->check(CLI::IsMember({"smooth", "replicate"}))
         ->capture_default_str();
     add_count("--bands", opt->bands, 1, "Resize so many rows at a time, a power of two");
     add_count("--skip", opt->skip, 0, "Pictures to pass over first");
     add_count("--limit", opt->limit, 1, "Pictures to convert at most");
-    verb->add_flag("-v,--verbose", opt->verbose, "Say how pictures are converted and what was written");
+    verb->add_flag("-v,--verbose", opt->verbose, "Say how pictures are converted");
     verb->footer(notes);
     verb->callback([opt] { convert(*opt); });
 }

@@ -11,6 +11,11 @@
 namespace zelt::tool {
 namespace {
 
+constexpr const char* notes = R"(
+  zelt formats
+  zelt formats | grep ^nv12        # what it is and what it becomes in one step
+  zelt formats | grep yuv420p10le  # by ffmpeg's name)";
+
 void print_names() {
     std::printf("%-10s %-12s %-6s %-5s %s\n", "format", "ffmpeg's", "planes", "bits", "bytes per pixel");
     for (const format& f : formats())
@@ -36,7 +41,9 @@ void print_conversions() {
 }  // namespace
 
 void add_formats(CLI::App& app) {
-    app.add_subcommand("formats", "Lists the pixel formats and the conversions between them")->callback([] {
+    CLI::App* verb = app.add_subcommand("formats", "Lists the pixel formats and the conversions between them");
+    verb->footer(notes);
+    verb->callback([] {
         print_names();
         print_conversions();
         finish_output();

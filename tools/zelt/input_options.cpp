@@ -14,7 +14,7 @@ void add_names(CLI::App& verb, const char* name, std::string& to, const char* ab
 }  // namespace
 
 void input_options::add_raw(CLI::App& verb) {
-    verb.add_option("--raw", raw, "Read raw pictures of this layout, such as 640x480:nv12")->type_name("WxH:FORMAT");
+    verb.add_option("--raw", raw, "Read raw pictures, such as 640x480:nv12")->type_name("WxH:FORMAT");
 }
 void input_options::add_range(CLI::App& verb) {
     add_names(verb, "--range", colours.range, "Range of YUV samples, whatever the file says", range_names);

@@ -15,6 +15,16 @@
 namespace zelt::tool {
 namespace {
 
+constexpr const char* notes = R"(
+  zelt keyframes clip.mp4
+  zelt keyframes clip.mp4 | tail -n 2    # what they sum up to
+  zelt keyframes clip.mp4 --csv >frames.csv
+
+A line has the number of a unit, its time and bytes, whether it is a key frame
+by the library's rule for its media type (zelt/fcc2mt.h), and whether the
+container says so. H.264 and HEVC get start codes where a container has lengths,
+as that rule takes them.)";
+
 struct counts {
     int units = 0, key = 0, marked = 0, differing = 0;
 };
@@ -93,8 +103,9 @@ void add_keyframes(CLI::App& app) {
         bool csv = false;
     };
     const auto opt = std::make_shared<options>();
-    verb->add_option("-i,--input", opt->in, "What to read; - is standard input")->required()->type_name("FILE");
+    verb->add_option("-i,--input,IN", opt->in, "What to read; - is standard input")->required()->type_name("FILE");
     verb->add_flag("--csv", opt->csv, "Write comma-separated values");
+    verb->footer(notes);
     verb->callback([opt] { keyframes(opt->in, opt->csv); });
 }
 

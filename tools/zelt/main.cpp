@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // zelt: media building blocks from the command line.
+#include "help.h"
 #include "interrupt.h"
 #include "output.h"
 #include "verbs.h"
@@ -23,6 +24,17 @@ int report(status code, std::string text) {
     return static_cast<int>(code);
 }
 
+constexpr const char* examples = R"(
+  zelt probe clip.mp4                         # what is in it
+  zelt convert clip.mp4 first.png --limit 1   # its first picture
+  zelt compare clip.mp4 coded.mp4             # what coding it again has cost)";
+
+/// Ends the parsing with a text, as --help does.
+[[noreturn]] void print(const std::string& text) {
+    std::fputs(text.c_str(), stdout);
+    throw CLI::Success();
+}
+
 /// Parses the arguments; the callback of their verb does the work.
 void parse(CLI::App& app, int argc, char** argv) {
     try {
@@ -36,18 +48,26 @@ void parse(CLI::App& app, int argc, char** argv) {
 }
 
 int run(int argc, char** argv) {
-    CLI::App app("Converts pictures and clips with libzelt.", "zelt");
-    app.set_version_flag("--version", std::string("zelt " ZELT_TOOL_VERSION " (") + zelt_kernels() + ")");
+    CLI::App app("Converts, measures and examines pictures and clips", "zelt");
+    app.formatter_fn([](const CLI::App* of, const std::string&, CLI::AppFormatMode) { return help_text(*of); });
+    app.set_version_flag("--version", std::string("zelt " ZELT_TOOL_VERSION " (") + zelt_kernels() + ")",
+                         "Print the version and which kernels are in use");
     app.require_subcommand(0, 1);
-    app.get_formatter()->label("SUBCOMMAND", "VERB");
-    app.get_formatter()->label("Subcommands", "Verbs");
-    app.footer("Exit status: 0 done, 1 wrong use, 2 bad input, 3 output failed, 4 unsupported.\n"
-               "'zelt VERB --help' says more about a verb.");
+    app.footer(examples);
+    app.add_flag_callback(
+        "--manual", [&app] { print(manual_page(app)); }, "Print the manual page, for man -l -");
+    app.add_option_function<std::string>(
+           "--completion",
+           [&app](const std::string& shell) { print(shell == "zsh" ? zsh_completion(app) : bash_completion(app)); },
+           "Print completions for a shell")
+        ->check(CLI::IsMember({"bash", "zsh"}));
     for (const auto add : verbs) add(app);
     try {
         parse(app, argc, argv);
     } catch (const CLI::ParseError& e) {
-        return report(status::wrong_use, std::string(e.what()) + " (zelt --help says more)");
+        const std::vector<CLI::App*> verb = app.get_subcommands();
+        const std::string call = verb.empty() ? "zelt" : "zelt " + verb[0]->get_name();
+        return report(status::wrong_use, std::string(e.what()) + " (" + call + " --help says more)");
     } catch (const failure& e) {
         if (!caught_signal()) return report(e.code, e.what());
     } catch (const std::bad_alloc&) {

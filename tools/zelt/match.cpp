@@ -26,6 +26,10 @@ namespace zelt::tool {
 namespace {
 
 constexpr const char* notes = R"(
+  zelt match clip.mp4 motion.png --frame 1
+  zelt match clip.mp4 motion.png --block 8 --metric satd
+  zelt match clip.mp4 motion.png --csv >vectors.csv
+
 Input is what 'zelt convert' reads. Every block of a picture's luma is compared
 with all places within the range in the picture before, whose edges are
 replicated outside. Of equal costs the shortest vector wins. The picture that is
@@ -182,8 +186,8 @@ void match(const options& opt) {
 void add_match(CLI::App& app) {
     CLI::App* verb = app.add_subcommand("match", "Finds where the blocks of a picture come from in the one before");
     const auto opt = std::make_shared<options>();
-    verb->add_option("-i,--input", opt->in, "A clip; - is standard input")->required()->type_name("FILE");
-    verb->add_option("-o,--output", opt->out, "Picture of the motion")->required()->type_name("FILE");
+    verb->add_option("-i,--input,IN", opt->in, "A clip; - is standard input")->required()->type_name("FILE");
+    verb->add_option("-o,--output,OUT", opt->out, "Picture of the motion")->required()->type_name("FILE");
     opt->input.add_raw(*verb);
     opt->input.add_matrix(*verb);  // --range is how far to look
     verb->add_option("--block", opt->block, "Size of a block")
@@ -191,6 +195,7 @@ void add_match(CLI::App& app) {
         ->capture_default_str();
     verb->add_option("--range", opt->range, "How far to look, in samples")
         ->check(CLI::Range(1, 128))
+        ->type_name("N")
         ->capture_default_str();
     verb->add_option("--metric", opt->metric, "What to compare by")
         ->check(CLI::IsMember({"sad", "satd", "ssd"}))

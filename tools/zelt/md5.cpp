@@ -18,6 +18,10 @@ namespace zelt::tool {
 namespace {
 
 constexpr const char* notes = R"(
+  zelt md5 clip.mp4
+  zelt md5 clip.mp4 --per-frame >clip.framemd5
+  zelt md5 clip.mp4 --verify clip.framemd5
+
 Clips are what 'zelt convert' reads, of any pixel format. One line is printed,
 MD5=DIGEST, over the samples of all pictures, as 'ffmpeg -i CLIP -f md5 -'
 prints it; with --per-frame a line per picture, as 'ffmpeg -i CLIP -f framemd5 -'
@@ -167,7 +171,7 @@ void add_md5(CLI::App& app) {
         bool per_frame = false;
     };
     const auto opt = std::make_shared<options>();
-    verb->add_option("-i,--input", opt->in, "What to read; - is standard input")->required()->type_name("FILE");
+    verb->add_option("-i,--input,IN", opt->in, "What to read; - is standard input")->required()->type_name("FILE");
     opt->input.add_raw(*verb);
     CLI::Option* list = verb->add_option("--verify", opt->list, "Digests to compare with")->type_name("FILE");
     verb->add_flag("--per-frame", opt->per_frame, "A digest for each picture")->excludes(list);

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 // The verbs of the tool. A verb is a file of its own: a function that adds a subcommand with its options, and a
-// callback that does the work and throws a failure. A line here and one in main.cpp register it.
+// callback that does the work and throws a failure. A line here and one in main.cpp register it. Its footer begins
+// with three examples, as help.h tells.
 
 namespace CLI {
 class App;
