@@ -1143,6 +1143,14 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
          "bool operator==(const size& s) const { return w == s.w; }", "another height is the same size"),
         ("int band_rows = 0;", "signed char band_rows = 0;", "bands of more than 127 rows"),
     ],
+    "tools/zelt/suggest.cpp": [
+        ("typed.size() / 3 + 1;", "typed.size();", "names that have nothing in common are near"),
+        ("a[i - 2] == b[j - 1])", "false)", "letters that changed places are two faults"),
+        ("name.size() > 1 && has(of, \"--\" + name)", "false", "-input is -i with a file nput"),
+        ("h.typed == name && applies(of, h.advice)", "h.typed == name", "options are advised that the verb has not"),
+        ("> 0 && !attached) ++i;", "> 0) ++i;", "what follows an attached value is taken for one"),
+        ("if (typed == \"--\") return;", ";", "files whose names begin with a dash are options"),
+    ],
     "tools/zelt/pictures/format.cpp": [
         ("\"rgb565le\",    ZELT_CS_RGB565,", "\"rgb565be\",    ZELT_CS_RGB565,", "an alias of RGB565"),
         ("quarter = {1, 1, 1};", "quarter = {1, 1, 0};", "4:2:0 has the rows of 4:2:2"),
@@ -1259,7 +1267,7 @@ NEAREST = [
     ("src/metric/satd", "*satd*:*hadamard*"),
     ("src/media/(str|uri)", "str.*:uri.*"),
     ("src/media/(keyframe|start)", "keyframe.*"),
-    ("tools/zelt/(completion|help|manual)", "manners.*"),
+    ("tools/zelt/(completion|help|manual|suggest)", "manners.*"),
     ("tools/zelt/(match|plane)", "match.*:compare.*"),
     ("tools/zelt/compare", "compare.*"),
     ("tools/zelt/(keyframes|container|decoder|media_type|probe)", "clips.*:tool.*probe*"),

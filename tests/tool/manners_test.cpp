@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// How zelt treats whoever types: help, examples, the manual page, and completions.
+// How zelt treats whoever types: help, examples, what was meant, the manual page, and completions.
 #include "tool/pictures.h"
 #include "tool/run.h"
 
@@ -66,6 +66,38 @@ TEST_F(manners, files_need_no_option) {
     }
     expect_failure(zelt("convert in.ppm out.ppm out.raw"), 1, "not expected: out.raw (zelt convert --help says more)");
     expect_failure(zelt("convert in.ppm"), 1, "--output is required");
+}
+
+TEST_F(manners, says_what_may_be_meant) {
+    const struct {
+        const char *command, *said;
+    } rows[] = {
+        {"mathc a b", "no verb 'mathc', is it match?"},
+        {"comp a b", "is it compare?"},
+        {"Md5 a", "is it md5?"},
+        {"quality a", "no verb 'quality' (zelt --help says more)"},
+        {"info a", "'zelt probe IN'"},
+        {"clip.mp4 out.png", "no verb 'clip.mp4': one comes before files, such as convert"},
+        {"-i clip.mp4", "a verb comes first"},
+        {"--vresion", "is it --version?"},
+        {"convert a b --skip=1 --lmit 3", "zelt convert has no option '--lmit', is it --limit? (zelt convert --help"},
+        {"convert a b --pix=nv12", "'--pix', is it --pix-fmt?"},
+        {"convert -input a b", "is it --input?"},
+        {"convert -pix_fmt nv12 -i a b.raw", "'-pix_fmt', is it --pix-fmt?"},
+        {"convert a -s 64x64 b.raw", "'-s': give --size WxH"},
+        {"convert a b.png -vf scale=64:64", "'-vf': give --size WxH"},
+        {"convert a -vframes 1 b.png", "give --limit N"},
+        {"convert -y a b.png", "'-y': leave it out, files are replaced"},
+        {"convert --i420 -o a b", "'--i420': give --pix-fmt yuv420"},
+        {"convert a b.raw --rawvideo", "give --to raw"},
+        {"convert a b.raw --md5", "the verb md5"},
+        {"md5 --i420 a", "zelt md5 has no option '--i420' (zelt md5 --help says more)"},
+        {"md5 a --verfiy --limit", "is it --verify?"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.command);
+        expect_failure(zelt(row.command), 1, row.said);
+    }
 }
 
 TEST_F(manners, manual_is_sound_and_has_every_option) {

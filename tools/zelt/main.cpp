@@ -3,6 +3,7 @@
 #include "help.h"
 #include "interrupt.h"
 #include "output.h"
+#include "suggest.h"
 #include "verbs.h"
 #include "zelt/common.h"
 
@@ -37,6 +38,7 @@ constexpr const char* examples = R"(
 
 /// Parses the arguments; the callback of their verb does the work.
 void parse(CLI::App& app, int argc, char** argv) {
+    check_names(app, {argv, static_cast<std::size_t>(argc)});
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& asked) {
