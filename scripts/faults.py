@@ -959,6 +959,11 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("((((v >> 6) + 2) >> 2) + 128)", "(((v >> 6) >> 2) + 128)", "10 bits are cut off on the way to another size"),
         ("(f.cs == ZELT_CS_ARGB8888) +", "", "the alpha of ARGB is its red in another size"),
     ],
+    "tools/zelt/bench.cpp": [
+        ("{\"yuv420\", \"yuv420\", 1, 3}", "{\"yuv420\", \"yuv420\", 1, 2}", "a size is measured twice, another one never"),
+        ("|| times.size() < 3;", "|| times.size() < 1;", "the median of a single run"),
+        ("wide ? format_of(ZELT_CS_NV12) : from", "from", "words of 10 bits are widened from bytes that are none"),
+    ],
     "tools/zelt/compare.cpp": [
         ("plane[1].psnr(bits).c_str(), plane[2].psnr(bits).c_str(),",
          "plane[2].psnr(bits).c_str(), plane[1].psnr(bits).c_str(),", "PSNR of U and V change places"),
@@ -1027,6 +1032,9 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
          "case AVCOL_SPC_BT709: about.matrix = ZELT_VIDEO_BT601;", "the file's BT.709"),
         ("|| name.starts_with(\"yuvj\")", "", "the range of JPEG pictures"),
     ],
+    "tools/zelt/digest.h": [
+        ("y < pic.rows(i); ++y)", "y < pic.h; ++y)", "planes have the rows of luma"),
+    ],
     "tools/zelt/formats.cpp": [
         ("resized ? \"*\" : \"\"", "\"\"", "conversions that resize, too, are not marked"),
         ("f.alias ? f.alias : \"-\"", "f.name", "the aliases are the names"),
@@ -1086,7 +1094,6 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("{90, 0, 130}", "{130, 0, 90}", "a colour of the costs"),
     ],
     "tools/zelt/md5.cpp": [
-        ("y < pic.rows(i); ++y)", "y < pic.h; ++y)", "planes have the rows of luma"),
         ("opt->input.raw, true);", "opt->input.raw, false);", "only layouts with a name have digests"),
         ("if (line.empty() || line[0] == '#') continue;", "if (line.empty()) continue;", "comments are digests"),
         ("if (hex.size() != 32 || hex.find", "if (hex.find", "digests of any length"),
@@ -1267,7 +1274,7 @@ NEAREST = [
     ("src/metric/satd", "*satd*:*hadamard*"),
     ("src/media/(str|uri)", "str.*:uri.*"),
     ("src/media/(keyframe|start)", "keyframe.*"),
-    ("tools/zelt/(completion|help|manual|suggest)", "manners.*"),
+    ("tools/zelt/(bench|completion|help|manual|suggest)", "manners.*:bench.*"),
     ("tools/zelt/(match|plane)", "match.*:compare.*"),
     ("tools/zelt/compare", "compare.*"),
     ("tools/zelt/(keyframes|container|decoder|media_type|probe)", "clips.*:tool.*probe*"),

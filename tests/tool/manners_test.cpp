@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// How zelt treats whoever types: help, examples, what was meant, the manual page, and completions.
+// How zelt treats whoever types: help, examples, what was meant, the manual page, completions, and zelt bench.
 #include "tool/pictures.h"
 #include "tool/run.h"
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-const std::vector<std::string> verbs = {"compare", "convert", "formats", "keyframes", "match", "md5", "probe"};
+const std::vector<std::string> verbs = {"bench", "compare", "convert", "formats", "keyframes", "match", "md5", "probe"};
 
 class manners : public tool {
 protected:
@@ -22,6 +22,7 @@ protected:
     }
     bool has(const std::string& program) const { return shell("command -v " + program).status == 0; }
 };
+using bench = manners;
 
 std::vector<std::string> lines_of(const std::string& text) {
     std::vector<std::string> lines;
@@ -49,7 +50,8 @@ TEST_F(manners, help_fits_a_screen_and_its_examples_work) {
             if (std::regex_search(*line, std::regex("zelt (probe|keyframes)"))) continue;
 #endif
             SCOPED_TRACE(*line);
-            expect_success(shell("PATH=${Z%/*}:$PATH; " + *line));
+            const std::string briefly = std::regex_replace(*line, std::regex("bench"), "bench --seconds 0");
+            expect_success(shell("PATH=${Z%/*}:$PATH; " + briefly));
         }
         EXPECT_EQ(examples, 3);
     }
@@ -173,4 +175,41 @@ done
     ASSERT_EQ(in_zsh.size(), std::size(rows)) << zsh.out;
     for (std::size_t i = 0; i < std::size(rows); ++i)
         EXPECT_TRUE(std::regex_search(in_zsh[i], std::regex(rows[i].zsh))) << rows[i].typed << in_zsh[i];
+}
+
+TEST_F(bench, digests_are_those_of_the_conversions) {
+    store_clips();
+    const outcome result = zelt("bench clip.mp4 --seconds 0 --json");
+    expect_success(result);
+    EXPECT_EQ(result.out.find("\"width\": 176, \"height\": 144"), result.out.find("\"width\""));
+    const struct {
+        const char *name, *arguments;
+    } rows[] = {
+        {"yuv420 -> rgba8888", "--pix-fmt rgba8888"},
+        {"yuv420 -> nv12", "--pix-fmt nv12"},
+        {"yuv420 -> yuv420 88x72", "--pix-fmt yuv420 --size 88x72"},
+        {"yuv420 -> yuv420 58x48", "--pix-fmt yuv420 --size 58x48"},
+        {"md5 yuv420", "--pix-fmt yuv420"},
+    };
+    for (const auto& row : rows) {
+        const std::string digest =
+            shell(std::string("\"$Z\" convert clip.mp4 - --to raw --limit 1 ") + row.arguments + " | md5sum").out;
+        const std::regex wanted("\"name\": \"" + std::string(row.name) + "\", \"ms\": [0-9.]+, \"mpixels_per_s\": " +
+                                "[0-9.]+, \"runs\": 3, \"md5\": \"" + digest.substr(0, 32) + "\"");
+        EXPECT_TRUE(std::regex_search(result.out, wanted)) << row.name << digest << result.out;
+    }
+}
+
+TEST_F(bench, digests_are_the_same_everywhere) {
+    const outcome result = zelt("bench --seconds 0");
+    expect_success(result);
+    const std::vector<std::string> lines = lines_of(result.out);
+    ASSERT_GT(lines.size(), 2u);
+    std::string digests;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        EXPECT_LE(lines[i].size(), 80u) << lines[i];
+        if (i > 1) digests += lines[i].substr(lines[i].rfind(' ') + 1) + '\n';
+    }
+    store("digests", digests);
+    EXPECT_EQ(shell("md5sum <digests").out, "98b2ebd16b0915b8d81ae6c3171981e3  -\n") << result.out;
 }

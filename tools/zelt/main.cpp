@@ -14,8 +14,8 @@
 namespace zelt::tool {
 namespace {
 
-constexpr void (*verbs[])(CLI::App&) = {add_compare, add_convert, add_formats, add_keyframes,
-                                        add_match,   add_md5,     add_probe};
+constexpr void (*verbs[])(CLI::App&) = {add_bench,     add_compare, add_convert, add_formats,
+                                        add_keyframes, add_match,   add_md5,     add_probe};
 
 /// Reports on one line, whatever bytes of a broken file or name the text quotes.
 int report(status code, std::string text) {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // zelt md5: digests of the pictures of a clip, as ffmpeg's framemd5 gives them.
-#include "zelt/md5.h"
-
+#include "digest.h"
 #include "input_options.h"
 #include "interrupt.h"
 #include "output.h"
@@ -28,41 +27,6 @@ prints it; with --per-frame a line per picture, as 'ffmpeg -i CLIP -f framemd5 -
 prints them.
 --verify compares with what either of them printed: where a digest differs or
 is missing the exit status is 2.)";
-
-struct digest {
-    uint8_t bytes[16];
-    std::string text() const {
-        std::string hex;
-        for (const uint8_t b : bytes) hex += "0123456789abcdef"[b >> 4], hex += "0123456789abcdef"[b & 15];
-        return hex;
-    }
-};
-
-class digester {
-public:
-    digester() { zelt_md5_init(&context_); }
-
-    /// A picture as ffmpeg writes raw video: its rows without gaps
-    void add(const picture& pic) {
-        for (int i = 0; i < pic.fmt->planes; ++i)
-            for (int y = 0; y < pic.rows(i); ++y)
-                zelt_md5_update(&context_, pic.row(i, y), static_cast<uint32_t>(pic.row_bytes(i)));
-    }
-    digest result() {
-        digest d;
-        zelt_md5_finish(&context_, d.bytes);
-        return d;
-    }
-
-private:
-    ZELT_MD5 context_;
-};
-
-digest digest_of(const picture& pic) {
-    digester one;
-    one.add(pic);
-    return one.result();
-}
 
 /// What a file of digests holds: one of the whole clip, or one for each picture.
 struct digest_list {

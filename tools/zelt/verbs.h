@@ -10,6 +10,7 @@ class App;
 
 namespace zelt::tool {
 
+void add_bench(CLI::App& app);
 void add_compare(CLI::App& app);
 void add_convert(CLI::App& app);
 void add_formats(CLI::App& app);
