@@ -96,16 +96,35 @@ uint64_t expected(const clip& about, const options& opt) {
     return std::min(about.pictures - opt.skip, opt.limit);
 }
 
-uint64_t write_pictures(reader& in, route& path, writer& out, const options& opt) {
+/// A picture on its way
+struct slot {
+    route path;
+    picture in = {};
+    const picture* result = nullptr;
+    std::string code = {};
+    bool more = false;  // whether others follow
+};
+
+uint64_t write_pictures(reader& in, std::vector<slot> slots, writer& out, const options& opt) {
     progress line(expected(in.about(), opt));
     uint64_t n = 0;
-    for (bool more = true; more;) {
-        check_interrupt();
-        const picture& pic = in.next();
-        more = ++n < opt.limit && in.more();
-        out.write(path.run(pic), more);
-        line.tick();
-    }
+    bool more = true;
+    run_in_order(
+        slots,
+        [&](slot& s) {
+            if (!more) return false;
+            in.next(s.in);
+            s.more = more = ++n < opt.limit && in.more();
+            return true;
+        },
+        [&](slot& s) {
+            s.result = &s.path.run(s.in);
+            out.encode(s.code, *s.result);
+        },
+        [&](slot& s) {
+            out.write(*s.result, s.code, s.more);
+            line.tick();
+        });
     out.finish();
     return n;
 }
@@ -146,14 +165,15 @@ void convert(const options& opt) {
     manner how = manner_of(opt);
     const route::size wanted = opt.size.empty() ? route::size{} : size_of(opt.size);
 
-    const std::unique_ptr<reader> in = open_reader(opt.in, opt.input.raw);
+    const std::unique_ptr<reader> in = open_reader(opt.in, opt.input.raw, false, opt.input.threads);
     clip about = in->about();
     const format& to = asked ? *asked : default_format(kind, *about.fmt);
     if (to.yuv) about.other_matrix.clear();  // it has no say
     const route::size given = {about.w, about.h}, at = opt.size.empty() ? given : wanted;
     how.meaning = colours_of(about, opt.input.colours, about.fmt->yuv ? given.h : at.h);
-    route path(*about.fmt, given, to, at, how);
-    if (opt.verbose) say_how(about, to, path, how.meaning);
+    std::vector<slot> slots;
+    for (int i = 0; i < opt.input.threads; ++i) slots.push_back({{*about.fmt, given, to, at, how}});
+    if (opt.verbose) say_how(about, to, slots[0].path, how.meaning);
     if (about.fmt->alpha && !to.alpha) std::fprintf(stderr, "zelt: alpha is dropped, %s has none\n", to.name);
 
     for (uint64_t n = 0; n < opt.skip && in->more(); ++n, check_interrupt()) in->next();
@@ -162,7 +182,7 @@ void convert(const options& opt) {
                       opt.in + (opt.skip ? ": has no picture after those to skip" : ": has no picture"));
 
     writer out(kind, opt.out, result_of(about, to, at, how.meaning));
-    const uint64_t written = write_pictures(*in, path, out, opt);
+    const uint64_t written = write_pictures(*in, std::move(slots), out, opt);
     if (opt.verbose) std::fprintf(stderr, "%" PRIu64 " written: %s\n", written, out.summary().c_str());
 }
 
@@ -177,6 +197,7 @@ void add_convert(CLI::App& app) {
     opt->input.add_raw(*verb);
     opt->input.add_range(*verb);
     opt->input.add_matrix(*verb);
+    opt->input.add_threads(*verb);
     verb->add_option("--pix-fmt", opt->pix_fmt, "Pixel format to write (see zelt formats)")->type_name("FORMAT");
     const auto add_count = [verb](const char* name, uint64_t& to, uint64_t least, const char* about) {
         const auto set = [name, &to, least](const std::string& text) { to = count(name, text, least); };

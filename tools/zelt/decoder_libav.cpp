@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <vector>
 
 extern "C" {
 #include <libavutil/imgutils.h>
@@ -74,8 +73,8 @@ std::string size_text(int w, int h) { return std::to_string(w) + "x" + std::to_s
 
 class libav_decoder : public decoder {
 public:
-    libav_decoder(const std::string& name, FILE* file, bool bytes) : source_(name, file), bytes_(bytes) {
-        open_stream();
+    libav_decoder(const std::string& name, FILE* file, bool bytes, int threads) : source_(name, file), bytes_(bytes) {
+        open_stream(threads);
         if (decode()) describe(*frame_);
         waiting_ = frame_->width > 0;
     }
@@ -89,14 +88,13 @@ public:
                  description_of(f.format).name + " and those before are " + size_text(about.w, about.h) + " " +
                  description_of(format_).name + "; one size and format is taken");
         bytes_ ? view_bytes(to) : view(to);
-        std::swap(frame_, shown_);
         return true;
     }
 
 private:
     [[noreturn]] void fail(const std::string& why) const { source_.fail(why); }
 
-    void open_stream() {
+    void open_stream(int threads) {
         AVFormatContext* file = source_.get();
         const AVCodec* codec = nullptr;
         const int index = av_find_best_stream(file, AVMEDIA_TYPE_VIDEO, -1, -1, &codec, 0);
@@ -108,7 +106,7 @@ private:
         codec_.reset(avcodec_alloc_context3(codec));
         if (!codec_ || avcodec_parameters_to_context(codec_.get(), stream_->codecpar) < 0) throw std::bad_alloc();
         codec_->pkt_timebase = stream_->time_base;
-        codec_->thread_count = 0;               // as many as there are processors
+        codec_->thread_count = threads;         // 0: as many as there are processors
         codec_->thread_type = FF_THREAD_SLICE;  // those of frames may hand out one before they tell that it is damaged
         codec_->err_recognition = AV_EF_CRCCHECK;
         source_.check(avcodec_open2(codec_.get(), codec, nullptr));
@@ -194,10 +192,13 @@ private:
         }
     }
 
-    void view(frame& to) const {
-        const AVFrame& f = *frame_;
+    void view(frame& to) {
+        const std::shared_ptr<AVFrame> held(av_frame_alloc(), freed<av_frame_free>());
+        if (!held) throw std::bad_alloc();
+        av_frame_move_ref(held.get(), frame_.get());
+        const AVFrame& f = *held;
         const bool planar_rgb = cs_ == ZELT_CS_R8G8B8 || cs_ == ZELT_CS_R8G8B8A8 || cs_ == ZELT_CS_R10G10B10;
-        to = {cs_, f.width, f.height, {}, {}};
+        to = {cs_, f.width, f.height, {}, {}, held};
         for (int i = 0; i < 4; ++i) {
             const int from = planar_rgb && i < 3 ? (i + 2) % 3 : i;  // libav's order is G, B, R
             to.plane[i] = f.data[from];
@@ -210,18 +211,15 @@ private:
         const auto format = static_cast<AVPixelFormat>(f.format);
         const int size = av_image_get_buffer_size(format, f.width, f.height, 1);
         source_.check(size);
-        std::swap(bytes_of_[0], bytes_of_[1]);
-        bytes_of_[0].resize(static_cast<std::size_t>(size));
-        source_.check(
-            av_image_copy_to_buffer(bytes_of_[0].data(), size, f.data, f.linesize, format, f.width, f.height, 1));
-        to = {0, size, 1, {bytes_of_[0].data()}, {size}};
+        const auto held = std::make_shared_for_overwrite<uint8_t[]>(static_cast<std::size_t>(size));
+        source_.check(av_image_copy_to_buffer(held.get(), size, f.data, f.linesize, format, f.width, f.height, 1));
+        to = {0, size, 1, {held.get()}, {size}, held};
     }
 
     libav_file source_;
     std::unique_ptr<AVCodecContext, freed<avcodec_free_context>> codec_;
     std::unique_ptr<AVPacket, freed<av_packet_free>> packet_{av_packet_alloc()};
-    std::unique_ptr<AVFrame, freed<av_frame_free>> frame_{av_frame_alloc()}, shown_{av_frame_alloc()};
-    std::vector<uint8_t> bytes_of_[2];  // of the pictures shown
+    std::unique_ptr<AVFrame, freed<av_frame_free>> frame_{av_frame_alloc()};
     AVStream* stream_ = nullptr;
     bool bytes_, waiting_ = false;  // whether frame_ has not been shown yet
     int format_ = AV_PIX_FMT_NONE;
@@ -232,6 +230,6 @@ private:
 }  // namespace
 }  // namespace zelt::tool
 
-extern "C" zelt::tool::decoder* zelt_open_decoder(const std::string& name, FILE* file, bool bytes) {
-    return new zelt::tool::libav_decoder(name, file, bytes);
+extern "C" zelt::tool::decoder* zelt_open_decoder(const std::string& name, FILE* file, bool bytes, int threads) {
+    return new zelt::tool::libav_decoder(name, file, bytes, threads);
 }

@@ -26,8 +26,7 @@ public:
     }
     /// A picture as ffmpeg writes raw video: its rows without gaps
     void add(const picture& pic) {
-        for (int i = 0; i < pic.fmt->planes; ++i)
-            for (int y = 0; y < pic.rows(i); ++y) add(pic.row(i, y), pic.row_bytes(i));
+        for_each_run(pic, [this](const uint8_t* from, std::size_t bytes) { add(from, bytes); });
     }
     digest result() {
         digest d;

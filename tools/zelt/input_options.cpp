@@ -23,4 +23,10 @@ void input_options::add_matrix(CLI::App& verb) {
     add_names(verb, "--matrix", colours.matrix, "Matrix of YUV samples, whatever the file says", matrix_names);
 }
 
+void input_options::add_threads(CLI::App& verb) {
+    verb.add_option("--threads", threads, "Pictures at a time; without it as many as there are processors")
+        ->check(CLI::Range(1, 1024))
+        ->type_name("N");
+}
+
 }  // namespace zelt::tool

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "interrupt.h"
 
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <initializer_list>
@@ -8,9 +9,14 @@
 namespace zelt::tool {
 namespace {
 
-volatile std::sig_atomic_t caught = 0;
+std::atomic<int> caught = 0;
+static_assert(std::atomic<int>::is_always_lock_free);  // as a handler needs it
 
-void note(int sig) { caught = sig; }
+constexpr int waking = SIGURG;  // which means nothing to a process without sockets
+
+void note(int sig) {
+    if (sig != waking) caught = sig;
+}
 
 }  // namespace
 
@@ -21,11 +27,14 @@ void watch_signals() {
         struct sigaction old;
         if (sigaction(sig, nullptr, &old) == 0 && old.sa_handler != SIG_IGN) sigaction(sig, &action, nullptr);
     }
+    sigaction(waking, &action, nullptr);
     // A reader that goes away and a limit on file sizes show as failed writes.
     for (const int sig : {SIGPIPE, SIGXFSZ}) std::signal(sig, SIG_IGN);
 }
 
 int caught_signal() { return caught; }
+
+void wake(pthread_t thread) { pthread_kill(thread, waking); }
 
 void end_by_signal(int sig) {
     std::signal(sig, SIG_DFL);

@@ -2,7 +2,6 @@
 // zelt md5: digests of the pictures of a clip, as ffmpeg's framemd5 gives them.
 #include "digest.h"
 #include "input_options.h"
-#include "interrupt.h"
 #include "output.h"
 #include "pictures/reader.h"
 #include "progress.h"
@@ -73,38 +72,57 @@ void print_head(const clip& about) {
                 step.c_str(), about.w, about.h, aspect.c_str());
 }
 
-/// Calls `use` with each picture, its number and the line to wipe before anything is printed.
-template <class F> void for_each_picture(reader& in, const F& use) {
+/// A picture and what becomes of it
+struct slot {
+    picture pic;
+    digest own;
+};
+
+/// Calls `use` with each picture's number and slot, in order, where `own` is there if it is wanted, and the line to
+/// wipe before anything is printed.
+template <class F> void for_each_picture(reader& in, int threads, bool own, const F& use) {
     progress line(in.about().pictures);
-    for (int n = 0; in.more(); ++n, line.tick()) {
-        if (caught_signal()) throw failure(status::output_failed, "interrupted");
-        use(n, in.next(), line);
-    }
+    std::size_t n = 0;
+    std::vector<slot> slots(static_cast<std::size_t>(threads));
+    run_in_order(
+        slots,
+        [&](slot& s) {
+            if (!in.more()) return false;
+            in.next(s.pic);
+            return true;
+        },
+        [&](slot& s) {
+            if (own) s.own = digest_of(s.pic);
+        },
+        [&](slot& s) {
+            use(n++, s, line);
+            line.tick();
+        });
 }
 
-void list_digests(reader& in) {
+void list_digests(reader& in, int threads) {
     print_head(in.about());
-    for_each_picture(in, [](int n, const picture& pic, progress& line) {
+    for_each_picture(in, threads, true, [](std::size_t n, const slot& s, progress& line) {
         line.make_way();
-        std::printf("0, %10d, %10d, %8d, %8" PRId64 ", %s\n", n, n, 1, picture_bytes(*pic.fmt, pic.w, pic.h),
-                    digest_of(pic).text().c_str());
+        std::printf("0, %10zu, %10zu, %8d, %8" PRId64 ", %s\n", n, n, 1, picture_bytes(*s.pic.fmt, s.pic.w, s.pic.h),
+                    s.own.text().c_str());
     });
 }
 
-void print_digest(reader& in) {
+void print_digest(reader& in, int threads) {
     digester all;
-    for_each_picture(in, [&](int, const picture& pic, progress&) { all.add(pic); });
+    for_each_picture(in, threads, false, [&](std::size_t, const slot& s, progress&) { all.add(s.pic); });
     std::printf("MD5=%s\n", all.result().text().c_str());
 }
 
-void verify(reader& in, const digest_list& expected) {
+void verify(reader& in, int threads, const digest_list& expected) {
     std::size_t pictures = 0, differing = 0;
     digester all;
-    for_each_picture(in, [&](std::size_t n, const picture& pic, progress& line) {
+    for_each_picture(in, threads, !expected.pictures.empty(), [&](std::size_t n, const slot& s, progress& line) {
         ++pictures;
-        if (!expected.whole.empty()) all.add(pic);
+        if (!expected.whole.empty()) all.add(s.pic);
         if (expected.pictures.empty()) return;
-        const std::string is = digest_of(pic).text();
+        const std::string is = s.own.text();
         const bool listed = n < expected.pictures.size();
         if (listed && expected.pictures[n] == is) return;
         line.make_way();
@@ -137,14 +155,18 @@ void add_md5(CLI::App& app) {
     const auto opt = std::make_shared<options>();
     verb->add_option("-i,--input,IN", opt->in, "What to read; - is standard input")->required()->type_name("FILE");
     opt->input.add_raw(*verb);
+    opt->input.add_threads(*verb);
     CLI::Option* list = verb->add_option("--verify", opt->list, "Digests to compare with")->type_name("FILE");
     verb->add_flag("--per-frame", opt->per_frame, "A digest for each picture")->excludes(list);
     verb->footer(notes);
     verb->callback([opt, list] {
         digest_list expected;
         if (list->count()) expected = read_list(opt->list);
-        const std::unique_ptr<reader> in = open_reader(opt->in, opt->input.raw, true);
-        list->count() ? verify(*in, expected) : opt->per_frame ? list_digests(*in) : print_digest(*in);
+        const std::unique_ptr<reader> in = open_reader(opt->in, opt->input.raw, true, opt->input.threads);
+        const int threads = opt->input.threads;
+        list->count()    ? verify(*in, threads, expected)
+        : opt->per_frame ? list_digests(*in, threads)
+                         : print_digest(*in, threads);
         finish_output();
     });
 }

@@ -10,10 +10,10 @@ constexpr format plain_bytes = {"bytes", nullptr, 0, 1, {{1}}, 8, false, false};
 
 class coded_reader : public reader {
 public:
-    coded_reader(input in, bool bytes) : in_(std::move(in)) {
+    coded_reader(input in, bool bytes, int threads) : in_(std::move(in)) {
         const auto open = reinterpret_cast<decoder_opener*>(
             module_function("zelt_open_decoder", "other clips than Y4M, PNG, PPM and raw ones"));
-        decoder_.reset(open(in_.name(), in_.handle(), bytes));
+        decoder_.reset(open(in_.name(), in_.handle(), bytes, threads));
         about_ = decoder_->about;
         if (!(ahead_ = decoder_->next(frame_))) in_.bad("has no picture that can be decoded");
         about_.fmt = bytes ? &plain_bytes : &format_of(frame_.cs);
@@ -26,10 +26,10 @@ public:
 
     bool more() override { return ahead_ || (ahead_ = decoder_->next(frame_)); }
 
-    const picture& next() override {
+    void next(picture& into) override {
         if (!more()) in_.bad("has no other picture");
         ahead_ = false;
-        return picture_.emplace(*about_.fmt, frame_.w, frame_.h, frame_.plane, frame_.stride);
+        into = {*about_.fmt, frame_.w, frame_.h, frame_.plane, frame_.stride, std::move(frame_.memory)};
     }
 
 private:
@@ -37,13 +37,12 @@ private:
     std::unique_ptr<decoder> decoder_;
     frame frame_ = {};
     bool ahead_ = false;  // whether frame_ is the next picture
-    std::optional<picture> picture_;
 };
 
 }  // namespace
 
-std::unique_ptr<reader> read_coded(input in, bool bytes) {
-    return std::make_unique<coded_reader>(std::move(in), bytes);
+std::unique_ptr<reader> read_coded(input in, bool bytes, int threads) {
+    return std::make_unique<coded_reader>(std::move(in), bytes, threads);
 }
 
 }  // namespace zelt::tool

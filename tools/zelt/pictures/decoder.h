@@ -7,24 +7,25 @@
 
 namespace zelt::tool {
 
-/// A picture in the decoder's memory
+/// A picture in memory that the decoder leaves alone as long as it is held
 struct frame {
     int32_t cs, w, h;
     void* plane[4];
     int32_t stride[4];
+    std::shared_ptr<void> memory;
 };
 
 class decoder {
 public:
     virtual ~decoder() = default;
-    /// The next picture, which stays until the call after the next; false where there is none.
-    virtual bool next(frame& to) = 0;
+    virtual bool next(frame& to) = 0;  // the next picture; false where there is none
 
     clip about;  // but for the format
 };
 
 /// What the module exports as zelt_open_decoder; the caller deletes the result and keeps the file. With `bytes` each
 /// picture is one plane of a single row, its samples in the order that ffmpeg writes raw video in, of any pixel format.
-using decoder_opener = decoder*(const std::string& name, FILE* file, bool bytes);
+/// By so many threads; 0: as there are processors.
+using decoder_opener = decoder*(const std::string& name, FILE* file, bool bytes, int threads);
 
 }  // namespace zelt::tool

@@ -30,8 +30,9 @@ picture::picture(const format& f, int width, int height, const uint32_t* align, 
     }
 }
 
-picture::picture(const format& f, int width, int height, void* const* planes, const int32_t* strides)
-    : fmt(&f), w(width), h(height) {
+picture::picture(const format& f, int width, int height, void* const* planes, const int32_t* strides,
+                 std::shared_ptr<void> memory)
+    : fmt(&f), w(width), h(height), shared_(std::move(memory)) {
     std::copy_n(planes, f.planes, plane);
     std::copy_n(strides, f.planes, stride);
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // PNG pictures of every kind, as 8-bit RGB or, where there is transparency, RGBA.
+#include "pictures/failure.h"
 #include "pictures/reader.h"
 #include "pictures/writer.h"
 #include "zelt/common.h"
 
-#include <cerrno>
 #include <csetjmp>
 #include <cstring>
 #include <png.h>
@@ -25,6 +25,14 @@ void on_error(png_structp png, png_const_charp text) {
 }
 
 void on_warning(png_structp, png_const_charp) {}
+
+void append(png_structp png, png_bytep from, std::size_t bytes) {
+    try {
+        static_cast<std::string*>(png_get_io_ptr(png))->append(reinterpret_cast<char*>(from), bytes);
+    } catch (const std::bad_alloc&) {
+        png_error(png, "there is not enough memory");
+    }
+}
 
 /// Runs calls into libpng. An error jumps back here, so `calls` must own nothing.
 template <class F> bool attempt(png_structp png, const F& calls) {
@@ -93,14 +101,15 @@ private:
 
 std::unique_ptr<reader> read_png(input in) { return std::make_unique<png_reader>(std::move(in)); }
 
-void write_png(output& out, const picture& pic) {
+void encode_png(std::string& to, const picture& pic) {
+    to.clear();
     std::vector<png_bytep> rows = rows_of(pic);
     png_bytepp first = rows.data();
     complaint complaint = {};
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &complaint, on_error, on_warning);
     png_infop info = png ? png_create_info_struct(png) : nullptr;
     const bool done = info && attempt(png, [&] {
-                          png_init_io(png, out.handle());
+                          png_set_write_fn(png, &to, append, nullptr);
                           png_set_IHDR(png, info, static_cast<png_uint_32>(pic.w), static_cast<png_uint_32>(pic.h), 8,
                                        pic.fmt->alpha ? PNG_COLOR_TYPE_RGB_ALPHA : PNG_COLOR_TYPE_RGB,
                                        PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
@@ -108,9 +117,8 @@ void write_png(output& out, const picture& pic) {
                           png_write_image(png, first);
                           png_write_end(png, nullptr);
                       });
-    const std::string reason = std::ferror(out.handle()) ? std::strerror(errno) : complaint.text;
     png_destroy_write_struct(&png, &info);
-    if (!done) out.fail("cannot be written: " + reason);
+    if (!done) throw failure(status::output_failed, std::string("the PNG file cannot be made: ") + complaint.text);
 }
 
 }  // namespace zelt::tool

@@ -6,10 +6,9 @@
 
 namespace zelt::tool {
 
-const picture& file_reader::next() {
-    if (!picture_) picture_.emplace(*about_.fmt, about_.w, about_.h);
-    read(*picture_);
-    return *picture_;
+void file_reader::next(picture& into) {
+    if (!into.fmt) into = picture(*about_.fmt, about_.w, about_.h);
+    read(into);
 }
 
 void file_reader::shape(const format& fmt, int w, int h, int64_t header) {
@@ -23,8 +22,7 @@ void file_reader::shape(const format& fmt, int w, int h, int64_t header) {
 
 void file_reader::read_planes(picture& into) {
     in_.expect(picture_bytes(*into.fmt, into.w, into.h));
-    for (int i = 0; i < into.fmt->planes; ++i)
-        for (int y = 0; y < into.rows(i); ++y) in_.read(into.row(i, y), into.row_bytes(i));
+    for_each_run(into, [this](void* to, std::size_t bytes) { in_.read(to, bytes); });
 }
 
 int header_number(std::string_view digits) {
@@ -33,15 +31,15 @@ int header_number(std::string_view digits) {
     return error == std::errc() && end == digits.data() + digits.size() && value >= 0 ? value : -1;
 }
 
-std::unique_ptr<reader> open_reader(const std::string& path, const std::string& raw_layout, bool bytes) {
+std::unique_ptr<reader> open_reader(const std::string& path, const std::string& raw_layout, bool bytes, int threads) {
     input in(path);
     if (!raw_layout.empty()) return read_raw(std::move(in), raw_layout);
     switch (in.peek()) {
-    case 'Y': return read_y4m(std::move(in), bytes);
+    case 'Y': return read_y4m(std::move(in), bytes, threads);
     case 'P': return read_pnm(std::move(in));
     case 0x89: return read_png(std::move(in));
     case EOF: in.bad("is empty");
-    default: return read_coded(std::move(in), bytes);
+    default: return read_coded(std::move(in), bytes, threads);
     }
 }
 

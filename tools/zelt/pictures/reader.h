@@ -27,17 +27,25 @@ class reader {
 public:
     virtual ~reader() = default;
     const clip& about() const { return about_; }
-    virtual bool more() = 0;            // whether there is another picture
-    virtual const picture& next() = 0;  // which is of about()'s size and format, and stays until the next call
+    virtual bool more() = 0;  // whether there is another picture
+    /// The next one, of about()'s size and format. `into` is an earlier one, whose memory it may get, or none.
+    virtual void next(picture& into) = 0;
+    const picture& next() {  // it stays until the next call
+        next(last_);
+        return last_;
+    }
 
 protected:
     clip about_;
+
+private:
+    picture last_;
 };
 
 /// A reader that fills one picture after the other from bytes
 class file_reader : public reader {
 public:
-    const picture& next() final;
+    void next(picture& into) final;
 
 protected:
     explicit file_reader(input in) : in_(std::move(in)) {}
@@ -47,23 +55,22 @@ protected:
     void read_planes(picture& into);  // rows of all planes, one after the other
 
     input in_;
-
-private:
-    std::optional<picture> picture_;
 };
 
 /// A number in a header, whole and within 31 bits, or -1.
 int header_number(std::string_view digits);
 
 // With `bytes` what the tool has no format for may come as rows of bytes, see decoder.h.
-std::unique_ptr<reader> read_y4m(input in, bool bytes);
+std::unique_ptr<reader> read_y4m(input in, bool bytes, int threads);
 std::unique_ptr<reader> read_pnm(input in);
 std::unique_ptr<reader> read_png(input in);
 std::unique_ptr<reader> read_raw(input in, const std::string& layout);
-std::unique_ptr<reader> read_coded(input in, bool bytes);  // by the module
+std::unique_ptr<reader> read_coded(input in, bool bytes, int threads);  // by the module
 
 /// Opens a file by what it begins with; raw pictures by their layout, "WxH:FORMAT", which is empty otherwise. With
 /// `bytes` what only the module reads may have any layout, and comes as a row of bytes.
-std::unique_ptr<reader> open_reader(const std::string& path, const std::string& raw_layout, bool bytes = false);
+/// Clips are decoded by so many threads, for 0 by as many as there are processors.
+std::unique_ptr<reader> open_reader(const std::string& path, const std::string& raw_layout, bool bytes = false,
+                                    int threads = 0);
 
 }  // namespace zelt::tool

@@ -12,11 +12,11 @@ namespace {
 
 // clang-format off
 const file_kind kinds[] = {
-    {"png", {".png"}, {ZELT_CS_RGB888, ZELT_CS_RGBA8888}, true, false, nullptr, write_png},
-    {"ppm", {".ppm"}, {ZELT_CS_RGB888}, true, true, nullptr, write_ppm},
+    {"png", {".png"}, {ZELT_CS_RGB888, ZELT_CS_RGBA8888}, true, false, nullptr, encode_png, nullptr},
+    {"ppm", {".ppm"}, {ZELT_CS_RGB888}, true, true, nullptr, nullptr, write_ppm},
     {"y4m", {".y4m"}, {ZELT_CS_YUV444, ZELT_CS_YUV400, ZELT_CS_YUV420, ZELT_CS_YUV422, ZELT_CS_P010, ZELT_CS_P210,
-                       ZELT_CS_P410}, false, true, write_y4m_header, write_y4m},
-    {"raw", {".raw", ".yuv", ".rgb"}, {}, false, true, nullptr, write_raw},
+                       ZELT_CS_P410}, false, true, write_y4m_header, nullptr, write_y4m},
+    {"raw", {".raw", ".yuv", ".rgb"}, {}, false, true, nullptr, nullptr, write_raw},
 };
 // clang-format on
 
@@ -77,7 +77,7 @@ std::string writer::numbered(int n) const {
     return path_.substr(0, start) + (length_ ? "" : "-") + zeros + digits + path_.substr(start + length_);
 }
 
-void writer::write(const picture& pic, bool more) {
+void writer::write(const picture& pic, const std::string& code, bool more) {
     if (more && !separate_ && !kind_.piped)
         throw failure(status::wrong_use,
                       std::string("a pipe takes one ") + kind_.name + " picture and there are more: give --limit 1");
@@ -89,7 +89,7 @@ void writer::write(const picture& pic, bool more) {
         output& out = files_.emplace_back(last_);
         if (kind_.header) kind_.header(out, about_);
     }
-    kind_.write(files_.back(), pic);
+    kind_.encode ? files_.back().write(code) : kind_.write(files_.back(), pic);
     if (separate_) files_.back().close();
 }
 
@@ -104,8 +104,7 @@ std::string writer::summary() const {
 }
 
 void write_raw(output& out, const picture& pic) {
-    for (int i = 0; i < pic.fmt->planes; ++i)
-        for (int y = 0; y < pic.rows(i); ++y) out.write(pic.row(i, y), pic.row_bytes(i));
+    for_each_run(pic, [&out](const void* from, std::size_t bytes) { out.write(from, bytes); });
 }
 
 }  // namespace zelt::tool

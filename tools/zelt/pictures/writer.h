@@ -18,7 +18,8 @@ struct file_kind {
     bool single;                   // one picture to a file
     bool piped;                    // several pictures may follow each other on a pipe
     void (*header)(output&, const clip&);
-    void (*write)(output&, const picture&);
+    void (*encode)(std::string& to, const picture&);  // the bytes of a picture's file, where they are not its own
+    void (*write)(output&, const picture&);           // elsewhere
 };
 
 /// The kind of a name, or of a path's extension where the name is empty; a failure where there is none.
@@ -35,7 +36,16 @@ const format& default_format(const file_kind& kind, const format& given);
 class writer {
 public:
     writer(const file_kind& kind, std::string path, const clip& about);
-    void write(const picture& pic, bool more);  // `more`: whether others follow
+    /// What a picture takes beside its own bytes, which may be made of several pictures at once
+    void encode(std::string& code, const picture& pic) const {
+        if (kind_.encode) kind_.encode(code, pic);
+    }
+    void write(const picture& pic, const std::string& code, bool more);  // `more`: whether others follow
+    void write(const picture& pic, bool more) {
+        std::string code;
+        encode(code, pic);
+        write(pic, code, more);
+    }
     void finish();
     std::string summary() const;  // the names written, for the user
 
@@ -54,7 +64,7 @@ private:
 void write_y4m_header(output& out, const clip& about);
 void write_y4m(output& out, const picture& pic);
 void write_ppm(output& out, const picture& pic);
-void write_png(output& out, const picture& pic);
+void encode_png(std::string& to, const picture& pic);
 void write_raw(output& out, const picture& pic);
 
 }  // namespace zelt::tool

@@ -44,8 +44,8 @@ public:
 
     bool known() const { return about_.fmt; }
     /// Of another kind the bytes can be had of a file, which is read from its start again.
-    std::unique_ptr<reader> other_kind(bool bytes) {
-        if (bytes && std::fseek(in_.handle(), 0, SEEK_SET) == 0) return read_coded(std::move(in_), bytes);
+    std::unique_ptr<reader> other_kind(bool bytes, int threads) {
+        if (bytes && std::fseek(in_.handle(), 0, SEEK_SET) == 0) return read_coded(std::move(in_), bytes, threads);
         in_.unsupported("holds pictures of the kind C" + kind_ +
                         "; mono, 4:2:0, 4:2:2 and 4:4:4 of 8 bits and the latter three of 10 are taken: "
                         "ffmpeg -i IN -pix_fmt yuv420p OUT.y4m");
@@ -94,9 +94,9 @@ private:
 
 }  // namespace
 
-std::unique_ptr<reader> read_y4m(input in, bool bytes) {
+std::unique_ptr<reader> read_y4m(input in, bool bytes, int threads) {
     auto clip = std::make_unique<y4m_reader>(std::move(in));
-    return clip->known() ? std::move(clip) : clip->other_kind(bytes);
+    return clip->known() ? std::move(clip) : clip->other_kind(bytes, threads);
 }
 
 void write_y4m_header(output& out, const clip& about) {
