@@ -152,10 +152,10 @@ done
     store("complete.zsh", R"(zmodload zsh/zpty
 zpty shell TERM=vt100 zsh -f -i
 zpty -w shell 'PS1=; unset zle_bracketed_paste; fpath=($PWD $fpath); autoload -Uz compinit; compinit -D -u'
-zpty -w shell 'show() { print -r -- "<$BUFFER>"; BUFFER= }; zle -N show; bindkey "^X" show; echo READY'
+zpty -w shell 'show() { print -r -- "<$BUFFER>"; BUFFER= }; zle -N show; bindkey "^G" show; echo READY'
 zpty -r -m shell text '*READY*READY*'
 for typed; do
-    zpty -w -n shell $typed$'\t\x18'
+    zpty -w -n shell $typed$'\t\x07'
     zpty -r -m shell text '*<zelt*>*'
     print -r -- ${text//[[:cntrl:]]/ }
 done

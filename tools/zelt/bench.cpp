@@ -139,7 +139,8 @@ public:
 private:
     result convert(const conversion& c) const {
         const format &from = named_format(c.from), &to = named_format(c.to);
-        const route::size at = {std::max(size_.w * c.times / c.by, 1), std::max(size_.h * c.times / c.by, 1)};
+        const auto share = [&](int64_t n) { return std::clamp<int64_t>(n * c.times / c.by, 1, INT32_MAX); };
+        const route::size at = {static_cast<int>(share(size_.w)), static_cast<int>(share(size_.h))};
         const bool wide = from.cs == ZELT_CS_P010LE;
         route way(*yuv420_.fmt, wide ? format_of(ZELT_CS_NV12) : from, size_, meaning_);
         const picture& given = way.run(yuv420_);
