@@ -12,7 +12,7 @@ class coded_reader : public reader {
 public:
     coded_reader(input in, bool bytes, int threads) : in_(std::move(in)) {
         const auto open = reinterpret_cast<decoder_opener*>(
-            module_function("zelt_open_decoder", "other clips than Y4M, PNG, PPM and raw ones"));
+            libav_function("zelt_open_decoder", "other clips than Y4M, PNG, PPM and raw ones"));
         decoder_.reset(open(in_.name(), in_.handle(), bytes, threads));
         about_ = decoder_->about;
         if (!(ahead_ = decoder_->next(frame_))) in_.bad("has no picture that can be decoded");
