@@ -8,7 +8,7 @@ gstreamer_packages=(libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstream
 # shellcheck disable=SC2034 # used by the scripts that source this
 {
 test_packages=("${build_packages[@]}" "${gstreamer_packages[@]}" googletest libgtest-dev binutils ffmpeg python3
-    libavformat-dev libavcodec-dev musl-tools qemu-user groff-base zsh)
+    libavformat-dev libavcodec-dev libcairo2-dev musl-tools qemu-user groff-base zsh)
 arm_packages=(g++-arm-linux-gnueabi g++-aarch64-linux-gnu)
 armhf_packages=(g++-arm-linux-gnueabihf)
 i686_packages=(g++-i686-linux-gnu)

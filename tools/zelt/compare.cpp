@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // zelt compare: how far two clips are apart.
+#include "drawing/drawings.h"
+#include "drawing/file.h"
 #include "input_options.h"
 #include "interrupt.h"
 #include "output.h"
@@ -14,6 +16,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
+#include <limits>
 #include <optional>
 
 namespace zelt::tool {
@@ -21,7 +25,7 @@ namespace {
 
 constexpr const char* notes = R"(
   zelt compare clip.mp4 coded.mp4
-  zelt compare clip.mp4 coded.mp4 | tail -n 2    # over all pictures
+  zelt compare clip.mp4 coded.mp4 -o worst.png -o time.svg
   zelt compare camera.yuv decoded.yuv --raw 640x480:nv12
 
 Inputs are what 'zelt convert' reads. Planes of one layout are compared as they
@@ -31,7 +35,10 @@ range and matrix of the other clip. Each line has the PSNR of Y, U and V and of
 all samples in decibels ('inf' where nothing differs, '-' where there is no such
 plane), and for Y the squared difference (SSD), the absolute one (SAD) and its
 Hadamard transform's (SATD of 4x4 tiles), as means over the samples. The last
-lines are over all pictures, and say which one is the first that differs.)";
+lines are over all pictures, and say which one is the first that differs.
+--output draws: to .svg the PSNR of all pictures over time, to .png or .ppm the
+picture of the second clip that has the least PSNR of all samples, and beside it
+which blocks differ, in colours by rank. It can be given twice.)";
 
 /// Sums over the samples of one plane or more
 struct distance {
@@ -41,10 +48,14 @@ struct distance {
         squares += d.squares, absolute += d.absolute, transformed += d.transformed, samples += d.samples;
     }
     double mean(uint64_t sum) const { return static_cast<double>(sum) / static_cast<double>(samples); }
+    /// Not a number where there are no samples
+    double decibels(int bits) const {
+        const double peak = (1 << bits) - 1;
+        return samples ? 10 * std::log10(peak * peak / mean(squares)) : std::numeric_limits<double>::quiet_NaN();
+    }
     std::string psnr(int bits) const {
         char text[32] = "-";
-        const double peak = (1 << bits) - 1;
-        if (samples) std::snprintf(text, sizeof text, "%.3f", 10 * std::log10(peak * peak / mean(squares)));
+        if (samples) std::snprintf(text, sizeof text, "%.3f", decibels(bits));
         return text;
     }
 };
@@ -106,12 +117,13 @@ struct distances {
 struct side {
     std::unique_ptr<reader> in;
     std::optional<route> way;
+    const picture* last = nullptr;  // as it was read
 
     void become(const format& fmt, const colours& meaning) {
         const clip& about = in->about();
         way.emplace(*about.fmt, fmt, route::size{about.w, about.h}, meaning);
     }
-    const picture& next() { return way->run(in->next()); }
+    const picture& next() { return way->run(*(last = &in->next())); }
 };
 
 /// The layout that both are compared in; RGB gets the other one's colours.
@@ -126,7 +138,75 @@ const format& prepare(side& a, side& b, const told_colours& told) {
     return fmt;
 }
 
-void compare(const std::vector<std::string>& paths, const input_options& how) {
+/// The squared differences of one plane's blocks, and how many samples they are of
+template <class T>
+void add_blocks(const picture& a, const picture& b, int i, std::vector<double>& squares, std::vector<double>& samples) {
+    constexpr int block = difference_field::block;
+    const plane_of<T> pa(a, i, block, padding::zero), pb(b, i, block, padding::zero);
+    const int w = block >> a.fmt->plane[i].across, h = block >> a.fmt->plane[i].down;
+    std::size_t n = 0;
+    for (int y = 0; y < pa.h; y += h)
+        for (int x = 0; x < pa.w; x += w, ++n) {
+            squares[n] += metrics<T>::ssd(w, h, pa.at(x, y), pb.at(x, y), pa.stride, pb.stride);
+            samples[n] += std::min(w, pa.w - x) * std::min(h, pa.h - y);
+        }
+}
+
+std::vector<double> block_differences(const picture& a, const picture& b) {
+    constexpr int block = difference_field::block;
+    const int count = ((a.w + block - 1) / block) * ((a.h + block - 1) / block);
+    std::vector<double> squares(static_cast<std::size_t>(count)), samples(squares);
+    for (int i = 0; i < a.fmt->planes; ++i)
+        (a.fmt->bits > 8 ? add_blocks<int16_t> : add_blocks<uint8_t>)(a, b, i, squares, samples);
+    for (std::size_t n = 0; n < squares.size(); ++n) squares[n] = std::sqrt(squares[n] / samples[n]);
+    return squares;
+}
+
+picture copy_of(const picture& pic) {
+    picture copy(*pic.fmt, pic.w, pic.h);
+    for (int i = 0; i < pic.fmt->planes; ++i)
+        for (int y = 0; y < pic.rows(i); ++y) std::memcpy(copy.row(i, y), pic.row(i, y), pic.row_bytes(i));
+    return copy;
+}
+
+/// What is drawn of two clips
+class drawer {
+public:
+    explicit drawer(int bits) : bits_(bits) {}
+
+    void add(const distances& d, const picture& a, const picture& b, const picture& second) {
+        const auto [y, u, v] = d.plane;
+        const double all = d.whole().decibels(bits_);
+        if (pictures_.empty() || all < lowest_) {
+            lowest_ = all;
+            worst_ = {static_cast<int>(pictures_.size()), (1 << bits_) - 1, block_differences(a, b)};
+            shown_.emplace(copy_of(second));
+        }
+        pictures_.push_back({{y.decibels(bits_), u.decibels(bits_), v.decibels(bits_), all}});
+    }
+
+    void write(const std::vector<std::string>& paths, const distance& all, const colours& meaning) const {
+        char lowest[32], title[160] = "No picture differs";
+        std::snprintf(lowest, sizeof lowest, "%.3f", lowest_);
+        if (std::isfinite(lowest_))
+            std::snprintf(title, sizeof title, "PSNR: %s dB over all pictures; the lowest is picture %d with %s dB",
+                          all.psnr(bits_).c_str(), worst_.number, lowest);
+        route to_pixels(*shown_->fmt, format_of(ZELT_CS_BGRA8888), {shown_->w, shown_->h}, meaning);
+        for (const std::string& path : paths)
+            write_drawing(path, is_svg(path) ? quality_drawing(pictures_, title)
+                                             : difference_drawing(worst_, to_pixels.run(*shown_), lowest));
+    }
+
+private:
+    int bits_;
+    double lowest_ = 0;
+    difference_field worst_;
+    std::optional<picture> shown_;
+    std::vector<quality> pictures_;
+};
+
+void compare(const std::vector<std::string>& paths, const std::vector<std::string>& drawn, const input_options& how) {
+    for (const std::string& path : drawn) check_drawing(path);
     side a{open_reader(paths[0], how.raw), {}}, b{open_reader(paths[1], how.raw), {}};
     if (a.in->about().w != b.in->about().w || a.in->about().h != b.in->about().h)
         throw failure(status::bad_input, "the pictures of " + paths[0] + " and " + paths[1] + " differ in size");
@@ -134,6 +214,7 @@ void compare(const std::vector<std::string>& paths, const input_options& how) {
     std::printf("%7s  %8s  %8s  %8s  %8s  %9s  %8s  %8s\n", "picture", "PSNR Y", "PSNR U", "PSNR V", "PSNR", "SSD Y",
                 "SAD Y", "SATD Y");
     distances all;
+    drawer drawings(bits);
     int n = 0, first = -1;
     progress line(std::min(a.in->about().pictures, b.in->about().pictures));
     for (; a.in->more() && b.in->more(); ++n) {
@@ -143,6 +224,7 @@ void compare(const std::vector<std::string>& paths, const input_options& how) {
         line.make_way();
         d.print(std::to_string(n), bits);
         all.add(d);
+        if (!drawn.empty()) drawings.add(d, pa, pb, *b.last);
         if (first < 0 && d.whole().squares) first = n;
         line.tick();
     }
@@ -153,6 +235,9 @@ void compare(const std::vector<std::string>& paths, const input_options& how) {
     else
         std::printf("the first picture that differs is %d\n", first);
     finish_output();
+    const clip& second = b.in->about();
+    if (!drawn.empty())
+        drawings.write(drawn, all.whole(), second.fmt->yuv ? colours_of(second, how.colours, second.h) : colours{});
     if (a.in->more() || b.in->more())
         throw failure(status::bad_input, paths[a.in->more() ? 0 : 1] + ": has more pictures than the other clip");
 }
@@ -162,12 +247,14 @@ void compare(const std::vector<std::string>& paths, const input_options& how) {
 void add_compare(CLI::App& app) {
     CLI::App* verb = app.add_subcommand("compare", "Measures how far two clips are apart: PSNR, SSD, SAD, SATD");
     struct options {
-        std::vector<std::string> paths;
+        std::vector<std::string> paths, drawn;
         input_options input;
     };
     const auto opt = std::make_shared<options>();
     verb->add_option("-i,--input,CLIP", opt->paths, "Each of the two clips; - is standard input")
         ->required()
+        ->type_name("FILE");
+    verb->add_option("-o,--output", opt->drawn, "Draw: .svg the PSNR over time, .png or .ppm what differs")
         ->type_name("FILE");
     opt->input.add_raw(*verb);
     opt->input.add_range(*verb);
@@ -177,7 +264,7 @@ void add_compare(CLI::App& app) {
         if (opt->paths.size() != 2)
             throw failure(status::wrong_use, "two clips are compared, each with a --input of its own, not " +
                                                  std::to_string(opt->paths.size()));
-        compare(opt->paths, opt->input);
+        compare(opt->paths, opt->drawn, opt->input);
     });
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // zelt keyframes: the frames of a video track, and which of them are key frames.
 #include "container.h"
+#include "drawing/drawings.h"
+#include "drawing/file.h"
 #include "interrupt.h"
 #include "output.h"
 #include "progress.h"
@@ -17,7 +19,7 @@ namespace {
 
 constexpr const char* notes = R"(
   zelt keyframes clip.mp4
-  zelt keyframes clip.mp4 | tail -n 2    # what they sum up to
+  zelt keyframes clip.mp4 timeline.svg
   zelt keyframes clip.mp4 --csv >frames.csv
 
 A line has the number of a unit, its time and bytes, whether it is a key frame
@@ -27,6 +29,11 @@ as that rule takes them.)";
 
 struct counts {
     int units = 0, key = 0, marked = 0, differing = 0;
+
+    std::string text() const {
+        return std::to_string(units) + " units, " + std::to_string(key) + " key frames; " + std::to_string(marked) +
+               " by the container, " + std::to_string(differing) + " differ";
+    }
 };
 
 /// Why the rule of a media type and the container may differ, or null where they should not.
@@ -56,7 +63,7 @@ void print_unit(bool csv, int n, const access_unit& unit, int32_t media_type, bo
                     unit.marked_key ? "yes" : "no");
 }
 
-counts list_units(container& file, bool csv, int32_t media_type) {
+counts list_units(container& file, bool csv, int32_t media_type, std::vector<frame_size>& frames) {
     counts t;
     progress line(file.units(), "units");
     for (access_unit unit; file.next(unit); ++t.units, line.tick()) {
@@ -64,6 +71,7 @@ counts list_units(container& file, bool csv, int32_t media_type) {
         line.make_way();
         const bool key = zelt_is_vkeyfrm(media_type, unit.data, unit.size);
         print_unit(csv, t.units, unit, media_type, key);
+        frames.push_back({unit.size, key, unit.marked_key});
         t.key += key;
         t.marked += unit.marked_key;
         t.differing += key != unit.marked_key;
@@ -71,7 +79,8 @@ counts list_units(container& file, bool csv, int32_t media_type) {
     return t;
 }
 
-void keyframes(const std::string& path, bool csv) {
+void keyframes(const std::string& path, const std::string& drawn, bool csv) {
+    if (!drawn.empty()) check_drawing(drawn);
     const std::unique_ptr<container> opened = open_container(path);
     container& file = *opened;
     const auto video = std::ranges::find(file.tracks(), "video", &track::kind);
@@ -86,9 +95,12 @@ void keyframes(const std::string& path, bool csv) {
                     media_type_text(media_type).c_str(),
                     file.start_codes_put_in() ? ", start codes put in place of lengths" : "", "unit", "time", "bytes",
                     "key", "container");
-    const counts t = list_units(file, csv, media_type);
+    std::vector<frame_size> frames;
+    const counts t = list_units(file, csv, media_type, frames);
+    if (!drawn.empty() && frames.empty()) throw failure(status::bad_input, path + ": has no frames to draw");
+    if (!drawn.empty()) write_drawing(drawn, timeline_drawing(frames, media_type_text(media_type) + ": " + t.text()));
     if (!csv) {
-        std::printf("%d units, %d key frames; %d by the container, %d differ\n", t.units, t.key, t.marked, t.differing);
+        std::printf("%s\n", t.text().c_str());
         if (const char* why = reason(media_type); why && t.differing) std::printf("%s\n", why);
     }
     finish_output();
@@ -99,14 +111,15 @@ void keyframes(const std::string& path, bool csv) {
 void add_keyframes(CLI::App& app) {
     CLI::App* verb = app.add_subcommand("keyframes", "Lists the frames of a video and which are key frames");
     struct options {
-        std::string in;
+        std::string in, out;
         bool csv = false;
     };
     const auto opt = std::make_shared<options>();
     verb->add_option("-i,--input,IN", opt->in, "What to read; - is standard input")->required()->type_name("FILE");
+    verb->add_option("-o,--output,OUT", opt->out, "Draw the frames by size: .svg, .png or .ppm")->type_name("FILE");
     verb->add_flag("--csv", opt->csv, "Write comma-separated values");
     verb->footer(notes);
-    verb->callback([opt] { keyframes(opt->in, opt->csv); });
+    verb->callback([opt] { keyframes(opt->in, opt->out, opt->csv); });
 }
 
 }  // namespace zelt::tool

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // zelt match: where the blocks of a picture come from in the one before, by full search.
-#include "match.h"
-
+#include "drawing/drawings.h"
+#include "drawing/file.h"
 #include "input_options.h"
 #include "interrupt.h"
 #include "output.h"
@@ -28,14 +28,15 @@ namespace {
 constexpr const char* notes = R"(
   zelt match clip.mp4 motion.png --frame 1
   zelt match clip.mp4 motion.png --block 8 --metric satd
-  zelt match clip.mp4 motion.png --csv >vectors.csv
+  zelt match clip.mp4 --csv >vectors.csv
 
 Input is what 'zelt convert' reads. Every block of a picture's luma is compared
 with all places within the range in the picture before, whose edges are
-replicated outside. Of equal costs the shortest vector wins. The picture that is
-written has the vectors as arrows, from where a block comes to where it is, and
-beside them the costs, dark for the lowest. Without --frame all pictures but the
-first are matched, into a numbered series.)";
+replicated outside. Of equal costs the shortest vector wins. --output draws the
+vectors as arrows, from where a block was to where it is, in colours by
+direction, and beside them the costs, in colours by rank; small pictures are
+enlarged. Without --frame all pictures but the first are matched, and drawn into
+a numbered series.)";
 
 struct options {
     std::string in, out, metric = "sad";
@@ -137,18 +138,38 @@ void print_row(const motion_field& field, int frame) {
                 vector, 100 * most->second / blocks);
 }
 
+/// Draws what is found, if that is wanted.
+class motion_writer {
+public:
+    motion_writer(const options& opt, const clip& about, const colours& meaning) : opt_(opt) {
+        if (opt.out.empty()) return;
+        to_pixels_.emplace(*about.fmt, format_of(ZELT_CS_BGRA8888), route::size{about.w, about.h}, meaning);
+        clip drawn = about;
+        drawn.fmt = &format_of(ZELT_CS_RGB888);
+        out_.emplace(kind_of_output("", opt.out), opt.out, drawn);
+    }
+    void write(const motion_field& field, const picture& pic, int n, bool more) {
+        if (out_) out_->write(rendered(motion_drawing(field, to_pixels_->run(pic), n, opt_.metric)), more);
+    }
+    void finish() {
+        if (out_) out_->finish();
+    }
+    std::string summary() const { return out_ ? "; " + out_->summary() : ""; }
+
+private:
+    const options& opt_;
+    std::optional<route> to_pixels_;
+    std::optional<writer> out_;
+};
+
 void match(const options& opt) {
-    const file_kind& kind = kind_of_output("", opt.out);
-    const format& rgb = asked_format(kind, "rgb888");
+    if (!opt.out.empty()) check_drawing(opt.out, false);
     const std::unique_ptr<reader> in = open_reader(opt.in, opt.input.raw);
     const clip about = in->about();
     const route::size size = {about.w, about.h};
     const colours meaning = about.fmt->yuv ? colours_of(about, opt.input.colours, about.h) : colours{};
-    route to_rgb(*about.fmt, rgb, size, meaning);
     searcher search(opt);
-    clip map = about;
-    map.fmt = &rgb, map.w = 2 * about.w;
-    writer out(kind, opt.out, map);
+    motion_writer out(opt, about, meaning);
 
     if (opt.csv)
         std::printf("picture,x,y,from_x,from_y,cost\n");
@@ -167,7 +188,7 @@ void match(const options& opt) {
         const motion_field field = search.match(*last, *before, line);
         line.make_way();
         opt.csv ? print_csv(field, n) : print_row(field, n);
-        out.write(map_of(field, to_rgb.run(pic)), opt.frame == 0 && in->more());
+        out.write(field, pic, n, opt.frame == 0 && in->more());
         ++matched;
     }
     if (!matched)
@@ -175,7 +196,7 @@ void match(const options& opt) {
                                              " (the first is 0, and is not matched)");
     out.finish();
     if (!opt.csv)
-        std::printf("%llu places, %.1f %% given up early; %s\n", static_cast<unsigned long long>(search.tried()),
+        std::printf("%llu places, %.1f %% given up early%s\n", static_cast<unsigned long long>(search.tried()),
                     100.0 * static_cast<double>(search.given_up()) / static_cast<double>(search.tried()),
                     out.summary().c_str());
     finish_output();
@@ -187,7 +208,7 @@ void add_match(CLI::App& app) {
     CLI::App* verb = app.add_subcommand("match", "Finds where the blocks of a picture come from in the one before");
     const auto opt = std::make_shared<options>();
     verb->add_option("-i,--input,IN", opt->in, "A clip; - is standard input")->required()->type_name("FILE");
-    verb->add_option("-o,--output,OUT", opt->out, "Picture of the motion")->required()->type_name("FILE");
+    verb->add_option("-o,--output,OUT", opt->out, "A picture of the motion: .png or .ppm")->type_name("FILE");
     opt->input.add_raw(*verb);
     opt->input.add_matrix(*verb);  // --range is how far to look
     verb->add_option("--block", opt->block, "Size of a block")
