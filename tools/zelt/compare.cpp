@@ -254,8 +254,7 @@ void add_compare(CLI::App& app) {
     verb->add_option("-i,--input,CLIP", opt->paths, "Each of the two clips; - is standard input")
         ->required()
         ->type_name("FILE");
-    verb->add_option("-o,--output", opt->drawn, "Draw: .svg the PSNR over time, .png or .ppm what differs")
-        ->type_name("FILE");
+    verb->add_option("-o,--output", opt->drawn, "Draw .svg: PSNR over time; .png: what differs")->type_name("FILE");
     opt->input.add_raw(*verb);
     opt->input.add_range(*verb);
     opt->input.add_matrix(*verb);
