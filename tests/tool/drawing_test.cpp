@@ -280,6 +280,8 @@ TEST_F(drawings, are_files) {
         EXPECT_TRUE(svg.starts_with("<?xml") && svg.ends_with("</svg>\n")) << name;
         EXPECT_NE(svg.find("viewBox=\"0 0 960 376\""), std::string::npos) << name;
     }
+    store("wide.raw", std::string(40000, 'a'));
+    expect_failure(zelt("match -i wide.raw --raw 20000x1:gray --range 1 -o wide.png"), 4, "32767 each way");
     expect_failure(zelt("compare -i a.y4m -i b.y4m -o none/x.svg"), 3, "none/x.svg: cannot be written");
     expect_failure(zelt("match -i a.y4m -o none/x.png"), 3, "none/x-0001.png: cannot be written");
 }

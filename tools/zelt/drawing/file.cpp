@@ -33,6 +33,10 @@ void draw(const drawing& d, canvas* created) {
 }  // namespace
 
 picture rendered(const drawing& d) {
+    constexpr int most = 32767;  // cairo's
+    if (d.w > most || d.h > most)
+        throw failure(status::unsupported, "the drawing takes " + std::to_string(d.w) + "x" + std::to_string(d.h) +
+                                               " pixels: " + std::to_string(most) + " each way are the most");
     const picture pixels(format_of(ZELT_CS_BGRA8888), d.w, d.h);
     draw(d, drawing_function<pixels_canvas>("zelt_canvas_of_pixels")(pixels));
     picture rgb(format_of(ZELT_CS_RGB888), d.w, d.h);
