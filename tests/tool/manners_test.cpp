@@ -81,8 +81,8 @@ TEST_F(manners, says_what_may_be_meant) {
         {"info a", "'zelt probe IN'"},
         {"clip.mp4 out.png", "no verb 'clip.mp4': one comes before files, such as convert"},
         {"-i clip.mp4", "a verb comes first"},
-        {"--vresion", "is it --version?"},
-        {"convert a b --skip=1 --lmit 3", "zelt convert has no option '--lmit', is it --limit? (zelt convert --help"},
+        {"--vresion", "zelt: there is no option '--vresion', is it --version?"},
+        {"convert a b --skip=1 --lmit 3", "zelt: convert has no option '--lmit', is it --limit? (zelt convert --help"},
         {"convert a b --pix=nv12", "'--pix', is it --pix-fmt?"},
         {"convert -input a b", "is it --input?"},
         {"convert -pix_fmt nv12 -i a b.raw", "'-pix_fmt', is it --pix-fmt?"},
@@ -93,7 +93,7 @@ TEST_F(manners, says_what_may_be_meant) {
         {"convert --i420 -o a b", "'--i420': give --pix-fmt yuv420"},
         {"convert a b.raw --rawvideo", "give --to raw"},
         {"convert a b.raw --md5", "the verb md5"},
-        {"md5 --i420 a", "zelt md5 has no option '--i420' (zelt md5 --help says more)"},
+        {"md5 --i420 a", "zelt: md5 has no option '--i420' (zelt md5 --help says more)"},
         {"md5 a --verfiy --limit", "is it --verify?"},
     };
     for (const auto& row : rows) {

@@ -229,6 +229,7 @@ void compare(const std::vector<std::string>& paths, const std::vector<std::strin
         line.tick();
     }
     if (!n) throw failure(status::bad_input, "there are no two pictures to compare");
+    line.make_way();
     all.print("all", bits);
     if (first < 0)
         std::printf("no picture differs\n");

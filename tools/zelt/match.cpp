@@ -195,6 +195,7 @@ void match(const options& opt) {
         throw failure(status::bad_input, opt.in + ": has no picture " + std::to_string(std::max(opt.frame, 1)) +
                                              " (the first is 0, and is not matched)");
     out.finish();
+    line.make_way();
     if (!opt.csv)
         std::printf("%llu places, %.1f %% given up early%s\n", static_cast<unsigned long long>(search.tried()),
                     100.0 * static_cast<double>(search.given_up()) / static_cast<double>(search.tried()),

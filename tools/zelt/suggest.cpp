@@ -117,15 +117,17 @@ bool applies(const CLI::App& of, std::string_view advice) {
 }
 
 [[noreturn]] void no_option(const CLI::App& of, const std::string& typed) {
-    const std::string call = of.get_parent() ? "zelt " + of.get_name() : "zelt", help = call + " --help";
-    const std::string name = typed.substr(0, typed.find('=')), text = call + " has no option '" + name + "'";
+    const bool verb = of.get_parent();
+    const std::string help = verb ? "zelt " + of.get_name() + " --help" : "zelt --help";
+    const std::string name = typed.substr(0, typed.find('='));
+    const std::string text = (verb ? of.get_name() + " has" : "there is") + " no option '" + name + "'";
     for (const habit& h : of_options)
         if (h.typed == name && applies(of, h.advice)) fail(text + ": " + h.advice, help);
     std::vector<std::string> names;
     for (const CLI::Option* option : of.get_options())
         names.insert(names.end(), option->get_lnames().begin(), option->get_lnames().end());
     const std::string best = nearest(long_name(typed), names);
-    if (best.empty() && !of.get_parent()) fail(text + ": a verb comes first, such as convert", help);
+    if (best.empty() && !verb) fail(text + ": a verb comes first, such as convert", help);
     fail(text + (best.empty() ? "" : ", is it --" + best + "?"), help);
 }
 
