@@ -25,6 +25,8 @@ figures=$(find docs -name '*.svg' -o -name '*.png' | paste -sd' ')
     echo "HTML_EXTRA_FILES = $figures"
 } | doxygen -
 scripts/docs.py check "$out/doc"
+# A line that starts with a quote is a request.
+sed -i "s/^'/\\\\\&&/" "$out"/man/man3/*.3
 # What is not in a group, and data, has a link to a page that is not made.
 for page in "$out"/man/man3/*; do
     target=$(sed -n '1s/^\.so //p' "$page")
