@@ -24,6 +24,11 @@ bench_packages=("${build_packages[@]}" libaom-dev libavutil-dev libbenchmark-dev
 abi_packages=("${build_packages[@]}" g++-arm-linux-gnueabi abigail-tools)
 fuzz_packages=(clang cmake libclang-rt-14-dev ninja-build googletest libgtest-dev)
 count_packages=("${arm_packages[@]}" qemu-user g++ cmake ninja-build python3)
+# the Debian packages: debian/control, and what checks them
+package_packages=("${build_packages[@]}" autopkgtest debhelper dh-python doxygen doxygen-awesome-css libavcodec-dev
+    libavformat-dev libgstreamer-plugins-base1.0-dev libgtest-dev lintian mmdebstrap pybuild-plugin-pyproject python3-all
+    python3-setuptools python3-wheel)
+release_packages=("${build_packages[@]}" mmdebstrap python3 xz-utils)
 instruction_packages=("${count_packages[@]}" "${armhf_packages[@]}" clang llvm-19 dpkg-dev)
 }
 
@@ -44,4 +49,20 @@ need() {
     echo "Installing ${missing[*]}"
     "${sudo[@]}" apt-get update -qq
     "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# inside: what runs a script for sh in the new Debian of new_debian's hooks, where $1 is its folder; nothing of the host's
+# environment comes along.
+# shellcheck disable=SC2016,SC2034
+inside='chroot "$1" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin DEBIAN_FRONTEND=noninteractive sh -exc'
+# new_debian OPTION...: a new Debian of the host's release, made from the host's package sources in a temporary folder. It
+# lives as long as the hooks among mmdebstrap's options run.
+new_debian() {
+    local release list sources=()
+    need mmdebstrap
+    release=$(. /etc/os-release && echo "$VERSION_CODENAME")
+    for list in /etc/apt/sources.list /etc/apt/sources.list.d/*.{list,sources}; do
+        if [ -e "$list" ]; then sources+=("$list"); fi
+    done
+    mmdebstrap --quiet --variant=apt --format=null --dpkgopt=force-unsafe-io "$@" "$release" /dev/null "${sources[@]}"
 }
