@@ -19,6 +19,12 @@
 #define ZELT_BACK_END "simd/neon.h"
 #define ZELT_LANES 16
 #define ZELT_REGISTER "w"
+#elif defined(__wasm_simd128__)
+#define ZELT_LEVEL simd128
+#define ZELT_LEVEL_TEXT "wasm-simd128"
+#define ZELT_BACK_END "simd/wasm.h"
+#define ZELT_LANES 16
+#define ZELT_REGISTER "r"
 #elif defined(__AVX2__)
 #define ZELT_LEVEL v3
 #define ZELT_LEVEL_TEXT "x86-64-v3"
