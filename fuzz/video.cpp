@@ -21,8 +21,7 @@ const video_format* format(fuzz::input& in, ZELT_VIDEO& v, int32_t ZELT_VIDEO::*
     const int i = value(in, static_cast<int>(all.size()));
     const bool known = i >= 0 && i < static_cast<int>(all.size());
     v.*cs = known ? all[static_cast<std::size_t>(i)].cs : i;
-    const auto found = std::ranges::find(all, v.*cs, &video_format::cs);
-    return found == all.end() ? nullptr : &*found;
+    return video_format_of(v.*cs);
 }
 bool can_turn(const video_format* to, int turn) {
     return turn >= 0 && turn < 8 && !(turn && to && to->packed()) && !(turn % 2 && to && to->half_w != to->half_h);
@@ -39,7 +38,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const auto below = [](int value, int count) { return value >= 0 && value < count; };
     const bool supported = from && to && converts(*from, *to) && below(v.matrix, 3) && below(v.range, 2) &&
                            below(v.chroma, 2) && below(v.filter, 2) && can_turn(to, v.turn) &&
-                           std::ranges::count(v.reserved, 0) == 7;
+                           std::count(std::begin(v.reserved), std::end(v.reserved), 0) == 7;
     fuzz::require(zelt_video_init(&v) == (supported ? ZELT_OK : ZELT_ERR_UNSUPPORTED));
     if (!supported) return 0;
 

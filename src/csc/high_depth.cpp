@@ -42,7 +42,7 @@ struct words_to_bytes : planes<1> {
     template <class V, class Place> V get(Place place) {
         wide_of<V> v;
         place.load_word(p[0], v);
-        return low_q2_ordered(v);
+        return fast::low_q2_ordered(v);
     }
 };
 struct byte_plane : planes<1> {

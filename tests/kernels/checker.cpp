@@ -201,7 +201,7 @@ private:
 
     static std::string difference(const placed& m) {
         const auto [ours, theirs] = std::mismatch(m.copy.begin(), m.copy.end(), m.start());
-        if (ours == m.copy.end()) return {};
+        if (ours == m.copy.end()) return m.memory->is_intact() ? "" : ": memory beyond the guards is not as it was";
         return ": byte " + std::to_string(theirs - m.block.p) + " (stride " + std::to_string(m.block.stride) + ") is " +
                std::to_string(*theirs) + ", not " + std::to_string(*ours);
     }

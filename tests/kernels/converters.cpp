@@ -15,7 +15,7 @@ const layout& layout_of(const std::string& name) {
         {"rgb565", {"lh"}},     {"rgb565a8", {"lh", "3"}},   {"rgba5658", {"lh3"}},
         {"bgr888", {"210"}},
     };
-    return *std::ranges::find(layouts, name, &layout::name);
+    return *std::find_if(std::begin(layouts), std::end(layouts), [&](const layout& l) { return l.name == name; });
 }
 
 components layout::read(const u8* const* p) const {

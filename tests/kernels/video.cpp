@@ -36,6 +36,12 @@ const std::vector<video_format>& video_formats() {
     return all;
 }
 
+const video_format* video_format_of(int cs) {
+    const auto& all = video_formats();
+    const auto found = std::find_if(all.begin(), all.end(), [=](const video_format& f) { return f.cs == cs; });
+    return found == all.end() ? nullptr : &*found;
+}
+
 int video_format::channels() const { return cs == ZELT_CS_YUV400 ? 1 : samples[0].step ? 3 : 0; }
 
 bool converts(const video_format& from, const video_format& to) {

@@ -19,6 +19,8 @@ struct video_format {
     std::vector<operand> operands(shape s, bool written) const;
 };
 const std::vector<video_format>& video_formats();
+/// The one with this identifier, null where there is none
+const video_format* video_format_of(int cs);
 
 /// Whether there is a conversion
 bool converts(const video_format& from, const video_format& to);

@@ -93,7 +93,8 @@ void model_placed(const ZELT_VIDEO& v, const video_format& from, shape s, const 
             if (from.channels() == 1 || to.channels() == 1) return f.channels() == 1;
             return f.channels() == 3 && f.bits == 8 && f.half_w == to.half_w && f.half_h == to.half_h;
         };
-        const video_format& between = *std::ranges::find_if(video_formats(), has);  // planar ones come first
+        const auto& formats = video_formats();
+        const video_format& between = *std::find_if(formats.begin(), formats.end(), has);  // planar ones come first
         held resized(between, upright);
         for (int c = 0; c < static_cast<int>(resized.planes.size()); ++c) {
             const shape size = c ? halved(s, from) : s, new_size = c ? halved(upright, between) : upright;
