@@ -118,8 +118,11 @@ export function converters(library) {
 
         #call(from, to) {
             const arrays = this.address + 4 * RECORD;
-            const columns = [from, to].flatMap((planes) => [planes.map((p) => p.offset), planes.map((p) => p.stride)]);
-            columns.forEach((column, i) => library.words.set(column, arrays / 4 + 4 * i));
+            const words = library.words.subarray(arrays / 4, arrays / 4 + ARRAYS).fill(0);  // null: there is no such plane
+            [from, to].forEach((planes, side) => planes.forEach(({ offset, stride }, i) => {
+                words[8 * side + i] = offset;
+                words[8 * side + 4 + i] = stride;
+            }));
             const [source, strides, target, targetStrides] = [0, 16, 32, 48].map((offset) => arrays + offset);
             if (this.#function)
                 this.#function(source, ...this.size, strides, this.#source.cs, target, ...this.resultSize, targetStrides,

@@ -3,10 +3,15 @@
 
 /** The bytes of a view or a buffer, without a copy */
 export function bytesOf(data) {
-    if (ArrayBuffer.isView(data)) return new Uint8Array(data.buffer, data.byteOffset, data.byteLength);
-    if (data instanceof ArrayBuffer || (typeof SharedArrayBuffer !== "undefined" && data instanceof SharedArrayBuffer))
-        return new Uint8Array(data);
-    throw new TypeError(`bytes are a typed array, a DataView or a buffer, not ${data === null ? null : typeof data}`);
+    const { buffer, byteOffset, byteLength } = ArrayBuffer.isView(data) ? data : { buffer: data };
+    const isBuffer = [globalThis.ArrayBuffer, globalThis.SharedArrayBuffer].some((Kind) => Kind && buffer instanceof Kind);
+    if (!isBuffer)
+        throw new TypeError(`bytes are a typed array, a DataView or a buffer, not ${data === null ? null : typeof data}`);
+    try {
+        return new Uint8Array(buffer, byteOffset, byteLength);
+    } catch {
+        throw new TypeError("this view is detached, as those of the module's memory are after it has grown: take it anew");
+    }
 }
 
 export class Library {

@@ -65,7 +65,7 @@ export function planesOf(library, frame, what = "the picture") {
         const end = offset + (rows - 1) * stride + rowBytes;
         if (end > bytes.length)
             throw new RangeError(`${what}, ${width} x ${height} pixels of ${format.name}, has ${end} bytes, but its data ` +
-                (bytes.length ? `${bytes.length}` : "none: a view is detached when the module's memory grows"));
+                bytes.length);
     });
     return picture;
 }
