@@ -18,6 +18,12 @@ rm -rf $package
 mkdir -p $package out
 cp -r bindings/wasm/. LICENSE build/wasm32/bindings/wasm/*.wasm $package
 export ZELT=$PWD/build/x86-64/tools/zelt/zelt
+if [ "${1-}" = --bench ]; then
+    cmake --build --preset x86-64 --target zelt_static -- --quiet
+    c++ -std=c++20 -O3 -Wno-attributes -Iinclude bindings/wasm/bench/native.cpp build/x86-64/libzelt.a -o build/npm-native
+    npm --silent install --no-save --prefix $package yuv-buffer@1.0.1 yuv-canvas@1.3.0
+    exec node $package/bench/bench.js build/npm-native docs/performance.md
+fi
 (cd $package && npm --silent test)
 rm -f out/libzelt-*.tgz
 npm pack ./$package --pack-destination out

@@ -2,12 +2,50 @@
 
 /** Names of formats: the command-line tool's, or FFmpeg's of the same layout. */
 export type Format =
-    | "yuv400" | "yuv420" | "yuv422" | "yuv440" | "yuv444" | "yuv444a8" | "nv12" | "nv21" | "nv16" | "yuyv" | "uyvy"
-    | "p010" | "p210" | "p410" | "p010le" | "p210le"
-    | "rgb565" | "rgb888" | "bgr888" | "rgba5658" | "rgba8888" | "bgra8888" | "argb8888"
-    | "r8g8b8" | "r8g8b8a8" | "r10g10b10" | "rgb565a8"
-    | "gray" | "yuv420p" | "yuv422p" | "yuv440p" | "yuv444p" | "yuva444p" | "yuyv422" | "uyvy422"
-    | "yuv420p10le" | "yuv422p10le" | "yuv444p10le" | "rgb565le" | "rgb24" | "bgr24" | "rgba" | "bgra" | "argb";
+    | "yuv400"
+    | "yuv420"
+    | "yuv422"
+    | "yuv440"
+    | "yuv444"
+    | "yuv444a8"
+    | "nv12"
+    | "nv21"
+    | "nv16"
+    | "yuyv"
+    | "uyvy"
+    | "p010"
+    | "p210"
+    | "p410"
+    | "p010le"
+    | "p210le"
+    | "rgb565"
+    | "rgb888"
+    | "bgr888"
+    | "rgba5658"
+    | "rgba8888"
+    | "bgra8888"
+    | "argb8888"
+    | "r8g8b8"
+    | "r8g8b8a8"
+    | "r10g10b10"
+    | "rgb565a8"
+    | "gray"
+    | "yuv420p"
+    | "yuv422p"
+    | "yuv440p"
+    | "yuv444p"
+    | "yuva444p"
+    | "yuyv422"
+    | "uyvy422"
+    | "yuv420p10le"
+    | "yuv422p10le"
+    | "yuv444p10le"
+    | "rgb565le"
+    | "rgb24"
+    | "bgr24"
+    | "rgba"
+    | "bgra"
+    | "argb";
 
 export type Size = readonly [width: number, height: number];
 export type Bytes = ArrayBufferView | ArrayBufferLike;
@@ -32,7 +70,7 @@ export interface Frame {
 
 /** A frame that a function made, without gaps: `new ImageData(rgba.data, rgba.width)` takes one of rgba8888. */
 export interface NewFrame extends Frame {
-    data: Uint8Array | Uint8ClampedArray;  // clamped if it is rgba8888
+    data: Uint8Array | Uint8ClampedArray; // clamped if it is rgba8888
     format: Format;
 }
 
@@ -152,7 +190,7 @@ export interface BitReader extends Owner {
     readTe(largest: number): number;
 }
 
-/** The library in an instance of the module. Errors are TypeErrors and RangeErrors whose sentence says what would do. */
+/** The library in an instance of the module. Errors are TypeErrors and RangeErrors that say what would do. */
 export interface Zelt {
     /** Which form of the kernels runs, such as "wasm-simd128" or "scalar" */
     readonly kernels: string;
@@ -184,8 +222,8 @@ export interface Zelt {
     /** The digest of bytes, or of a frame's samples without gaps between rows, in hexadecimal */
     md5(data: Bytes | Frame): string;
     readonly BitReader: new (data: Bytes) => BitReader;
-    /** What a container's code stands for: a FourCC of four characters or a number, its first character lowest, or a
-     *  WAVE format tag. `kind` looks in that class alone. */
+    /** What a container's code stands for: a FourCC of four characters, the number that they are with the first one
+     *  lowest, or a WAVE format tag. `kind` looks in that class alone. */
     mediaType(code: string | number, kind?: "video" | "audio" | "subtitle" | "drm"): MediaType;
     /** Whether a compressed frame is intra coded, so that decoding can start there. `codec`: the name or value of a
      *  MediaType of video. `data`: as a container delivers it, H.264 and HEVC with start codes. */

@@ -2,7 +2,10 @@
 // Bit fields and Exp-Golomb codes, most significant bit first.
 import { Owner } from "./memory.js";
 
-const RECORD = 28, LEFT = 1, CURRENT = 2, BEGIN = 4;  // bytes of ZELT_BSR, and words in it
+const RECORD = 28,
+    LEFT = 1,
+    CURRENT = 2,
+    BEGIN = 4; // bytes of ZELT_BSR, and words in it
 
 export function bitReaders(library) {
     const { calls } = library;
@@ -11,8 +14,10 @@ export function bitReaders(library) {
         #length;
 
         constructor(data) {
-            const held = library.hold(data), { length } = held();
-            if (length >= 2 ** 28) throw new RangeError("a reader takes less than 2^28 bytes at once: pass a part of them");
+            const held = library.hold(data),
+                { length } = held();
+            if (length >= 2 ** 28)
+                throw new RangeError("a reader takes less than 2^28 bytes at once: pass a part of them");
             super(library, RECORD + length);
             this.#length = length;
             library.bytes.set(held(), this.address + RECORD);
@@ -58,7 +63,8 @@ export function bitReaders(library) {
         }
 
         readUe() {
-            const start = this.position, record = this.address / 4;
+            const start = this.position,
+                record = this.address / 4;
             const before = library.words.slice(record, record + CURRENT + 1);
             const value = calls.zelt_bsr_read_ue(this.address) >>> 0;
             const length = 63 - 2 * Math.clz32(value + 1);
@@ -71,7 +77,7 @@ export function bitReaders(library) {
 
         readSe() {
             const index = this.readUe();
-            return index % 2 ? (index + 1) / 2 : 0 - index / 2;  // not -0
+            return index % 2 ? (index + 1) / 2 : 0 - index / 2; // not -0
         }
 
         readTe(largest) {

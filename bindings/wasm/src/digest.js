@@ -2,7 +2,9 @@
 // MD5 digests of bytes and pictures.
 import { planesOf } from "./pictures.js";
 
-const RECORD = 88, DIGEST = 16, PIECE = 1 << 20;
+const RECORD = 88,
+    DIGEST = 16,
+    PIECE = 1 << 20;
 
 export function digests(library) {
     const { calls } = library;
@@ -18,9 +20,11 @@ export function digests(library) {
 
     function md5(data) {
         const isFrame = Boolean(data) && typeof data === "object" && "data" in data;
-        const held = library.hold(isFrame ? data.data : data), runs = runsOf(data, isFrame, held().length);
+        const held = library.hold(isFrame ? data.data : data),
+            runs = runsOf(data, isFrame, held().length);
         return library.borrow(RECORD + DIGEST + PIECE, (record) => {
-            const digest = record + RECORD, room = digest + DIGEST;
+            const digest = record + RECORD,
+                room = digest + DIGEST;
             calls.zelt_md5_init(record);
             for (const [from, to] of runs)
                 for (let start = from; start < to; start += PIECE) {

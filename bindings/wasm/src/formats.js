@@ -13,11 +13,12 @@ class PixelFormat {
         this.yuv = "ynup".includes(name[0]);
     }
 
-    /** Of each plane its rows, the bytes of one, and where it begins if planes lie back to back; halves are rounded up */
+    /** Of each plane its rows, the bytes of one, and its place if planes lie back to back; halves are rounded up */
     shapes(width, height) {
         let offset = 0;
         return this.planes.map(({ bytes, right, down }) => {
-            const rows = (height + down) >> down, rowBytes = ((width + right) >> right) * bytes;
+            const rows = (height + down) >> down,
+                rowBytes = ((width + right) >> right) * bytes;
             offset += rows * rowBytes;
             return { rows, rowBytes, offset: offset - rows * rowBytes };
         });
@@ -27,8 +28,7 @@ class PixelFormat {
         for (const length of [width, height])
             if (!Number.isInteger(length))
                 throw new TypeError(`a size is two whole numbers, [width, height], not ${width} x ${height}`);
-        if (width < 1 || height < 1)
-            throw new RangeError(`a picture has at least one pixel, not ${width} x ${height}`);
+        if (width < 1 || height < 1) throw new RangeError(`a picture has at least one pixel, not ${width} x ${height}`);
         if (width * height >= 2 ** 31)
             throw new RangeError(`the module's memory of 2 GiB has no room for ${width} x ${height} pixels`);
         if (["yuyv", "uyvy"].includes(this.name) && width % 2)
@@ -66,7 +66,12 @@ export const FORMATS = [
     ["rgb565a8", "", 650, [plane(2), plane(1)]],
 ].map((row) => new PixelFormat(...row));
 
-const byName = new Map(FORMATS.flatMap((f) => [[f.name, f], [f.alias, f]]));
+const byName = new Map(
+    FORMATS.flatMap((f) => [
+        [f.name, f],
+        [f.alias, f],
+    ]),
+);
 byName.delete("");
 
 /** The format of a name, the tool's or FFmpeg's */
@@ -79,7 +84,10 @@ export function named(name) {
 
 export const formats = () => Object.fromEntries(FORMATS.map((f) => [f.name, f.alias]));
 
-/** The entry of a table of choices */
+/** A table of choices, which the library numbers */
+export const numbered = (...keys) => new Map(keys.map((key, i) => [key, i]));
+
+/** The entry of such a table */
 export function choice(what, values, key) {
     if (!values.has(key)) {
         const quoted = (value) => (typeof value === "string" ? `'${value}'` : String(value));

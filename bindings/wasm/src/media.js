@@ -3,6 +3,7 @@
 import { choice } from "./formats.js";
 
 /** ZELT_MT_* of zelt/fcc2mt.h */
+// prettier-ignore
 export const TYPES = {
     video: {
         mpeg4: 102, h263: 103, h264: 104, wmv1: 105, wmv2: 106, wmv3: 107, div3: 110, rv10: 113, rv20: 114, rv30: 115,
@@ -15,14 +16,18 @@ export const TYPES = {
     drm: { divx: 1100, unknown: 1299 },
     subtitle: { srt: 3000, tx3g: 3006, ass: 3007, ssa: 3008, unknown: 3199 },
 };
-const TYPE_LIST = Object.entries(TYPES).flatMap(
-    ([kind, names]) => Object.entries(names).map(([name, value]) => ({ kind, name, value })));
+const TYPE_LIST = Object.entries(TYPES).flatMap(([kind, names]) =>
+    Object.entries(names).map(([name, value]) => ({ kind, name, value })),
+);
 
 export function mediaFunctions(library) {
     const { calls } = library;
     const byKind = new Map([
-        ["video", calls.zelt_fcc2mt_vid], ["audio", calls.zelt_fcc2mt_aud], ["subtitle", calls.zelt_fcc2mt_sub],
-        ["drm", calls.zelt_fcc2mt_drm], [undefined, calls.zelt_fcc2mt],
+        ["video", calls.zelt_fcc2mt_vid],
+        ["audio", calls.zelt_fcc2mt_aud],
+        ["subtitle", calls.zelt_fcc2mt_sub],
+        ["drm", calls.zelt_fcc2mt_drm],
+        [undefined, calls.zelt_fcc2mt],
     ]);
 
     function mediaType(code, kind) {
@@ -32,15 +37,22 @@ export function mediaFunctions(library) {
             code = [...code].reduceRight((number, character) => number * 256 + (character.charCodeAt(0) & 255), 0);
         }
         const value = find(code);
-        return { ...TYPE_LIST.find((type) => type.value === value) ?? { kind: "unknown", name: "unknown", value } };
+        return { ...(TYPE_LIST.find((type) => type.value === value) ?? { kind: "unknown", name: "unknown", value }) };
     }
 
     function isKeyFrame(codec, data) {
         const value = typeof codec === "number" ? codec : TYPES.video[codec];
         if (value === undefined)
-            throw new RangeError(`no video is called '${codec}'; there are ` +
-                Object.keys(TYPES.video).filter((name) => name !== "unknown").join(", "));
-        return library.lend(data, (address, length) => length > 0 && calls.zelt_is_vkeyfrm(value, address, length) === 1);
+            throw new RangeError(
+                `no video is called '${codec}'; there are ` +
+                    Object.keys(TYPES.video)
+                        .filter((name) => name !== "unknown")
+                        .join(", "),
+            );
+        return library.lend(
+            data,
+            (address, length) => length > 0 && calls.zelt_is_vkeyfrm(value, address, length) === 1,
+        );
     }
     return { mediaType, isKeyFrame };
 }

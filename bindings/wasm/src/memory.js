@@ -4,13 +4,19 @@
 /** The bytes of a view or a buffer, without a copy */
 export function bytesOf(data) {
     const { buffer, byteOffset, byteLength } = ArrayBuffer.isView(data) ? data : { buffer: data };
-    const isBuffer = [globalThis.ArrayBuffer, globalThis.SharedArrayBuffer].some((Kind) => Kind && buffer instanceof Kind);
+    const isBuffer = [globalThis.ArrayBuffer, globalThis.SharedArrayBuffer].some(
+        (Kind) => Kind && buffer instanceof Kind,
+    );
     if (!isBuffer)
-        throw new TypeError(`bytes are a typed array, a DataView or a buffer, not ${data === null ? null : typeof data}`);
+        throw new TypeError(
+            `bytes are a typed array, a DataView or a buffer, not ${data === null ? null : typeof data}`,
+        );
     try {
         return new Uint8Array(buffer, byteOffset, byteLength);
     } catch {
-        throw new TypeError("this view is detached, as those of the module's memory are after it has grown: take it anew");
+        throw new TypeError(
+            "this view is detached, as those of the module's memory are after it has grown: take it anew",
+        );
     }
 }
 
@@ -27,7 +33,7 @@ export class Library {
     }
 
     #view() {
-        if (this.#bytes?.buffer === this.memory.buffer) return;  // another one if the memory has grown
+        if (this.#bytes?.buffer === this.memory.buffer) return; // another one if the memory has grown
         this.#bytes = new Uint8Array(this.memory.buffer);
         this.#words = new Int32Array(this.memory.buffer);
     }
@@ -53,7 +59,7 @@ export class Library {
     }
 
     allocate(size) {
-        const address = size < 2 ** 31 ? this.calls.malloc(size) : 0;
+        const address = size < 2 ** 31 ? this.calls.malloc(size || 1) : 0;
         if (!address) throw new RangeError(`the module's memory, at most 2 GiB, has no room for ${size} bytes`);
         return address;
     }
@@ -70,14 +76,16 @@ export class Library {
 
     /** A caller's bytes whenever they are asked for: those in the module have another buffer after it has grown */
     hold(data) {
-        const bytes = bytesOf(data), { byteOffset, length } = bytes;
+        const bytes = bytesOf(data),
+            { byteOffset, length } = bytes;
         return bytes.buffer === this.memory.buffer ? () => this.view(byteOffset, length) : () => bytes;
     }
 
     /** What `use` returns, which has a copy of bytes meanwhile */
     lend(data, use) {
-        const held = this.hold(data), { length } = held();
-        return this.borrow(length + 1, (address) => {  // which is not 0
+        const held = this.hold(data),
+            { length } = held();
+        return this.borrow(length, (address) => {
             this.bytes.set(held(), address);
             return use(address, length);
         });

@@ -17,12 +17,6 @@ export const lengthOf = (format, width, height) =>
 const backToBack = (format, width, height, from = 0) =>
     format.shapes(width, height).map(({ offset, rowBytes }) => ({ offset: from + offset, stride: rowBytes }));
 
-/** A frame in new memory, which is not the module's */
-export function newFrame(format, width, height) {
-    const Data = format.name === "rgba8888" ? Uint8ClampedArray : Uint8Array;  // as ImageData wants it
-    return { data: new Data(lengthOf(format, width, height)), width, height, format: format.name };
-}
-
 /** A picture as the functions below take it: a format and a size, `bytes`, and of each plane where it begins in them,
  *  stride, rows and rowBytes. `address` is that of the first byte if they are the module's, else null; `span` is where
  *  the bytes begin and end in their buffer. */
@@ -37,7 +31,8 @@ export class Planes {
         this.planes.forEach(({ offset, stride, rows, rowBytes }, i) => {
             const to = other.planes[i];
             const gaps = stride !== rowBytes || to.stride !== rowBytes;
-            const pieces = gaps ? rows : 1, length = gaps ? rowBytes : rows * rowBytes;
+            const pieces = gaps ? rows : 1,
+                length = gaps ? rowBytes : rows * rowBytes;
             for (let y = 0; y < pieces; ++y) {
                 const start = offset + y * stride;
                 other.bytes.set(this.bytes.subarray(start, start + length), to.offset + y * to.stride);
@@ -51,27 +46,35 @@ export function planesOf(library, frame, what = "the picture") {
     if (!frame || typeof frame !== "object" || !("data" in frame))
         throw new TypeError(`${what} is a frame, { data, width, height, format }, or ImageData`);
     const { data, width, height, format: name = "rgba8888" } = frame;
-    const format = named(name), bytes = bytesOf(data);
+    const format = named(name),
+        bytes = bytesOf(data);
     format.checkSize(width, height);
     const layout = frame.layout ?? backToBack(format, width, height);
     if (layout.length !== format.planes.length)
-        throw new RangeError(`${format.name} has ${format.planes.length} planes, the layout of ${what} ${layout.length}`);
+        throw new RangeError(
+            `${format.name} has ${format.planes.length} planes, the layout of ${what} ${layout.length}`,
+        );
     const inModule = bytes.buffer === library.memory.buffer;
     const picture = new Planes(format, width, height, bytes, layout, inModule ? bytes.byteOffset : null);
     picture.planes.forEach(({ offset, stride, rows, rowBytes }, i) => {
         if (!Number.isInteger(offset) || !Number.isInteger(stride) || offset < 0 || stride < rowBytes)
-            throw new RangeError(`plane ${i} of ${what} has rows of ${rowBytes} bytes, its layout an offset of ${offset} ` +
-                `and a stride of ${stride}`);
+            throw new RangeError(
+                `plane ${i} of ${what} has rows of ${rowBytes} bytes, its layout an offset of ${offset} ` +
+                    `and a stride of ${stride}`,
+            );
         const end = offset + (rows - 1) * stride + rowBytes;
         if (end > bytes.length)
-            throw new RangeError(`${what}, ${width} x ${height} pixels of ${format.name}, has ${end} bytes, but its data ` +
-                bytes.length);
+            throw new RangeError(
+                `${what}, ${width} x ${height} pixels of ${format.name}, has ${end} bytes, but its data ` +
+                    bytes.length,
+            );
     });
     return picture;
 }
 
-/** Those of a frame that a caller gave to be written: of the right format and size, and apart from the source */
+/** What is to be written: a caller's `out`, of the right format and size and apart from the source, or a new picture */
 export function resultPlanesOf(library, out, format, width, height, source) {
+    if (!out) return { format, width, height, address: null };
     const result = planesOf(library, out, "out");
     if (result.format !== format) throw new RangeError(`out is ${result.format.name}, the result ${format.name}`);
     if (result.width !== width || result.height !== height)
@@ -84,9 +87,24 @@ export function resultPlanesOf(library, out, format, width, height, source) {
 
 /** The same picture as the library reaches it: where it is, or, if it is not in the module, in `room` for it there */
 export function placed(library, { format, width, height, planes, address }, room) {
-    const layout = address === null ? backToBack(format, width, height, room)
-        : planes.map(({ offset, stride }) => ({ offset: address + offset, stride }));
+    const layout =
+        address === null
+            ? backToBack(format, width, height, room)
+            : planes.map(({ offset, stride }) => ({ offset: address + offset, stride }));
     return new Planes(format, width, height, library.bytes, layout);
+}
+
+/** The frame that a caller gets of a result that was placed: `out`, or a copy in new memory */
+export function frameOf(out, result, there) {
+    if (out) {
+        if (result.address === null) there.copyTo(result);
+        return out;
+    }
+    const { format, width, height, bytes, planes } = there,
+        from = planes[0].offset;
+    const data = bytes.slice(from, from + lengthOf(format, width, height));
+    const clamped = format.name === "rgba8888"; // as ImageData wants it
+    return { data: clamped ? new Uint8ClampedArray(data.buffer) : data, width, height, format: format.name };
 }
 
 export function pictures(library) {
@@ -94,7 +112,8 @@ export function pictures(library) {
         #length;
 
         constructor(name, size) {
-            const format = named(name), [width, height] = sizeOf(size);
+            const format = named(name),
+                [width, height] = sizeOf(size);
             format.checkSize(width, height);
             const length = lengthOf(format, width, height);
             super(library, length);

@@ -9,16 +9,26 @@ import { load } from "libzelt";
 import { assertBytes, noise, testEach, throws } from "./helpers.js";
 
 testEach("ten thousand calls leave no memory behind", (zelt) => {
-    const frame = noise("nv12", 64, 48), grey = noise("gray", 64, 48), bytes = new Uint8Array(1000);
-    const converter = new zelt.Converter("nv12", "rgba", [64, 48]), out = converter.convert(frame);
+    const frame = noise("nv12", 64, 48),
+        grey = noise("gray", 64, 48),
+        bytes = new Uint8Array(1000);
+    const converter = new zelt.Converter("nv12", "rgba", [64, 48]),
+        out = converter.convert(frame);
     const own = (Owner, ...args) => {
         const owner = new Owner(...args);
         owner.free();
     };
     const calls = [
-        () => converter.convert(frame, out), () => zelt.convert(frame, "rgb24", { size: [32, 32] }), () => zelt.resize(out, [20, 10]),
-        () => zelt.sadMap(grey, grey, { block: 8 }), () => zelt.motion(grey, grey), () => zelt.md5(frame), () => own(zelt.BitReader, bytes),
-        () => own(zelt.Picture, "nv12", [64, 64]), () => own(zelt.Converter, "nv12", "rgba", [64, 48]), () => zelt.isKeyFrame("h264", bytes),
+        () => converter.convert(frame, out),
+        () => zelt.convert(frame, "rgb24", { size: [32, 32] }),
+        () => zelt.resize(out, [20, 10]),
+        () => zelt.sadMap(grey, grey, { block: 8 }),
+        () => zelt.motion(grey, grey),
+        () => zelt.md5(frame),
+        () => own(zelt.BitReader, bytes),
+        () => own(zelt.Picture, "nv12", [64, 64]),
+        () => own(zelt.Converter, "nv12", "rgba", [64, 48]),
+        () => zelt.isKeyFrame("h264", bytes),
         () => throws(() => zelt.convert(frame, "rgb565a8"), RangeError, /nothing converts/),
         () => throws(() => converter.convert(grey), RangeError, /this converter is for/),
     ];
@@ -29,11 +39,16 @@ testEach("ten thousand calls leave no memory behind", (zelt) => {
 });
 
 test("frames survive the memory's growth", async () => {
-    const zelt = await load(), frame = noise("yuv420", 64, 48), want = zelt.convert(frame, "rgba").data;
-    const source = new zelt.Picture("yuv420", [64, 48]), result = new zelt.Picture("rgba", [64, 48]);
+    const zelt = await load(),
+        frame = noise("yuv420", 64, 48),
+        want = zelt.convert(frame, "rgba").data;
+    const source = new zelt.Picture("yuv420", [64, 48]),
+        result = new zelt.Picture("rgba", [64, 48]);
     source.data.set(frame.data);
-    const converter = new zelt.Converter("yuv420", "rgba", [64, 48]), reader = new zelt.BitReader(frame.data);
-    const stale = source.data, large = new zelt.Picture("rgba", [2000, 2000]);
+    const converter = new zelt.Converter("yuv420", "rgba", [64, 48]),
+        reader = new zelt.BitReader(frame.data);
+    const stale = source.data,
+        large = new zelt.Picture("rgba", [2000, 2000]);
     assert.equal(stale.length, 0);
     throws(() => zelt.convert({ ...frame, data: stale }, "rgba"), TypeError, /detached, .* take it anew/);
     assertBytes(converter.convert(source, result).data, want, "after growth");

@@ -12,7 +12,8 @@ export const ROOT = fileURLToPath(new URL("../../../", import.meta.url));
 
 /** The package over both modules, and a test of each */
 export const modules = await Promise.all([load({ simd: true }), load({ simd: false })]);
-export const testEach = (name, run) => modules.forEach((zelt) => test(`${name} (${zelt.kernels})`, (t) => run(zelt, t)));
+export const testEach = (name, run) =>
+    modules.forEach((zelt) => test(`${name} (${zelt.kernels})`, (t) => run(zelt, t)));
 
 /** Runs the command-line tool, which the variable ZELT names */
 export const tool = (...args) => execFileSync(process.env.ZELT, args.map(String), { encoding: "utf8", stdio: "pipe" });
@@ -30,7 +31,8 @@ export function random(seed) {
 
 /** A frame of noise; samples of 10 bits are within their range */
 export function noise(format, width, height, seed = 1) {
-    const next = random(seed), { name, planes, shapes } = FORMATS.find((f) => [f.name, f.alias].includes(format));
+    const next = random(seed),
+        { name, planes, shapes } = FORMATS.find((f) => [f.name, f.alias].includes(format));
     const length = shapes.call({ planes }, width, height).reduce((sum, p) => sum + p.rows * p.rowBytes, 0);
     const data = Uint8Array.from({ length }, next);
     if (["p010", "p210", "p410", "r10g10b10"].includes(name)) for (let i = 1; i < length; i += 2) data[i] &= 3;
@@ -40,7 +42,10 @@ export function noise(format, width, height, seed = 1) {
 /** Equal bytes; a failure names what, not megabytes */
 export function assertBytes(actual, expected, what) {
     const a = Buffer.from(actual.buffer, actual.byteOffset, actual.byteLength);
-    assert.ok(a.equals(Buffer.from(expected.buffer, expected.byteOffset, expected.byteLength)), `bytes differ: ${what}`);
+    assert.ok(
+        a.equals(Buffer.from(expected.buffer, expected.byteOffset, expected.byteLength)),
+        `bytes differ: ${what}`,
+    );
 }
 
 export const throws = (call, kind, text) =>
