@@ -73,6 +73,8 @@ def linked(line, path):
         if is_picture:
             return picture(to, words)
         words = words.replace("`", "")
+        if to == ROOT / "docs/try/index.html":
+            return f'<a href="try/index.html">{html.escape(words)}</a>'
         return f'@ref {reference(to, anchor)} "{words}"' if in_site(to) else words
     return LINK.sub(replace, line)
 

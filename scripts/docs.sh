@@ -18,12 +18,20 @@ for drawing in "$out"/drawings/*.svg; do
 done
 rm -r "$out/drawings"
 
-figures=$(find docs -name '*.svg' -o -name '*.png' | paste -sd' ')
+figures=$(find docs -path docs/try -prune -o \( -name '*.svg' -o -name '*.png' \) -print | paste -sd' ')
 {
     cat docs/Doxyfile
     echo "OUTPUT_DIRECTORY = \"$out\""
     echo "HTML_EXTRA_FILES = $figures"
 } | doxygen -
+# The page to try the library on is not for installed copies, which no server gives to a browser.
+if [ $# -eq 0 ] && command -v emcc >/dev/null; then
+    scripts/try.sh --site "$out/doc/try"
+else
+    mkdir "$out/doc/try"
+    cp docs/try/absent.html "$out/doc/try/index.html"
+    [ $# -gt 0 ] || echo "The page to try the library on is left out: emscripten is not installed."
+fi
 scripts/docs.py check "$out/doc"
 # A line that starts with a quote is a request.
 sed -i "s/^'/\\\\\&&/" "$out"/man/man3/*.3
