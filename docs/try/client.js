@@ -49,8 +49,8 @@ export function ask(call, given = {}, transfer = []) {
 /** Calls a function whenever the worker has lost what it was given. */
 export const onRestart = (run) => restarted.addEventListener("restart", run);
 
-/** A function that runs an asynchronous one once at a time: of calls meanwhile only the last is kept. Returns whether all
- *  is done that was asked for; false at once if somebody else waits for it. */
+/** A function that runs an asynchronous one once at a time: of calls meanwhile only the last is kept. Returns whether
+ *  all is done that was asked for; false at once if somebody else waits for it. */
 export function latest(run) {
     let running = false;
     let again = false;

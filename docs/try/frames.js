@@ -69,7 +69,7 @@ function draw() {
         context.fillStyle = colours[key];
         context.fillRect(i * step + gap / 2, room - height, Math.max(step - gap, 1), height);
     });
-    const x = ((at + 0.5) / file.frames.length) * width;
+    const x = Math.min(Math.max(((at + 0.5) / file.frames.length) * width, 6), width - 6);
     context.fillStyle = style("--ink");
     context.beginPath();
     context.moveTo(x, HEIGHT - 10);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reads the sample tables of the first video track of an MP4, MOV or 3GP file (ISO/IEC 14496-12).
+// Reads the sample tables of the first video track of an MP4, MOV or 3GP file (ISO/IEC 14496-12), fragmented ones too.
 import { CODECS } from "./annexb.js";
 
 const fail = (sentence) => {
@@ -8,9 +8,11 @@ const fail = (sentence) => {
 
 /** A box, or a part of one: reads numbers, and never past its end. */
 class Box {
-    constructor(bytes, type = "file") {
+    constructor(bytes, type = "file", place = 0, whole = true) {
         this.bytes = bytes;
         this.type = type;
+        this.place = place; // in the box around it
+        this.whole = whole;
         this.view = new DataView(bytes.buffer, bytes.byteOffset, bytes.byteLength);
         this.at = 0;
     }
@@ -51,6 +53,7 @@ class Box {
     /** The boxes within this one, from here on. The last one of a file that is cut off is what there is of it. */
     *boxes() {
         while (this.left >= 8) {
+            const place = this.at;
             let size = this.u32();
             let head = 8;
             const type = this.code();
@@ -62,11 +65,12 @@ class Box {
             if (size === 0) size = this.left + head;
             if (size < head) fail(`The file is broken: its box “${type}” tells a size of ${size} bytes.`);
             const start = this.at;
-            const end = Math.min(start + size - head, this.bytes.length);
-            if (end < start + size - head && this.type !== "file")
+            const end = Math.min(place + size, this.bytes.length);
+            const whole = end === place + size;
+            if (!whole && this.type !== "file")
                 fail(`The file is broken: “${type}” is larger than “${this.type}” around it.`);
             this.at = end;
-            yield new Box(this.bytes.subarray(start, end), type);
+            yield new Box(this.bytes.subarray(start, end), type, place, whole);
         }
     }
     *all(type) {
@@ -101,13 +105,14 @@ function readEntry(stsd) {
 }
 
 const MOST_FRAMES = 2 ** 21;
+const TOO_MANY = "The file tells of more than two million frames, which this page does not read.";
 
 function readSizes(stbl) {
     const stsz = stbl.find("stsz");
     if (stsz) {
         const same = stsz.skip(4).u32();
         const count = same ? stsz.u32() : stsz.count(4);
-        if (count > MOST_FRAMES) fail(`The file tells of ${count} frames; this page reads up to ${MOST_FRAMES}.`);
+        if (count > MOST_FRAMES) fail(TOO_MANY);
         return Array.from({ length: count }, () => same || stsz.u32());
     }
     const stz2 = stbl.need("stz2");
@@ -146,11 +151,12 @@ function readOffsets(stbl, sizes) {
             at += sizes[offsets.length - 1];
         }
     }
+    if (offsets.length < sizes.length) fail("The file is broken: it does not tell where all of its frames are.");
     return offsets;
 }
 
-/** Times in which samples are shown, in seconds from the first. */
-function readTimes(stbl, count, scale) {
+/** Times at which samples are shown, in units of the track */
+function readTimes(stbl, count) {
     const runs = (type, read) => {
         const box = stbl.find(type);
         const values = [];
@@ -165,13 +171,67 @@ function readTimes(stbl, count, scale) {
     const durations = runs("stts", (box) => box.u32());
     const shifts = runs("ctts", (box) => box.u32() | 0);
     let time = 0;
-    const times = Array.from({ length: count }, (_, i) => {
+    return Array.from({ length: count }, (_, i) => {
         const shown = time + (shifts[i] ?? 0);
         time += durations[i] ?? 0;
-        return shown / scale;
+        return shown;
     });
-    const first = times.reduce((a, b) => Math.min(a, b), Infinity);
-    return times.map((t) => t - first);
+}
+
+/** The samples of a track's own tables */
+function readTable(stbl) {
+    const sizes = readSizes(stbl);
+    const offsets = readOffsets(stbl, sizes);
+    const times = readTimes(stbl, sizes.length);
+    const stss = stbl.find("stss");
+    const marks = stss && new Set(Array.from({ length: stss.skip(4).count(4) }, () => stss.u32() - 1));
+    return sizes.map((size, i) => ({ offset: offsets[i], size, time: times[i], marked: !marks || marks.has(i) }));
+}
+
+/** The samples of a track that fragments hold, up to where the file is cut off */
+function readFragments(file, moov, video) {
+    const mvex = moov.find("mvex");
+    if (!mvex) return [];
+    const tkhd = video.need("tkhd");
+    const id = tkhd.skip(tkhd.u8() === 1 ? 19 : 11).u32();
+    const trex = [...mvex.all("trex")].find((box) => box.skip(4).u32() === id);
+    if (!trex) return [];
+    const usual = { duration: trex.skip(4).u32(), size: trex.u32(), flags: trex.u32() };
+    const samples = [];
+    let time = 0;
+    for (const moof of file.all("moof")) {
+        for (const traf of moof.whole ? moof.all("traf") : []) {
+            const tfhd = traf.need("tfhd");
+            const has = tfhd.u32();
+            if (tfhd.u32() !== id) continue;
+            const base = has & 1 ? tfhd.u64() : moof.place;
+            if (has & 2) tfhd.skip(4);
+            const [duration, size, flags] = ["duration", "size", "flags"].map((name, bit) =>
+                has & (8 << bit) ? tfhd.u32() : usual[name],
+            );
+            const tfdt = traf.find("tfdt");
+            if (tfdt) time = tfdt.u8() === 1 ? tfdt.skip(3).u64() : tfdt.skip(3).u32();
+            let offset = base;
+            for (const trun of traf.all("trun")) {
+                const tells = trun.u32();
+                const count = trun.u32();
+                if (samples.length + count > MOST_FRAMES) fail(TOO_MANY);
+                if (tells & 1) offset = base + (trun.u32() | 0);
+                const first = tells & 4 ? trun.u32() : flags;
+                for (let i = 0; i < count; ++i) {
+                    const lasts = tells & 0x100 ? trun.u32() : duration;
+                    const sample = { offset, size: tells & 0x200 ? trun.u32() : size };
+                    const own = tells & 0x400 ? trun.u32() : i ? flags : first;
+                    sample.time = time + (tells & 0x800 ? trun.u32() | 0 : 0);
+                    sample.marked = !(own & 0x10000);
+                    samples.push(sample);
+                    offset += sample.size;
+                    time += lasts;
+                }
+            }
+        }
+    }
+    return samples;
 }
 
 /** A sample with start codes in place of its units' lengths, and the units' types. */
@@ -207,43 +267,32 @@ export function isMp4(bytes) {
 
 /** The frames of a file's first video track. Throws an Error whose message is a sentence. */
 export function readMp4(bytes) {
-    const moov =
-        new Box(bytes).find("moov") ??
-        fail("There are no tables in it (“moov”): it is cut off, or was never finished.");
+    const file = new Box(bytes);
+    const moov = file.find("moov") ?? fail("There are no tables in it (“moov”): it is cut off, or was never finished.");
     const video =
         [...moov.all("trak")].find((trak) => trak.need("mdia", "hdlr").skip(8).code() === "vide") ??
         fail("There is no video in it.");
     const mdhd = video.need("mdia", "mdhd");
-    const long = mdhd.u8() === 1;
-    const scale = mdhd.skip(long ? 19 : 11).u32() || fail("The file is broken: its video has no time scale.");
+    const scale =
+        mdhd.skip(mdhd.u8() === 1 ? 19 : 11).u32() || fail("The file is broken: its video has no time scale.");
     const stbl = video.need("mdia", "minf", "stbl");
     const entry = readEntry(stbl.need("stsd"));
-    const sizes = readSizes(stbl);
-    const offsets = readOffsets(stbl, sizes);
-    if (!offsets.length)
-        fail(
-            moov.find("mvex")
-                ? "It is a fragmented file, whose tables are spread over it; this page reads those with one table."
-                : "Its video has no frames.",
-        );
-    const times = readTimes(stbl, offsets.length, scale);
-    const stss = stbl.find("stss");
-    const marks = stss && new Set(Array.from({ length: stss.skip(4).count(4) }, () => stss.u32() - 1));
+    const samples = [...readTable(stbl), ...readFragments(file, moov, video)];
+    if (!samples.length) fail("Its video has no frames.");
 
-    const whole = offsets.findIndex((offset, i) => offset + sizes[i] > bytes.length);
-    const count = whole < 0 ? offsets.length : whole;
-    if (!count) fail("It is cut off before the end of its first frame.");
-    if (sizes.slice(0, count).reduce((a, b) => a + b, 0) > bytes.length)
-        fail("The file is broken: its frames overlap.");
-    const missing = sizes.length - count;
-    const frames = offsets.slice(0, count).map((offset, i) => {
-        const sample = bytes.subarray(offset, offset + sizes[i]);
+    const missing = samples.findIndex(({ offset, size }) => !(offset >= 0 && offset + size <= bytes.length));
+    const there = missing < 0 ? samples : samples.slice(0, missing);
+    if (!there.length) fail("It is cut off before the end of its first frame.");
+    if (there.reduce((sum, { size }) => sum + size, 0) > bytes.length) fail("The file is broken: its frames overlap.");
+    const first = there.reduce((least, { time }) => Math.min(least, time), Infinity);
+    const frames = there.map(({ offset, size, time, marked }) => {
+        const sample = bytes.subarray(offset, offset + size);
         const units = () => (entry.lengthSize ? unitsOf(sample, entry) : { types: [], data: sample });
         return {
             offset,
-            size: sizes[i],
-            time: times[i],
-            marked: !marks || marks.has(i),
+            size,
+            time: (time - first) / scale,
+            marked,
             get types() {
                 return units().types;
             },
@@ -255,6 +304,9 @@ export function readMp4(bytes) {
         code: entry.code,
         codec: entry.codec?.name ?? null,
         frames,
-        note: missing ? `${missing} more of its frames are missing: the file is cut off or broken.` : "",
+        note:
+            missing < 0
+                ? ""
+                : `${samples.length - missing} more of its frames are missing: the file is cut off or broken.`,
     };
 }
