@@ -20,7 +20,7 @@ const HEVC = {
 export const CODECS = { h264: H264, hevc: HEVC };
 
 /** Where the units' first bytes are, behind 00 00 01. */
-export function* startCodes(bytes) {
+function* startCodes(bytes) {
     for (let one = bytes.indexOf(1, 2); one >= 0 && one + 1 < bytes.length; one = bytes.indexOf(1, one + 1))
         if (bytes[one - 1] === 0 && bytes[one - 2] === 0) yield one + 1;
 }
@@ -36,7 +36,7 @@ export function readAnnexB(bytes) {
     let hasSlice = false;
     let end = bytes.length;
     let note = "";
-    const frames = [];
+    const units = []; // access units: where each begins, and the types of what is in it
     for (const at of startCodes(bytes)) {
         codec ??= codecOf(bytes, at);
         if (bytes[at] & 0x80) {
@@ -47,18 +47,18 @@ export function readAnnexB(bytes) {
         }
         const type = codec.type(bytes, at);
         const slice = codec.isSlice(type);
-        if (!frames.length || (hasSlice && (slice ? codec.isFirst(bytes, at) : codec.opens(type)))) {
-            frames.push({ offset: at - (bytes[at - 4] === 0 ? 4 : 3), types: [] }); // a zero before belongs to it
+        if (!units.length || (hasSlice && (slice ? codec.isFirst(bytes, at) : codec.opens(type)))) {
+            units.push({ offset: at - (bytes[at - 4] === 0 ? 4 : 3), types: [] }); // a zero before belongs to it
             hasSlice = false;
         }
         hasSlice ||= slice;
-        frames.at(-1).types.push(type);
+        units.at(-1).types.push(type);
     }
-    if (!frames.some((frame) => frame.types.some(codec.isSlice)))
+    if (!units.some(({ types }) => types.some(codec.isSlice)))
         throw new Error("There is no picture of H.264 or HEVC behind a start code in it.");
-    frames.forEach((frame, i) => {
-        const data = bytes.subarray(frame.offset, frames[i + 1]?.offset ?? end);
-        Object.assign(frame, { size: data.length, data: () => data });
+    const frames = units.map(({ offset, types }, i) => {
+        const data = bytes.subarray(offset, units[i + 1]?.offset ?? end);
+        return { offset, size: data.length, read: () => ({ types, data }) };
     });
     return { container: "Annex B", codec: codec.name, frames, note };
 }

@@ -60,11 +60,14 @@ export function latest(run) {
             return false;
         }
         running = true;
-        do {
-            again = false;
-            await run();
-        } while (again);
-        running = false;
+        try {
+            do {
+                again = false;
+                await run();
+            } while (again);
+        } finally {
+            running = false;
+        }
         return true;
     };
 }

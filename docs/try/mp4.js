@@ -234,7 +234,7 @@ function readFragments(file, moov, video) {
     return samples;
 }
 
-/** A sample with start codes in place of its units' lengths, and the units' types. */
+/** The types of a sample's units, and the sample with start codes in place of their lengths */
 function unitsOf(sample, { codec, lengthSize }) {
     const types = [];
     const parts = [];
@@ -243,6 +243,7 @@ function unitsOf(sample, { codec, lengthSize }) {
         let length = 0;
         for (let i = 0; i < lengthSize; ++i) length = length * 256 + sample[at + i];
         at += lengthSize;
+        if (!length) break;
         const unit = sample.subarray(at, at + length);
         types.push(codec.type(sample, at));
         parts.push(unit);
@@ -287,17 +288,8 @@ export function readMp4(bytes) {
     const first = there.reduce((least, { time }) => Math.min(least, time), Infinity);
     const frames = there.map(({ offset, size, time, marked }) => {
         const sample = bytes.subarray(offset, offset + size);
-        const units = () => (entry.lengthSize ? unitsOf(sample, entry) : { types: [], data: sample });
-        return {
-            offset,
-            size,
-            time: (time - first) / scale,
-            marked,
-            get types() {
-                return units().types;
-            },
-            data: () => units().data,
-        };
+        const read = () => (entry.lengthSize ? unitsOf(sample, entry) : { types: [], data: sample });
+        return { offset, size, time: (time - first) / scale, marked, read };
     });
     return {
         container: "MP4",

@@ -13,7 +13,7 @@ let zelt;
 let picture = null;
 let clip = null;
 
-async function read(file) {
+async function bytesOf(file) {
     if (file.size > MOST_BYTES)
         throw new Error(`It has ${Math.ceil(file.size / 2 ** 20)} MB, and this page reads up to 512.`);
     return new Uint8Array(await file.arrayBuffer());
@@ -76,9 +76,9 @@ class Chain {
     }
 }
 
-/** The first of the chain's pictures that is shown is what came as RGBA or was made RGBA of a clip's frame. */
+/** Of a clip's frame RGBA is made first. */
 function chainOf(source, { stored, shown }) {
-    const steps = [{ ...stored }, { format: "rgba8888", ...shown }];
+    const steps = [stored, { format: "rgba8888", ...shown }];
     if (source.format) steps.unshift({ format: "rgba8888", ...clipColour() });
     return new Chain(source, steps);
 }
@@ -101,7 +101,7 @@ const calls = {
 
     /** Takes a clip: a Y4M file. */
     async clip({ file }) {
-        const bytes = await read(file);
+        const bytes = await bytesOf(file);
         const opened = readY4m(bytes);
         clip = { bytes, ...opened };
         const { width, height, format, range, rate, offsets, note } = opened;
@@ -183,17 +183,15 @@ const calls = {
 
     /** The frames of a coded file. */
     async keyFrames({ file }) {
-        const bytes = await read(file);
+        const bytes = await bytesOf(file);
         const { container, code, codec, frames, note } = isMp4(bytes) ? readMp4(bytes) : readAnnexB(bytes);
         const type = codec ? { name: codec } : zelt.mediaType(code, "video");
         const start = performance.now();
-        const list = frames.map((frame) => ({
-            size: frame.size,
-            time: frame.time,
-            marked: frame.marked,
-            types: frame.types.slice(0, 64),
-            key: type.name !== "unknown" && zelt.isKeyFrame(type.name, frame.data()),
-        }));
+        const list = frames.map(({ size, time, marked, read }) => {
+            const { types, data } = read();
+            const key = type.name !== "unknown" && zelt.isKeyFrame(type.name, data);
+            return { size, time, marked, types: types.slice(0, 64), key };
+        });
         const passed = performance.now() - start;
         const digest = zelt.md5(
             new TextEncoder().encode(list.map(({ size, key }) => `${size},${Number(key)}\n`).join("")),

@@ -96,7 +96,7 @@ function movie({
 
 test("forms of MP4 tables", () => {
     const read = (options) =>
-        readMp4(movie(options)).frames.map(({ size, time, marked, data }) => [size, time, marked, data()[0]]);
+        readMp4(movie(options)).frames.map(({ size, time, marked, read }) => [size, time, marked, read().data[0]]);
     const [f, s, t] = "fst".split("").map((c) => c.charCodeAt(0));
     const whole = [
         [5, 0, true, f],
@@ -132,7 +132,7 @@ test("forms of MP4 tables", () => {
 
 test("access units", () => {
     const units = (...list) => Uint8Array.from(list.flatMap((unit) => [0, 0, 1, ...unit]));
-    const types = (bytes) => readAnnexB(bytes).frames.map((frame) => frame.types);
+    const types = (bytes) => readAnnexB(bytes).frames.map((frame) => frame.read().types);
     // delimiter, SPS, IDR slice in two parts; slice; SEI, slice
     assert.deepEqual(
         types(units([9, 16], [0x67, 66], [0x65, 0x88], [0x65, 0x40], [0x41, 0x9a], [6, 1], [0x41, 0x9a])),
@@ -196,7 +196,7 @@ test("damage of any kind gives frames within the file or a sentence, in little t
             const { frames } = coded(bytes);
             for (const frame of frames) {
                 assert.ok(frame.offset >= 0 && frame.size >= 0 && frame.offset + frame.size <= bytes.length);
-                frame.data();
+                frame.read();
             }
         } catch (error) {
             assert.equal(error.constructor, Error, error.stack);
