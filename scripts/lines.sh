@@ -48,7 +48,7 @@ def area(path):
     if "tests" in folders or "fuzz" in folders:
         return "fuzz targets" if "fuzz" in folders else "tests"
     return {"src": "library", "include": "headers", "tools": "tool", "bindings": "bindings",
-            "integrations": "integrations", "bench": "benchmark", "examples": "examples"}.get(
+            "integrations": "integrations", "bench": "benchmark", "examples": "examples", "docs": "page"}.get(
                 folders[0] if folders else "", "scripts, build")
 
 areas = collections.Counter()
@@ -72,7 +72,7 @@ def share(of):
     return 100 * tests / sum(areas[a] for a in of)
 
 tests = areas["tests"] + areas["fuzz targets"]
-for name in ("library", "headers", "tool", "bindings", "integrations", "benchmark", "examples", "scripts, build", "tests",
+for name in ("library", "headers", "tool", "bindings", "integrations", "benchmark", "examples", "page", "scripts, build", "tests",
              "fuzz targets"):
     print(f"{name:15} {areas[name]:6}")
 print(f"{'all':15} {sum(areas.values()):6}")
