@@ -67,3 +67,9 @@ else()
   list(APPEND ZELT_LIBRARY_FLAGS $<$<NOT:$<CONFIG:Debug,MinSizeRel>>:-O3>)
   list(APPEND ZELT_LINK_FLAGS -Wl,--no-undefined)  # sanitizers leave symbols to the executable
 endif()
+
+# Programs that node runs, over the system's own files
+if(EMSCRIPTEN)
+  set(ZELT_PROGRAM_LINK_FLAGS -sENVIRONMENT=node -sNODERAWFS -sEXIT_RUNTIME -sALLOW_MEMORY_GROWTH
+    --pre-js ${PROJECT_SOURCE_DIR}/tests/wasm/node.js)
+endif()

@@ -15,12 +15,13 @@ namespace zelt::test {
 /// WebAssembly has no inaccessible pages: bytes on either side that must stay as they are. Reads of them are not seen.
 class guarded_memory {
 public:
-    explicit guarded_memory(std::size_t size) : bytes_(size + 2 * margin, guard) {}
+    explicit guarded_memory(std::size_t size)
+        : bytes_(size + 2 * margin, guard), start_(bytes_.data() + margin), size_(size) {}
     guarded_memory(const guarded_memory&) = delete;
     guarded_memory& operator=(const guarded_memory&) = delete;
 
-    u8* start() const { return const_cast<u8*>(bytes_.data()) + margin; }
-    std::size_t size() const { return bytes_.size() - 2 * margin; }
+    u8* start() const { return start_; }
+    std::size_t size() const { return size_; }
     bool is_intact() const {
         const auto is_guard = [](u8 v) { return v == guard; };
         return std::all_of(bytes_.begin(), bytes_.begin() + margin, is_guard) &&
@@ -31,6 +32,8 @@ private:
     static constexpr int margin = 256;
     static constexpr u8 guard = 0xC5;
     std::vector<u8> bytes_;
+    u8* start_;
+    std::size_t size_;
 };
 
 /// A fault ends the program there.
