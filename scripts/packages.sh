@@ -12,6 +12,7 @@ test_packages=("${build_packages[@]}" "${gstreamer_packages[@]}" googletest libg
 arm_packages=(g++-arm-linux-gnueabi g++-aarch64-linux-gnu)
 armhf_packages=(g++-arm-linux-gnueabihf)
 i686_packages=(g++-i686-linux-gnu)
+wasm_packages=(emscripten nodejs)
 docs_packages=(doxygen doxygen-awesome-css python3)
 check_packages=("${docs_packages[@]}" clang clang-format reuse shellcheck)
 # the Python package, its tests and what examples use

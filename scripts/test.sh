@@ -26,6 +26,7 @@ for preset in "${presets[@]}"; do
     armv7-hf) need "${armhf_packages[@]}" ;;
     arm* | aarch64*) need "${arm_packages[@]}" ;;
     i686) need "${i686_packages[@]}" ;;
+    wasm32) need "${wasm_packages[@]}" ;;
     esac
     case $preset in
     *clang) need clang ;;
