@@ -107,7 +107,7 @@ struct search {
         if (start) step<1>({*start}, all);
         int moved = cost ? step(large, all) : -1;
         while (moved >= 0 && cost && tried + most_new + 4 <= most_places) {
-            const vector from = large[moved];  // its diamond has what is neither the centre's nor the centre
+            const vector from = large[moved];  // whose new places are those that the last diamond did not have
             moved = step(large, [from](vector v) { return !is_large(from + v) && from + v != vector{}; });
         }
         if (cost) step(small, all);

@@ -30,6 +30,8 @@ export function mediaFunctions(library) {
         [undefined, calls.zelt_fcc2mt],
     ]);
 
+    const videos = new Map(Object.entries(TYPES.video));
+
     function mediaType(code, kind) {
         const find = choice("kind", byKind, kind);
         if (typeof code === "string") {
@@ -41,14 +43,7 @@ export function mediaFunctions(library) {
     }
 
     function isKeyFrame(codec, data) {
-        const value = typeof codec === "number" ? codec : TYPES.video[codec];
-        if (value === undefined)
-            throw new RangeError(
-                `no video is called '${codec}'; there are ` +
-                    Object.keys(TYPES.video)
-                        .filter((name) => name !== "unknown")
-                        .join(", "),
-            );
+        const value = typeof codec === "number" ? codec : choice("codec", videos, codec);
         return library.lend(
             data,
             (address, length) => length > 0 && calls.zelt_is_vkeyfrm(value, address, length) === 1,
