@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# The page on which to try the library, build/try/index.html for any server of files, and its tests: its readers of files,
-# its table of digests beside the native library, and what a visitor does, in headless Chromium.
+# The page on which to try the library, build/try/index.html for any server of files, and its tests: the digests beside
+# those of the native library, the readers of files, and what a visitor does, in headless Chromium.
 #   --site FOLDER  only makes the page, there
 #   --digests      only writes docs/try/digests.json anew
 set -euo pipefail

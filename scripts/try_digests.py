@@ -79,12 +79,15 @@ def motion():
             vectors = numpy.zeros((*costs.shape, 2), "<i2")
         return digest(vectors.astype("<i2"), costs.astype("<u4"))
 
-    return {metric: {gap: {block: {reach: [field(*pair, block, reach, metric) for pair in zip(luma, luma[gap:])]
-                                   for reach in REACHES} for block in BLOCKS} for gap in GAPS} for metric in ("sad", "satd")}
+    def fields(gap, block, reach, metric):
+        return [field(before, now, block, reach, metric) for before, now in zip(luma, luma[gap:])]
+
+    return {metric: {gap: {block: {reach: fields(gap, block, reach, metric) for reach in REACHES}
+                           for block in BLOCKS} for gap in GAPS} for metric in ("sad", "satd")}
 
 
 def key_frames(name):
-    """Sizes of frames, and whether they are key frames; where units have lengths, start codes are put in their place."""
+    """Sizes of frames, and whether they are key frames; lengths of units give way to start codes."""
     def with_start_codes(data):
         at = 0
         while at < len(data):
@@ -109,6 +112,7 @@ if __name__ == "__main__":
     import libzelt
     import numpy
     import PIL.Image
-    json.dump({"sizes": SIZES, "blocks": BLOCKS, "reaches": REACHES, "gaps": GAPS, "convert": {"photo": photo(), "clip": clip()},
-               "motion": motion(), "frames": {name: key_frames(name) for name in CODED}}, sys.stdout, separators=(",", ":"))
-    print()
+    table = {"sizes": SIZES, "blocks": BLOCKS, "reaches": REACHES, "gaps": GAPS,
+             "convert": {"photo": photo(), "clip": clip()}, "motion": motion(),
+             "frames": {name: key_frames(name) for name in CODED}}
+    print(json.dumps(table, separators=(",", ":")))

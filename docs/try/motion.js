@@ -114,10 +114,10 @@ function describe({ fields, size, searched, digests }) {
                 `cost ${cost} a pixel`,
         );
     }
-    const [a, b] = fields;
-    $("motion-note").textContent =
-        `${a.costs.length} blocks; SATD takes ${(b.time / a.time).toFixed(1)} times as long` +
-        (searched ? ` and chooses another vector for ${countMoved(a.vectors, b.vectors)}.` : ".");
+    const [sad, satd] = fields;
+    $("motion-note").textContent = searched
+        ? `${sad.costs.length} blocks; SATD chooses another vector for ${countMoved(sad.vectors, satd.vectors)} of them.`
+        : `${sad.costs.length} blocks, compared where they are.`;
 }
 
 async function run() {

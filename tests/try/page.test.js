@@ -303,9 +303,11 @@ test("work that does not end is given up, and the page goes on", async () => {
     };
     await open();
     patches = {};
+    await choose("source", "clip");
+    await agreeing(4);
     await drop("endless.mp4", "");
     await until(() => /took more than/.test(document.querySelector("#frames-message").textContent));
-    await until(() => document.querySelectorAll("#steps tr.yes").length === 3);
+    await until(() => document.querySelectorAll("#steps tr.yes").length === 3); // the photograph again
     await choose("coded", "pan.h264");
     await settled();
     await choose("source", "clip");
