@@ -55,6 +55,9 @@ installed() {
 
     if [ -x "$prefix/bin/zelt" ]; then
         "$prefix/bin/zelt" --version >/dev/null || fail "the tool does not start"
+        for made in man/man1/zelt.1 bash-completion/completions/zelt zsh/site-functions/_zelt; do
+            [ -s "$prefix/share/$made" ] || fail "share/$made is not installed"
+        done
     fi
 }
 
