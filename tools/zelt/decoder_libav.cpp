@@ -42,6 +42,10 @@ constexpr struct {
 };
 // clang-format on
 
+// Threads of frames may hand out a picture before they tell that it is damaged, and may lose one without a word: H.264
+// and MPEG-4 do. These codings tell as much as by threads of slices.
+constexpr AVCodecID threaded_by_frames[] = {AV_CODEC_ID_HEVC, AV_CODEC_ID_VP9};
+
 const AVPixFmtDescriptor& description_of(int pixel_format) {
     return *av_pix_fmt_desc_get(static_cast<AVPixelFormat>(pixel_format));
 }
@@ -106,9 +110,13 @@ private:
         codec_.reset(avcodec_alloc_context3(codec));
         if (!codec_ || avcodec_parameters_to_context(codec_.get(), stream_->codecpar) < 0) throw std::bad_alloc();
         codec_->pkt_timebase = stream_->time_base;
-        codec_->thread_count = threads;         // 0: as many as there are processors
-        codec_->thread_type = FF_THREAD_SLICE;  // those of frames may hand out one before they tell that it is damaged
+        codec_->thread_count = threads;
+        codec_->thread_type = FF_THREAD_SLICE;
         codec_->err_recognition = AV_EF_CRCCHECK;
+        if (std::ranges::count(threaded_by_frames, codec->id)) {
+            codec_->thread_type = FF_THREAD_FRAME;
+            codec_->err_recognition |= AV_EF_EXPLODE;
+        }
         source_.check(avcodec_open2(codec_.get(), codec, nullptr));
     }
 
