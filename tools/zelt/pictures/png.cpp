@@ -9,6 +9,7 @@
 #include <cstring>
 #include <png.h>
 #include <vector>
+#include <zlib.h>
 
 namespace zelt::tool {
 namespace {
@@ -113,6 +114,11 @@ void encode_png(std::string& to, const picture& pic) {
                           png_set_IHDR(png, info, static_cast<png_uint_32>(pic.w), static_cast<png_uint_32>(pic.h), 8,
                                        pic.fmt->alpha ? PNG_COLOR_TYPE_RGB_ALPHA : PNG_COLOR_TYPE_RGB,
                                        PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+                          // Only runs are looked for: a fifth of the default's time, and files of photographs are no
+                          // larger; those of drawings are.
+                          png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_PAETH);
+                          png_set_compression_strategy(png, Z_RLE);
+                          png_set_compression_level(png, 1);
                           png_write_info(png, info);
                           png_write_image(png, first);
                           png_write_end(png, nullptr);
