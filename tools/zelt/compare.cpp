@@ -3,7 +3,6 @@
 #include "drawing/drawings.h"
 #include "drawing/file.h"
 #include "input_options.h"
-#include "interrupt.h"
 #include "output.h"
 #include "pictures/reader.h"
 #include "plane.h"
@@ -113,30 +112,27 @@ struct distances {
     }
 };
 
-/// One of the two clips
-struct side {
-    std::unique_ptr<reader> in;
-    std::optional<route> way;
-    const picture* last = nullptr;  // as it was read
-
-    void become(const format& fmt, const colours& meaning) {
-        const clip& about = in->about();
-        way.emplace(*about.fmt, fmt, route::size{about.w, about.h}, meaning);
-    }
-    const picture& next() { return way->run(*(last = &in->next())); }
+/// A picture of each clip, on their way
+struct slot {
+    route ways[2];
+    picture read[2] = {};
+    const picture* same[2] = {};  // in one layout
+    distances apart = {};
 };
 
-/// The layout that both are compared in; RGB gets the other one's colours.
-const format& prepare(side& a, side& b, const told_colours& told) {
-    const clip &of_a = a.in->about(), &of_b = b.in->about();
-    const format &planar_a = planar_yuv(*of_a.fmt), &planar_b = planar_yuv(*of_b.fmt);
-    const bool rgb = !of_a.fmt->yuv || !of_b.fmt->yuv;
-    const format& fmt = planar_a.cs == planar_b.cs && !rgb ? planar_a : format_of(ZELT_CS_YUV444);
+/// The layout that two clips are compared in, and what its samples mean: RGB gets the other one's colours.
+struct layout {
+    const format* fmt;
     colours meaning;
-    if (rgb && of_a.fmt->yuv != of_b.fmt->yuv) meaning = colours_of(of_a.fmt->yuv ? of_a : of_b, told, of_a.h);
-    for (side* s : {&a, &b}) s->become(fmt, meaning);
-    return fmt;
-}
+
+    layout(const clip& a, const clip& b, const told_colours& told) {
+        const format &planar_a = planar_yuv(*a.fmt), &planar_b = planar_yuv(*b.fmt);
+        const bool rgb = !a.fmt->yuv || !b.fmt->yuv;
+        fmt = planar_a.cs == planar_b.cs && !rgb ? &planar_a : &format_of(ZELT_CS_YUV444);
+        if (rgb && a.fmt->yuv != b.fmt->yuv) meaning = colours_of(a.fmt->yuv ? a : b, told, a.h);
+    }
+    route way(const clip& from) const { return {*from.fmt, *fmt, route::size{from.w, from.h}, meaning}; }
+};
 
 /// The squared differences of one plane's blocks, and how many samples they are of
 template <class T>
@@ -207,27 +203,41 @@ private:
 
 void compare(const std::vector<std::string>& paths, const std::vector<std::string>& drawn, const input_options& how) {
     for (const std::string& path : drawn) check_drawing(path);
-    side a{open_reader(paths[0], how.raw), {}}, b{open_reader(paths[1], how.raw), {}};
-    if (a.in->about().w != b.in->about().w || a.in->about().h != b.in->about().h)
+    const auto open = [&how](const std::string& path) { return open_reader(path, how.raw, false, how.threads); };
+    const std::unique_ptr<reader> in[] = {open(paths[0]), open(paths[1])};
+    const clip &a = in[0]->about(), &b = in[1]->about();
+    if (a.w != b.w || a.h != b.h)
         throw failure(status::bad_input, "the pictures of " + paths[0] + " and " + paths[1] + " differ in size");
-    const int bits = prepare(a, b, how.colours).bits;
+    const layout common(a, b, how.colours);
+    const int bits = common.fmt->bits;
+    std::vector<slot> slots;
+    for (int i = 0; i < how.threads; ++i) slots.push_back({{common.way(a), common.way(b)}});
     std::printf("%7s  %8s  %8s  %8s  %8s  %9s  %8s  %8s\n", "picture", "PSNR Y", "PSNR U", "PSNR V", "PSNR", "SSD Y",
                 "SAD Y", "SATD Y");
     distances all;
     drawer drawings(bits);
     int n = 0, first = -1;
-    progress line(std::min(a.in->about().pictures, b.in->about().pictures));
-    for (; a.in->more() && b.in->more(); ++n) {
-        if (caught_signal()) throw failure(status::output_failed, "interrupted");
-        const picture &pa = a.next(), &pb = b.next();
-        const distances d(pa, pb);
-        line.make_way();
-        d.print(std::to_string(n), bits);
-        all.add(d);
-        if (!drawn.empty()) drawings.add(d, pa, pb, *b.last);
-        if (first < 0 && d.whole().squares) first = n;
-        line.tick();
-    }
+    progress line(std::min(a.pictures, b.pictures));
+    run_in_order(
+        slots,
+        [&](slot& s) {
+            if (!in[0]->more() || !in[1]->more()) return false;
+            for (int i = 0; i < 2; ++i) in[i]->next(s.read[i]);
+            return true;
+        },
+        [](slot& s) {
+            for (int i = 0; i < 2; ++i) s.same[i] = &s.ways[i].run(s.read[i]);
+            s.apart = {*s.same[0], *s.same[1]};
+        },
+        [&](slot& s) {
+            line.make_way();
+            s.apart.print(std::to_string(n), bits);
+            all.add(s.apart);
+            if (!drawn.empty()) drawings.add(s.apart, *s.same[0], *s.same[1], s.read[1]);
+            if (first < 0 && s.apart.whole().squares) first = n;
+            ++n;
+            line.tick();
+        });
     if (!n) throw failure(status::bad_input, "there are no two pictures to compare");
     line.make_way();
     all.print("all", bits);
@@ -236,11 +246,9 @@ void compare(const std::vector<std::string>& paths, const std::vector<std::strin
     else
         std::printf("the first picture that differs is %d\n", first);
     finish_output();
-    const clip& second = b.in->about();
-    if (!drawn.empty())
-        drawings.write(drawn, all.whole(), second.fmt->yuv ? colours_of(second, how.colours, second.h) : colours{});
-    if (a.in->more() || b.in->more())
-        throw failure(status::bad_input, paths[a.in->more() ? 0 : 1] + ": has more pictures than the other clip");
+    if (!drawn.empty()) drawings.write(drawn, all.whole(), b.fmt->yuv ? colours_of(b, how.colours, b.h) : colours{});
+    if (in[0]->more() || in[1]->more())
+        throw failure(status::bad_input, paths[in[0]->more() ? 0 : 1] + ": has more pictures than the other clip");
 }
 
 }  // namespace
@@ -259,6 +267,7 @@ void add_compare(CLI::App& app) {
     opt->input.add_raw(*verb);
     opt->input.add_range(*verb);
     opt->input.add_matrix(*verb);
+    opt->input.add_threads(*verb);
     verb->footer(notes);
     verb->callback([opt] {
         if (opt->paths.size() != 2)

@@ -24,7 +24,7 @@ void input_options::add_matrix(CLI::App& verb) {
 }
 
 void input_options::add_threads(CLI::App& verb) {
-    verb.add_option("--threads", threads, "Pictures at a time (default: the processors)")
+    verb.add_option("--threads", threads, "Threads to use (default: one per processor)")
         ->check(CLI::Range(1, 1024))
         ->type_name("N");
 }

@@ -3,7 +3,6 @@
 #include "drawing/drawings.h"
 #include "drawing/file.h"
 #include "input_options.h"
-#include "interrupt.h"
 #include "output.h"
 #include "pictures/reader.h"
 #include "pictures/writer.h"
@@ -76,23 +75,44 @@ std::vector<motion_vector> candidates(int range) {
 class searcher {
 public:
     searcher(const options& opt)
-        : block_(opt.block), margin_(opt.block + opt.range),
+        : block_(opt.block), margin_(opt.block + opt.range), threads_(static_cast<std::size_t>(opt.input.threads)),
           metric_(*std::ranges::find(metrics, opt.metric, &metric::name)), candidates_(candidates(opt.range)) {}
 
     plane luma(const picture& pic) const { return {pic, 0, margin_, padding::replicate}; }
     motion_field match(const plane& from, const plane& to, progress& line) {
         motion_field field = {block_, {}};
-        for (int y = 0; y < to.h; y += block_, line.tick()) {
-            if (caught_signal()) throw failure(status::output_failed, "interrupted");
-            for (int x = 0; x < to.w; x += block_) field.blocks.push_back(match_block(from, to, x, y));
-        }
+        std::vector<row> rows(threads_);
+        int y = 0;
+        run_in_order(
+            rows,
+            [&](row& r) {
+                r = {y};
+                return std::exchange(y, y + block_) < to.h;
+            },
+            [&](row& r) {
+                for (int x = 0; x < to.w; x += block_) r.blocks.push_back(match_block(from, to, x, r));
+            },
+            [&](row& r) {
+                field.blocks.insert(field.blocks.end(), r.blocks.begin(), r.blocks.end());
+                tried_ += r.tried;
+                given_up_ += r.given_up;
+                line.tick();
+            });
         return field;
     }
     uint64_t tried() const { return tried_; }
     uint64_t given_up() const { return given_up_; }
 
 private:
-    matched_block match_block(const plane& from, const plane& to, int x, int y) {
+    /// A row of blocks
+    struct row {
+        int y;
+        std::vector<matched_block> blocks = {};
+        uint64_t tried = 0, given_up = 0;
+    };
+
+    matched_block match_block(const plane& from, const plane& to, int x, row& r) const {
+        const int y = r.y;
         const uint8_t* block = to.at(x, y);
         matched_block best = {x, y, {0, 0}, std::numeric_limits<int>::max()};
         for (const motion_vector v : candidates_) {
@@ -101,9 +121,9 @@ private:
             const double bound = std::min(metric_.bound(block_, best.cost - 1.0), 2147483647.0);
             const int sad =
                 zelt_sad_eskip(block_, block_, block, place, to.stride, from.stride, static_cast<int>(bound));
-            ++tried_;
+            ++r.tried;
             if (sad > bound) {
-                ++given_up_;
+                ++r.given_up;
                 continue;
             }
             const uint32_t cost =
@@ -115,6 +135,7 @@ private:
     }
 
     int block_, margin_;
+    std::size_t threads_;
     const metric& metric_;
     std::vector<motion_vector> candidates_;
     uint64_t tried_ = 0, given_up_ = 0;
@@ -164,7 +185,7 @@ private:
 
 void match(const options& opt) {
     if (!opt.out.empty()) check_drawing(opt.out, false);
-    const std::unique_ptr<reader> in = open_reader(opt.in, opt.input.raw);
+    const std::unique_ptr<reader> in = open_reader(opt.in, opt.input.raw, false, opt.input.threads);
     const clip about = in->about();
     const route::size size = {about.w, about.h};
     const colours meaning = about.fmt->yuv ? colours_of(about, opt.input.colours, about.h) : colours{};
@@ -211,6 +232,7 @@ void add_match(CLI::App& app) {
     verb->add_option("-i,--input,IN", opt->in, "A clip; - is standard input")->required()->type_name("FILE");
     verb->add_option("-o,--output,OUT", opt->out, "A picture of the motion: .png or .ppm")->type_name("FILE");
     opt->input.add_raw(*verb);
+    opt->input.add_threads(*verb);
     opt->input.add_matrix(*verb);  // --range is how far to look
     verb->add_option("--block", opt->block, "Size of a block")
         ->check(CLI::IsMember({4, 8, 16, 32, 64}))
