@@ -13,6 +13,7 @@ arm_packages=(g++-arm-linux-gnueabi g++-aarch64-linux-gnu)
 armhf_packages=(g++-arm-linux-gnueabihf)
 i686_packages=(g++-i686-linux-gnu)
 wasm_packages=(emscripten nodejs)
+android_packages=("${arm_packages[@]}" clang cmake lld g++ make ninja-build python3-pyelftools qemu-user)
 docs_packages=(doxygen doxygen-awesome-css python3)
 check_packages=("${docs_packages[@]}" clang clang-format reuse shellcheck)
 # the Python package, its tests and what examples use
@@ -69,3 +70,14 @@ new_debian() {
     done
     mmdebstrap --quiet --variant=apt --format=null --dpkgopt=force-unsafe-io "$@" "$release" /dev/null "${sources[@]}"
 }
+
+# unpack_libcxx FOLDER: the headers of libc++ alone. The package, installed, would displace the libunwind-dev that others
+# need.
+unpack_libcxx() (
+    [ ! -d "$1/usr" ] || return 0
+    mkdir -p "$1"
+    cd "$1" || exit
+    get=(apt-get -qq -o APT::Sandbox::User=root download libc++-14-dev)
+    "${get[@]}" || { apt-get -qq update && "${get[@]}"; }
+    dpkg -x libc++-14-dev_*.deb .
+)

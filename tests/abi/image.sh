@@ -10,7 +10,7 @@ if [ "$1" = any ]; then any=1; shift; fi
     function bracketed() { gsub(/.*\[|\].*/, ""); return $0 }
     function complain(text) { print text; bad = 1 }
     BEGIN { name = "none" }
-    /\(NEEDED\)/ { needed++; if (bracketed() != "libc.so.6" && !any) complain("needed: " $0) }
+    /\(NEEDED\)/ { needed++; if (bracketed() !~ /^libc[.]so([.]6)?$/ && !any) complain("needed: " $0) }
     /\(SONAME\)/ { name = bracketed() }
     /TEXTREL/ { complain("text relocations") }
     $1 == "GNU_STACK" && $7 ~ /E/ { complain("executable stack") }

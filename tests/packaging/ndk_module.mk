@@ -1,0 +1,2 @@
+# SPDX-License-Identifier: MIT
+$(info $(LOCAL_MODULE);$(LOCAL_PATH);$(LOCAL_SRC_FILES);$(LOCAL_CPPFLAGS) $(addprefix -I,$(LOCAL_C_INCLUDES));$(LOCAL_LDFLAGS))
