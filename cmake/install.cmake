@@ -5,7 +5,9 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zelt)
 
 if(shared)
   install(TARGETS zelt EXPORT zelt-targets
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev)
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
 endif()
 if(archive)
   install(TARGETS zelt_static EXPORT zelt-targets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
@@ -22,7 +24,12 @@ set(libdir "\${prefix}")
 set(includedir "\${prefix}")
 cmake_path(APPEND libdir ${CMAKE_INSTALL_LIBDIR})  # an absolute folder replaces the prefix
 cmake_path(APPEND includedir ${CMAKE_INSTALL_INCLUDEDIR})
+set(cflags "")
+if(NOT shared)
+  set(cflags " -DZELT_STATIC")
+endif()
 string(CONFIGURE [=[
+set(cflags [[@cflags@]])
 set(libdir [[@libdir@]])
 set(includedir [[@includedir@]])
 set(PROJECT_VERSION "@PROJECT_VERSION@")

@@ -27,6 +27,7 @@ for preset in "${presets[@]}"; do
     arm* | aarch64*) need "${arm_packages[@]}" ;;
     i686) need "${i686_packages[@]}" ;;
     wasm32) need "${wasm_packages[@]}" ;;
+    windows) need "${windows_packages[@]}" ;;
     esac
     case $preset in
     *clang) need clang ;;

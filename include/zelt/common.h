@@ -17,7 +17,13 @@
 #define ZELT_BEGIN_DECLS
 #define ZELT_END_DECLS
 #endif
+#ifndef _WIN32
 #define ZELT_API __attribute__((visibility("default")))
+#elif defined(ZELT_STATIC) /* who links the archive defines it */
+#define ZELT_API
+#else
+#define ZELT_API __declspec(dllimport)
+#endif
 /** @endcond */
 
 /** @name Version

@@ -112,8 +112,8 @@ consteval auto make_table(const source (&rows)[Rows], const int (&columns)[Colum
 
 // The exported arrays are these two under another name: an array type has no initialiser that a function could return.
 extern "C" {
-[[gnu::visibility("hidden")]] extern const auto zelt_csc_to_rgb = make_table(rgb_rows, rgb_columns);
-[[gnu::visibility("hidden")]] extern const auto zelt_csc_to_yuvplanar = make_table(yuv_rows, yuv_columns);
+extern const auto zelt_csc_to_rgb = make_table(rgb_rows, rgb_columns);
+extern const auto zelt_csc_to_yuvplanar = make_table(yuv_rows, yuv_columns);
 extern const zelt_csc_fn zelt_tbl_fn_csc_to_rgb[zelt_csc_to_rgb.size()] __attribute__((alias("zelt_csc_to_rgb")));
 extern const zelt_csc_fn zelt_tbl_fn_csc_to_yuvplanar[zelt_csc_to_yuvplanar.size()]
     __attribute__((alias("zelt_csc_to_yuvplanar")));

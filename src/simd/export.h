@@ -28,7 +28,12 @@
 #define ZELT_FORM(name, level) ZELT_JOIN(name, level)
 #define ZELT_TEXT(name) #name
 #define ZELT_TEXT_OF(name) ZELT_TEXT(name)
-#define ZELT_HIDDEN __attribute__((visibility("hidden")))
+#ifdef _WIN32  // where a list of names exports
+#define ZELT_VISIBILITY(kind)
+#else
+#define ZELT_VISIBILITY(kind) __attribute__((visibility(#kind)))
+#endif
+#define ZELT_HIDDEN ZELT_VISIBILITY(hidden)
 #define ZELT_DECLARE_FORMS(name) \
     extern "C" ZELT_HIDDEN decltype(name) ZELT_FORM(name, baseline), ZELT_FORM(name, v2), ZELT_FORM(name, v3);
 
@@ -74,10 +79,10 @@ template <class R, class... A, R (*&chosen)(A...), R (*(*choose)())(A...)> struc
     extern "C" ZELT_HIDDEN decltype(name)* ZELT_FORM(name, chosen);                               \
     [[gnu::used]] constinit decltype(name)* ZELT_FORM(name, chosen) =                             \
         zelt::first_call<decltype(name), ZELT_FORM(name, chosen), ZELT_FORM(name, choose)>::call; \
-    ZELT_BIND_ALIAS(name, name)
-#define ZELT_BIND_ALIAS(name, target)                                                                     \
-    extern "C" __attribute__((naked, visibility("default"))) void ZELT_FORM(name, jump)() __asm__(#name); \
-    void ZELT_FORM(name, jump)() { asm("jmp *" ZELT_TEXT_OF(ZELT_FORM(target, chosen)) "(%rip)"); }
+    ZELT_DECLARE_JUMP(name) __attribute__((naked));                                               \
+    void ZELT_FORM(name, jump)() noexcept { asm("jmp *" ZELT_TEXT_OF(ZELT_FORM(name, chosen)) "(%rip)"); }
+#define ZELT_BIND_ALIAS(name, target) ZELT_DECLARE_JUMP(name) __attribute__((alias(#target)));
+#define ZELT_DECLARE_JUMP(name) extern "C" ZELT_VISIBILITY(default) void ZELT_FORM(name, jump)() noexcept __asm__(#name)
 #endif
 
 // What the kernels' files use: the head of a kernel's definition, and a second name for one, inside extern "C"

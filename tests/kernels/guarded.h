@@ -4,11 +4,16 @@
 #include "kernels/kernel.h"
 
 #include <algorithm>
+#include <cstdlib>
+#if defined _WIN32
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+#elif !defined __EMSCRIPTEN__
 #include <csetjmp>
 #include <csignal>
-#include <cstdlib>
 #include <sys/mman.h>
 #include <unistd.h>
+#endif
 
 namespace zelt::test {
 #ifdef __EMSCRIPTEN__
@@ -35,26 +40,41 @@ private:
     u8* start_;
     std::size_t size_;
 };
-
-/// A fault ends the program there.
-template <class F> bool survives(F f) {
-    f();
-    return true;
-}
 #else
+namespace pages {
+#ifdef _WIN32
+inline std::size_t size() {
+    SYSTEM_INFO info;
+    GetSystemInfo(&info);
+    return info.dwPageSize;
+}
+inline void* reserve(std::size_t n) { return VirtualAlloc(nullptr, n, MEM_RESERVE, PAGE_NOACCESS); }
+inline bool open(void* p, std::size_t n) { return VirtualAlloc(p, n, MEM_COMMIT, PAGE_READWRITE); }
+inline void release(void* p, std::size_t) { VirtualFree(p, 0, MEM_RELEASE); }
+#else
+inline std::size_t size() { return static_cast<std::size_t>(sysconf(_SC_PAGESIZE)); }
+inline void* reserve(std::size_t n) {
+    void* p = mmap(nullptr, n, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return p == MAP_FAILED ? nullptr : p;
+}
+inline bool open(void* p, std::size_t n) { return !mprotect(p, n, PROT_READ | PROT_WRITE); }
+inline void release(void* p, std::size_t n) { munmap(p, n); }
+#endif
+}  // namespace pages
+
 /// Pages with an inaccessible one on either side. A block is pressed against one of those.
 class guarded_memory {
 public:
     explicit guarded_memory(std::size_t size) {
-        const std::size_t page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+        const std::size_t page = pages::size();
         size_ = (size + page - 1) / page * page;
         total_ = size_ + 2 * page;
-        void* all = mmap(nullptr, total_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        if (all == MAP_FAILED) std::abort();
+        void* all = pages::reserve(total_);
+        if (!all) std::abort();
         start_ = static_cast<u8*>(all) + page;
-        if (mprotect(start_, size_, PROT_READ | PROT_WRITE)) std::abort();
+        if (!pages::open(start_, size_)) std::abort();
     }
-    ~guarded_memory() { munmap(start_ - (total_ - size_) / 2, total_); }
+    ~guarded_memory() { pages::release(start_ - (total_ - size_) / 2, total_); }
     guarded_memory(const guarded_memory&) = delete;
     guarded_memory& operator=(const guarded_memory&) = delete;
 
@@ -66,7 +86,15 @@ private:
     u8* start_;
     std::size_t size_, total_;
 };
+#endif
 
+#if defined _WIN32 || defined __EMSCRIPTEN__
+/// Runs `f`, which ends the program where it touches memory that it may not.
+template <class F> bool survives(F f) {
+    f();
+    return true;
+}
+#else
 inline sigjmp_buf fault_exit;
 
 /// Runs `f`; false where it touched memory that it may not, or ran an instruction that the processor does not have.

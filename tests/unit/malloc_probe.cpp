@@ -3,11 +3,11 @@
 
 #include <cstddef>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define SANITIZED 1
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || !defined(__GLIBC__)
+#define NO_PROBE 1
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) || __has_feature(memory_sanitizer)
-#define SANITIZED 1
+#define NO_PROBE 1
 #endif
 #endif
 
@@ -18,7 +18,7 @@ thread_local malloc_probe* active = nullptr;
 malloc_probe::malloc_probe(int failing) : failing(failing) { active = this; }
 malloc_probe::~malloc_probe() { active = nullptr; }
 
-#ifdef SANITIZED
+#ifdef NO_PROBE
 const bool malloc_probe::works = false;
 #else
 const bool malloc_probe::works = true;
