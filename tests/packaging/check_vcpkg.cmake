@@ -1,0 +1,100 @@
+# SPDX-License-Identifier: MIT
+# cmake -DLINKAGE=static|dynamic -DSCRATCH=folder -P check_vcpkg.cmake: runs the port with stand-ins for vcpkg's functions,
+# which do with cmake what those do, of a release only, and looks for what vcpkg complains of. The package is SCRATCH/zelt.
+cmake_minimum_required(VERSION 3.25)
+set(port ${CMAKE_CURRENT_LIST_DIR}/../../packaging/vcpkg)
+set(PORT libzelt)
+set(CURRENT_PACKAGES_DIR ${SCRATCH}/zelt)
+set(build ${SCRATCH}/build)
+file(REMOVE_RECURSE ${SCRATCH})
+
+function(run)
+  execute_process(COMMAND ${ARGN} OUTPUT_FILE ${SCRATCH}/log ERROR_FILE ${SCRATCH}/log RESULT_VARIABLE failed)
+  if(failed)
+    file(READ ${SCRATCH}/log log)
+    message(FATAL_ERROR "${ARGN}: ${log}")
+  endif()
+endfunction()
+
+function(vcpkg_cmake_configure)
+  cmake_parse_arguments(PARSE_ARGV 0 arg "" SOURCE_PATH OPTIONS)
+  set(shared OFF)
+  if(LINKAGE STREQUAL "dynamic")
+    set(shared ON)
+  endif()
+  file(MAKE_DIRECTORY ${build})
+  run(${CMAKE_COMMAND} -S ${arg_SOURCE_PATH} -B ${build} -G Ninja ${arg_OPTIONS} -DZELT_LEVELS=baseline
+    -DCMAKE_BUILD_TYPE=Release -DBUILD_SHARED_LIBS=${shared} -DCMAKE_INSTALL_PREFIX=${CURRENT_PACKAGES_DIR} -DCMAKE_INSTALL_LIBDIR=lib
+    -DCMAKE_INSTALL_BINDIR=bin -DCMAKE_FIND_PACKAGE_NO_PACKAGE_REGISTRY=ON --no-warn-unused-cli)
+endfunction()
+
+function(vcpkg_cmake_install)
+  run(${CMAKE_COMMAND} --build ${build} --target install)
+endfunction()
+
+# The package moves to share/, and its files find the prefix from there.
+function(vcpkg_cmake_config_fixup)
+  cmake_parse_arguments(PARSE_ARGV 0 arg "" "PACKAGE_NAME;CONFIG_PATH" "")
+  set(share ${CURRENT_PACKAGES_DIR}/share/${arg_PACKAGE_NAME})
+  file(MAKE_DIRECTORY ${CURRENT_PACKAGES_DIR}/share)
+  file(RENAME ${CURRENT_PACKAGES_DIR}/${arg_CONFIG_PATH} ${share})
+  file(REMOVE_RECURSE ${CURRENT_PACKAGES_DIR}/lib/cmake)
+  file(GLOB files ${share}/*.cmake)
+  foreach(file IN LISTS files)
+    file(READ ${file} text)
+    string(REPLACE "\${CMAKE_CURRENT_LIST_DIR}/../../../" "\${CMAKE_CURRENT_LIST_DIR}/../../" text "${text}")
+    string(REGEX REPLACE "(get_filename_component\\(_IMPORT_PREFIX [^\n]* PATH\\)\n)+"
+      "get_filename_component(_IMPORT_PREFIX \"\${CMAKE_CURRENT_LIST_DIR}/../..\" ABSOLUTE)\n" text "${text}")
+    file(WRITE ${file} "${text}")
+  endforeach()
+endfunction()
+
+function(vcpkg_fixup_pkgconfig)
+  set(file ${CURRENT_PACKAGES_DIR}/lib/pkgconfig/zelt.pc)
+  file(READ ${file} text)
+  string(REPLACE "${CURRENT_PACKAGES_DIR}" "\${pcfiledir}/../.." text "${text}")
+  file(WRITE ${file} "${text}")
+endfunction()
+
+function(vcpkg_install_copyright)
+  cmake_parse_arguments(PARSE_ARGV 0 arg "" "" FILE_LIST)
+  configure_file(${arg_FILE_LIST} ${CURRENT_PACKAGES_DIR}/share/${PORT}/copyright COPYONLY)
+endfunction()
+
+include(${port}/portfile.cmake)
+
+# What is in the port's description, too
+file(READ ${port}/vcpkg.json description)
+string(JSON name GET "${description}" name)
+string(JSON version GET "${description}" version)
+file(STRINGS ${port}/../../include/zelt/common.h expected REGEX "^#define ZELT_VERSION_")
+list(TRANSFORM expected REPLACE "[^0-9]" "")
+list(JOIN expected . expected)
+if(NOT "${name} ${version}" STREQUAL "${PORT} ${expected}")
+  message(SEND_ERROR "vcpkg.json describes ${name} ${version}")
+endif()
+
+# vcpkg's own checks
+file(GLOB_RECURSE files LIST_DIRECTORIES true RELATIVE ${CURRENT_PACKAGES_DIR} ${CURRENT_PACKAGES_DIR}/*)
+foreach(needed include/zelt/zelt.h share/${PORT}/copyright share/${PORT}/usage share/zelt/zelt-config.cmake
+    lib/pkgconfig/zelt.pc)
+  if(NOT needed IN_LIST files)
+    message(SEND_ERROR "missing: ${needed}")
+  endif()
+endforeach()
+foreach(file IN LISTS files)
+  set(path ${CURRENT_PACKAGES_DIR}/${file})
+  if(IS_DIRECTORY ${path})
+    file(GLOB inside ${path}/*)
+    if(NOT inside)
+      message(SEND_ERROR "empty: ${file}")
+    endif()
+  elseif(file MATCHES "[.](cmake|pc)$")
+    file(STRINGS ${path} absolute REGEX "${SCRATCH}")
+    if(absolute)
+      message(SEND_ERROR "${file} has absolute paths: ${absolute}")
+    endif()
+  elseif(file MATCHES "[.]a$" AND LINKAGE STREQUAL "dynamic" OR file MATCHES "[.]so" AND LINKAGE STREQUAL "static")
+    message(SEND_ERROR "of the other linkage: ${file}")
+  endif()
+endforeach()
