@@ -299,4 +299,5 @@ TEST_F(tool, shows_progress_on_a_terminal_alone) {
         EXPECT_TRUE(std::regex_match(shown, std::regex(row.shown))) << row.command << shown;
     }
     close(terminal);
+    expect_success(shell(slowly + "\"$Z\" convert -i - -o pipe.ppm"));
 }
