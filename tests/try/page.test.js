@@ -295,6 +295,15 @@ test("an own picture, and the camera", async () => {
     assert.deepEqual(complaints, []);
 });
 
+test("a digest that differs is told", async () => {
+    patches = { "/digests.json": (body) => body.replace(/"photo":\{"source":\["\w{4}/, '"photo":{"source":["0000') };
+    await page.goto(`${origin}/index.html`);
+    await settled();
+    patches = {};
+    assert.match(await text("#steps tr.no"), /^Picture.*differs$/);
+    assert.match(await text("#steps-note"), /^1 of 3 steps differ/);
+});
+
 test("work that does not end is given up, and the page goes on", async () => {
     const hang = 'addEventListener("message", ({ data }) => { while (data.file?.name === "endless.mp4"); });\n';
     patches = {
