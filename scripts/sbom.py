@@ -20,7 +20,7 @@ json.dump({
     "documentNamespace": f"https://spdx.org/spdxdocs/libzelt-{version}-{digest}",
     "creationInfo": {
         "created": datetime.datetime.fromtimestamp(time, datetime.timezone.utc).strftime("%Y-%m-%dT%H:%M:%SZ"),
-        "creators": [authors, "Tool: libzelt-scripts/sbom.py"],
+        "creators": [authors, f"Tool: libzelt-sbom.py-{version}"],
     },
     "packages": [{
         "SPDXID": "SPDXRef-Package-libzelt",
