@@ -21,7 +21,7 @@ check_packages=("${docs_packages[@]}" clang clang-format reuse shellcheck)
 wheel_packages=("${build_packages[@]}" binutils python3-numpy python3-pip python3-setuptools python3-venv python3-wheel)
 python_packages=("${wheel_packages[@]}" mypy python3-av python3-distributed python3-pil python3-pytest)
 # the npm package: its modules, beside the tool
-npm_packages=("${build_packages[@]}" emscripten nodejs)
+npm_packages=("${build_packages[@]}" "${wasm_packages[@]}")
 # the benchmark, and the libraries that it compares with
 bench_packages=("${build_packages[@]}" libaom-dev libavutil-dev libbenchmark-dev libgstreamer1.0-dev
     libjack-jackd2-dev libnuma-dev libopencv-core-dev libopencv-imgproc-dev libssl-dev libswscale-dev
