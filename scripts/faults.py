@@ -968,18 +968,18 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("plane[1].psnr(bits).c_str(), plane[2].psnr(bits).c_str(),",
          "plane[2].psnr(bits).c_str(), plane[1].psnr(bits).c_str(),", "PSNR of U and V change places"),
         ("y.mean(y.transformed));", "y.mean(y.absolute));", "the SATD column has the absolute difference"),
-        ("all.add(d);", "all = d;", "the line over all pictures is that of the last"),
+        ("all.add(s.apart);", "all = s.apart;", "the line over all pictures is that of the last"),
         ("squares += d.squares, absolute += d.absolute,",
          "squares += d.squares, absolute = d.absolute,", "the absolute difference over all is the last picture's"),
-        ("|| a.in->about().h != b.in->about().h)", ")", "pictures of two heights are compared"),
-        ("    if (a.in->more() || b.in->more())", "    if (a.in->more())", "a longer second clip is not told"),
+        ("if (a.w != b.w || a.h != b.h)", "if (a.w != b.w)", "pictures of two heights are compared"),
+        ("    if (in[0]->more() || in[1]->more())", "    if (in[0]->more())", "a longer second clip is not told"),
         ("(1 << bits) - 1;", "1 << bits;", "the peak of PSNR is 256"),
         ("if (!n) throw", "if (n < 0) throw", "clips without pictures are compared"),
         ("*sb = pb.at(x, y);", "*sb = pb.at(x, 0);", "differences are always with the first blocks"),
         ("planar_a.cs == planar_b.cs && !rgb ?", "planar_a.planes == planar_b.planes && !rgb ?",
          "planes of 4:2:0 and 4:4:4 are compared as they are"),
-        ("of_a.fmt->yuv ? of_a : of_b, told", "of_a.fmt->yuv ? of_b : of_a, told", "RGB has a range of its own"),
-        ("if (first < 0 && d.", "if (d.", "the last picture that differs is the first"),
+        ("a.fmt->yuv ? a : b, told", "a.fmt->yuv ? b : a, told", "RGB has a range of its own"),
+        ("if (first < 0 && s.apart.", "if (s.apart.", "the last picture that differs is the first"),
     ],
     "tools/zelt/completion.cpp": [
         ("values.empty() ? \"compopt +o default\"", "values.empty() ? \"\"", "files are offered for a number"),
@@ -1027,13 +1027,17 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("else if (count_ || is_key(*f))", "else", "pictures before the first key frame come grey"),
         ("f.width != about.w || f.height != about.h || f.format != format_", "false", "sizes change on the way"),
         ("avcodec_send_packet(codec_.get(), nullptr);", ";", "the last pictures stay in the decoder"),
-        ("std::swap(frame_, shown_);", ";", "a picture is overwritten by the next"),
         ("case AVCOL_SPC_BT709: about.matrix = ZELT_VIDEO_BT709;",
          "case AVCOL_SPC_BT709: about.matrix = ZELT_VIDEO_BT601;", "the file's BT.709"),
         ("|| name.starts_with(\"yuvj\")", "", "the range of JPEG pictures"),
     ],
-    "tools/zelt/digest.h": [
-        ("y < pic.rows(i); ++y)", "y < pic.h; ++y)", "planes have the rows of luma"),
+    "tools/zelt/drawing/difference.cpp": [
+        ("i % across * side, y = i / across * side;", "i / across * side, y = i % across * side;", "the frame is around another block"),
+    ],
+    "tools/zelt/drawing/motion.cpp": [
+        ("to.x + b.from.x * s.times", "to.x - b.from.x * s.times", "arrows start on the other side"),
+        ("(29 * p[0] + 150 * p[1] + 77 * p[2])", "(77 * p[0] + 150 * p[1] + 29 * p[2])", "red and blue change places in grey"),
+        ("if (length(b) > 0)", "if (true)", "blocks that did not move have arrows"),
     ],
     "tools/zelt/formats.cpp": [
         ("resized ? \"*\" : \"\"", "\"\"", "conversions that resize, too, are not marked"),
@@ -1085,16 +1089,9 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
         ("100 * most->second / blocks);", "100 * most->second / (blocks + 1));", "the share of the most frequent way"),
         ("best.cost - 1.0)", "best.cost - 2.0)", "a place that is better by one is given up"),
     ],
-    "tools/zelt/match_map.cpp": [
-        ("x >= on.w || y >= on.h) return;", "x >= on.w || y > on.h) return;", "a row below the picture is written"),
-        ("std::min(static_cast<int>(at), 2);", "std::min(static_cast<int>(at), 3);", "the highest cost has no colour"),
-        ("std::min(b.x + block / 2, w - 1),", "b.x + block / 2,", "arrows of cut blocks end in the costs"),
-        ("costliest->cost ? static_cast<double>(b.cost) / costliest->cost : 0",
-         "static_cast<double>(b.cost) / costliest->cost", "equal pictures divide by 0"),
-        ("{90, 0, 130}", "{130, 0, 90}", "a colour of the costs"),
-    ],
     "tools/zelt/md5.cpp": [
-        ("opt->input.raw, true);", "opt->input.raw, false);", "only layouts with a name have digests"),
+        ("opt->input.raw, true, opt", "opt->input.raw, false, opt", "only layouts with a name have digests"),
+        
         ("if (line.empty() || line[0] == '#') continue;", "if (line.empty()) continue;", "comments are digests"),
         ("if (hex.size() != 32 || hex.find", "if (hex.find", "digests of any length"),
         ("++i, ++differing)", "++i)", "missing pictures do not count"),
@@ -1150,6 +1147,11 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
          "bool operator==(const size& s) const { return w == s.w; }", "another height is the same size"),
         ("int band_rows = 0;", "signed char band_rows = 0;", "bands of more than 127 rows"),
     ],
+    "tools/zelt/workers.cpp": [
+        ("return put_ == turn || stopped_; });", "return true; });", "results come in any order"),
+        ("if (error) stop(error);", "", "a failure is forgotten"),
+        ("for (std::jthread& one : all) wake(one.native_handle());", ";", "threads that wait for a pipe are not woken"),
+    ],
     "tools/zelt/suggest.cpp": [
         ("typed.size() / 3 + 1;", "typed.size();", "names that have nothing in common are near"),
         ("a[i - 2] == b[j - 1])", "false)", "letters that changed places are two faults"),
@@ -1178,11 +1180,14 @@ CATALOGUE: dict[str, list[tuple[str, ...]]] = {
     "tools/zelt/pictures/picture.cpp": [
         ("stride[i] = static_cast<int32_t>(row_bytes(i));", "stride[i] = w;", "rows of several bytes a pixel lie on each other"),
     ],
+    "tools/zelt/pictures/picture.h": [
+        ("whole ? pic.rows(i) : 1;", "whole ? pic.h : 1;", "planes without gaps have the rows of luma"),
+    ],
     "tools/zelt/pictures/png.cpp": [
         ("png_set_scale_16(libpng_.png);", "png_set_strip_16(libpng_.png);", "16-bit PNG samples are cut"),
         ("png_read_end(libpng_.png, nullptr);", ";", "damage after the samples is not seen"),
         ("png_set_gray_to_rgb(libpng_.png);", ";", "grey PNG pictures"),
-        ("if (!done) out.fail(", "if (false) out.fail(", "a failed write of a PNG picture counts as done"),
+        ("if (!done) throw failure(status::output_failed,", "if (false) throw failure(status::output_failed,", "a PNG picture that is not made counts as one"),
     ],
     "tools/zelt/pictures/pnm.cpp": [
         ("if (most != 255) in_", "if (most > 255) in_", "a smaller maxval is taken as 255"),
