@@ -15,15 +15,7 @@
 
 namespace {
 using namespace zelt::tool;
-
-class drawings : public ::tool {
-protected:
-    drawings() {  // fontconfig finds its memory by offsets, which look like leaks
-        store("../leaks", "leak:libfontconfig\n");
-        setenv("LSAN_OPTIONS", ("print_suppressions=0:suppressions=" + root + "/leaks").c_str(), 1);
-    }
-    ~drawings() override { unsetenv("LSAN_OPTIONS"); }
-};
+using drawings = ::tool;
 
 struct mark {
     std::string kind, text;

@@ -288,7 +288,7 @@ TEST_F(tool, shows_progress_on_a_terminal_alone) {
         {slowly + "\"$Z\" md5 -i - --per-frame " + to + " 2>&1",
          R"(#[^]*0, +0, [^\r]*\r\n0, +1, [^\r]*\r\n\r[12] pictures, \d\.\d/s\x1B\[K\r\x1B\[K)"},
         {"\"$Z\" match -i ../three.y4m -o z.png --block 4 --range 70 " + to + " 2>&1",
-         R"([^]*\r\d+ of 72 rows of blocks, \d+ %, \d+/s, 0:\d\d left\x1B\[K\r\x1B\[K +\d [^]*)"},
+         R"([^]*\r\d+ of 72 rows of blocks, \d+ %, [0-9.]+/s, 0:\d\d left\x1B\[K\r\x1B\[K +\d [^]*)"},
     };
     for (const auto& row : rows) {
         expect_success(shell(row.command));
