@@ -24,9 +24,8 @@ public:
     double at(double share) const { return sorted_[static_cast<std::size_t>(std::lround(share * last()))]; }
     colour of(double amount) const {
         if (amount <= 0) return palette::none;
-        const auto equal = std::ranges::equal_range(sorted_, amount);
-        const auto middle =
-            static_cast<double>((equal.begin() - sorted_.begin()) + (equal.end() - sorted_.begin()) - 1) / 2;
+        const auto [low, high] = std::equal_range(sorted_.begin(), sorted_.end(), amount);
+        const auto middle = static_cast<double>((low - sorted_.begin()) + (high - sorted_.begin()) - 1) / 2;
         return palette::amount(last() > 0 ? middle / last() : 0.5);
     }
 
