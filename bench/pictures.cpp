@@ -117,8 +117,10 @@ private:
     }
     void save(const picture& pic, const std::string& what) {
         const std::string path = folder_ / (name_ + "-" + what + ".png");
+        std::string code;
+        encode_png(code, pic);
         output out(path);
-        write_png(out, pic);
+        out.write(code);
         out.commit();
     }
 
