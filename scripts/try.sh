@@ -11,7 +11,7 @@ samples=(coffee.png pan420.y4m pan_h264.mp4 pan.h264 pan_hevc.mp4)
 
 digests() {
     cmake --preset x86-64 >/dev/null
-    cmake --build --preset x86-64 --target zelt -- --quiet
+    cmake --build --preset x86-64 --target zelt -- --quiet >&2
     PYTHONDONTWRITEBYTECODE=1 /usr/bin/python3 scripts/try_digests.py "$PWD/build/x86-64/libzelt.so.1"
 }
 
